@@ -1,0 +1,37 @@
+# The one place for language, warnings and floating-point flags: every target links it privately.
+add_library(tindelwax_options INTERFACE)
+target_compile_features(tindelwax_options INTERFACE cxx_std_20)
+target_compile_options(
+    tindelwax_options
+    INTERFACE -Wall
+              -Wextra
+              -Wpedantic
+              -Wshadow
+              -Wconversion
+              -Werror
+              # GCC 12 sees overlaps inside std::string's own operator+.
+              $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+              # Every processor and both widths give the same samples: SSE arithmetic, operations in
+              # the written order, no contraction into fused multiply-adds.
+              -msse2
+              -mfpmath=sse
+              -ffp-contract=off
+              # 32-bit Windows hosts align the stack to 4 bytes only, and what the vector unit spills
+              # needs 16.
+              $<$<AND:$<BOOL:${WIN32}>,$<EQUAL:${CMAKE_SIZEOF_VOID_P},4>>:-mstackrealign>)
+
+# Release libraries go without symbols that only a debugger reads.
+set(TINDELWAX_STRIP $<$<CONFIG:Release>:LINKER:--strip-all>)
+
+# none, address (with undefined behaviour) or thread.
+set(TINDELWAX_SANITIZER none CACHE STRING "Sanitizers to build with: none, address or thread")
+set_property(CACHE TINDELWAX_SANITIZER PROPERTY STRINGS none address thread)
+if(TINDELWAX_SANITIZER STREQUAL address)
+    set(sanitizer_flags -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+elseif(TINDELWAX_SANITIZER STREQUAL thread)
+    set(sanitizer_flags -fsanitize=thread)
+else()
+    set(sanitizer_flags "")
+endif()
+target_compile_options(tindelwax_options INTERFACE ${sanitizer_flags})
+target_link_options(tindelwax_options INTERFACE ${sanitizer_flags})

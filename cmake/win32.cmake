@@ -1,0 +1,4 @@
+# 32-bit Windows, the reference delivery.
+set(mingw_arch i686)
+set(CMAKE_SYSTEM_PROCESSOR i686)
+include(${CMAKE_CURRENT_LIST_DIR}/mingw.cmake)
