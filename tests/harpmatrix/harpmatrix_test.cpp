@@ -1,0 +1,145 @@
+#include "harpmatrix/harpmatrix.h"
+
+#include "tests/temporary_folder.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+#include <memory>
+#include <sstream>
+
+namespace {
+
+struct HarpMatrix : testing::Test {
+    std::unique_ptr<harpmatrix, decltype(&harpmatrix_free)> matrix{nullptr, harpmatrix_free};
+    temporary_folder folder;
+    random15 random{1};
+
+    void load(const char* name, const std::string& file) {
+        matrix.reset(harpmatrix_create(name));
+        harpmatrix_load_ini(matrix.get(), file.c_str(), random);
+    }
+
+    void load_korvel() { load("KORVEL_MANUAL", "../harpmatrix/korvel.ini"); }
+
+    void load_text(const std::string& text) {
+        file_write(folder / "m.ini", text);
+        load("M", folder / "m.ini");
+    }
+
+    /// The wiring as "key.contact: oscillators; "; counts and arrays must agree everywhere.
+    std::string wiring() const {
+        std::ostringstream text;
+        EXPECT_EQ(matrix->p_keys.size(), matrix->nb_keys);
+        for (std::size_t k = 0; k < matrix->p_keys.size(); ++k) {
+            const key& wired = matrix->p_keys[k];
+            EXPECT_EQ(wired.p_contacts.size(), wired.nb_contacts);
+            for (std::size_t c = 0; c < wired.p_contacts.size(); ++c) {
+                const contact& closed = wired.p_contacts[c];
+                EXPECT_EQ(closed.oscillators.size(), closed.nb_voices);
+                EXPECT_EQ(closed.tapering.size(), closed.nb_voices);
+                EXPECT_EQ(closed.conductance.size(), closed.nb_voices);
+                text << k << '.' << c << ':';
+                for (unsigned osc : closed.oscillators)
+                    text << ' ' << osc;
+                text << "; ";
+            }
+        }
+        return text.str();
+    }
+
+    /// Every resistor in the order of keys, contacts and voices, with its conductance.
+    std::vector<std::pair<unsigned, float>> resistors() const {
+        std::vector<std::pair<unsigned, float>> all;
+        for (const key& wired : matrix->p_keys)
+            for (const contact& closed : wired.p_contacts)
+                for (std::size_t v = 0; v < closed.nb_voices; ++v)
+                    all.emplace_back(closed.tapering[v], closed.conductance[v]);
+        return all;
+    }
+};
+
+TEST_F(HarpMatrix, TheManualIsWiredByItsRule) {
+    load_korvel();
+    std::ostringstream expected;
+    for (int k = 0; k < 49; ++k) {
+        expected << k << ".0:";
+        for (int octave = k < 12 ? 1 : 0; octave <= (k < 24 ? 3 : k < 36 ? 2 : 1); ++octave)
+            expected << ' ' << k + 12 * octave;
+        expected << "; ";
+        if (k < 12)
+            expected << k << ".1: " << k << "; ";
+    }
+    EXPECT_EQ(wiring(), expected.str());
+    for (auto [key, contact] : {std::pair{12u, 1u}, {49u, 0u}, {~0u, ~0u}})
+        EXPECT_EQ(harpmatrix_find_contact(matrix.get(), key, contact), nullptr) << key;
+}
+
+TEST_F(HarpMatrix, ResistorsScatterByOneDrawEachInOrder) {
+    load_korvel();
+    random15 draws{1};
+    for (const auto& [ohms, siemens] : resistors()) {
+        const double r = static_cast<double>(random15_unit(draws));
+        ASSERT_EQ(ohms, static_cast<unsigned>(100000 + (2 * r - 1) * 0.1 * 100000));
+        ASSERT_EQ(siemens, static_cast<float>(1.0 / ohms));
+    }
+    EXPECT_EQ(draws.state, random.state);
+}
+
+const std::string contact_0_of_0 = "[M]\nnb_keys=2\nindex=0\nnb_contacts=1\ncontact=0\n";
+
+TEST_F(HarpMatrix, DamagedTextsKeepTheirSoundParts) {
+    const std::string voice = "nb_voices=1\noscillator=7\ntapering_resistor=1000\n";
+    const std::string sound = contact_0_of_0 + voice;
+    const struct {
+        const char* name;
+        std::string text;
+        const char* wiring = "0.0: 7; ";
+    } rows[] = {
+        {"upper-case keys, other section, unknown key",
+         "[m]\nNB_KEYS=2\nINDEX=0\nNb_Contacts=1\nContact=0\nNB_VOICES=1\nOSCILLATOR=7\ncolor=5\n"
+         "[other]\nnb_keys=9\n"},
+        {"voice beyond its count", sound + "oscillator=8\ntapering_resistor=1\n"},
+        {"key beyond its count", sound + "index=2\nnb_contacts=1\ncontact=0\n" + voice},
+        {"negative key", sound + "index=-1\nnb_contacts=1\ncontact=0\n" + voice},
+        {"a key that no integer holds",
+         sound + "index=4294967296\nnb_contacts=1\ncontact=0\n" + voice},
+        {"contact beyond its count", sound + "contact=1\n" + voice},
+        {"negative contact", sound + "contact=-1\n" + voice},
+        {"key without contacts", sound + "index=1\ncontact=0\n" + voice},
+        {"key without its contact", sound + "index=1\nnb_contacts=1\n" + voice, "0.0: 7; 1.0:; "},
+        {"voices counted again", contact_0_of_0 + "nb_voices=1\noscillator=5\n" + voice},
+        {"negative counts", sound + "nb_voices=-1\nnb_contacts=-1\nnb_keys=-1\n"},
+        {"huge counts", sound + "nb_voices=257\nnb_contacts=2147483647\nnb_keys=99999999\n"},
+        {"resistor before the oscillator",
+         contact_0_of_0 + "nb_voices=1\ntapering_resistor=5\noscillator=7\n"},
+        {"nothing in order", "[M]\ntapering_resistor=1\noscillator=1\nnb_voices=1\ncontact=0\n"
+                             "nb_contacts=1\nindex=0\n"
+                                 + sound},
+        {"fewer keys later", sound + "nb_keys=0\noscillator=1\ntapering_resistor=1\n", ""},
+        {"fewer contacts later", sound + "nb_contacts=0\noscillator=1\ntapering_resistor=1\n", ""},
+        {"fewer voices later", sound + "nb_voices=0\noscillator=1\ntapering_resistor=1\n",
+         "0.0:; "},
+        {"a key again", sound + "index=0\noscillator=1\n", ""},
+        {"no numbers", sound + "index=\nnb_contacts=x\ncontact=0\n", ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        load_text(row.text);
+        EXPECT_EQ(wiring(), row.wiring);
+        for (const auto& [ohms, siemens] : resistors())
+            EXPECT_TRUE(ohms == 0 || (ohms >= 900 && ohms <= 1100)) << ohms;
+    }
+}
+
+TEST_F(HarpMatrix, ExtremeResistorsScatterWithinTheirRange) {
+    load_text(contact_0_of_0
+              + "nb_voices=3\noscillator=1\ntapering_resistor=2147483647\n"
+                "oscillator=2\ntapering_resistor=-5\noscillator=3\ntapering_resistor=1\n");
+    const auto all = resistors();
+    ASSERT_EQ(all.size(), 3u);
+    EXPECT_NEAR(all[0].first, 2147483647.0, 214748365.0);
+    EXPECT_EQ(all[1], (std::pair{0u, std::numeric_limits<float>::infinity()}));
+    EXPECT_LE(all[2].first, 1u);
+}
+
+} // namespace
