@@ -6,15 +6,14 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <memory>
-#include <system_error>
+#include <sys/stat.h>
 #include <utility>
 
 namespace {
 
 constexpr std::size_t max_name = 50; ///< bytes kept of a section's or a setting's name
-constexpr std::uintmax_t max_file_long = std::uintmax_t{16} << 20;
+constexpr std::int64_t max_file_long = std::int64_t{16} << 20;
 
 /// One parse: what carries over from line to line.
 struct parse {
@@ -94,17 +93,16 @@ ini_data* ini_load_data(const char* filename) {
 
 ini_data* ini_load_data_from_file(const char* filename) {
     // A directory can be opened on some systems and a pipe would wait for its writer.
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(filename, error))
-        return nullptr;
-    const std::uintmax_t size = std::filesystem::file_size(filename, error);
-    if (error || size > max_file_long)
+    // std::filesystem would tell as well, but on Windows it brings the locales along, which keep a
+    // thread-local slot of the process for every time that the library is loaded.
+    struct stat status {};
+    if (stat(filename, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > max_file_long)
         return nullptr;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(filename, "rb"),
                                                                std::fclose);
     if (!file)
         return nullptr;
-    std::vector<char> data(static_cast<std::size_t>(size));
+    std::vector<char> data(static_cast<std::size_t>(status.st_size));
     data.resize(std::fread(data.data(), 1, data.size(), file.get()));
     const auto data_len = static_cast<unsigned>(data.size());
     return new ini_data{.filename = filename, .data_len = data_len, .p_data = std::move(data)};
