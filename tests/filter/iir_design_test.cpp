@@ -1,0 +1,155 @@
+#include "filter/iir_design.h"
+
+#include "tests/filter/filter_ptr.h"
+
+#include <cmath>
+#include <complex>
+#include <functional>
+#include <gtest/gtest.h>
+#include <numbers>
+
+namespace {
+
+using design = std::function<void(filter*)>;
+
+design first_order(float fc, int high) {
+    return [=](filter* f) { iir_filter_set_coeff_first_order_multi_rate(f, fc, high); };
+}
+
+design rc(float R, float C, int high) {
+    return [=](filter* f) { iir_filter_set_coeff_rc_first_order_multi_rate(f, R, C, high); };
+}
+
+design biquad(float fc, float Q, int type) {
+    return [=](filter* f) { iir_filter_design_multi_rate(f, fc, Q, type); };
+}
+
+design shelf(float fc, float Q, float G, int high) {
+    return [=](filter* f) { iir_filter_design_shelf_multi_rate(f, fc, Q, G, high); };
+}
+
+/// |H| of the selected set at a frequency, from its definition.
+double magnitude(const filter& f, double frequency) {
+    const auto inverse_z = std::polar(1.0, -2 * std::numbers::pi * frequency / f.sample_rate);
+    std::complex<double> zeros = 0;
+    std::complex<double> poles = 0;
+    for (int i = f.order; i >= 0; --i) {
+        const auto k = static_cast<std::size_t>(i);
+        zeros = zeros * inverse_z + static_cast<double>(f.b_coeffs[k]);
+        poles = poles * inverse_z + (k == 0 ? 1.0 : static_cast<double>(f.a_coeffs[k]));
+    }
+    return std::abs(zeros / poles);
+}
+
+TEST(IirDesign, CoefficientsToSixDigits) {
+    const struct {
+        const char* name;
+        design design_all;
+        int order, rate;
+        std::vector<float> b, a;
+    } rows[] = {
+        {"high", first_order(240, 1), 1, 48000, {0.969531f, -0.969531f}, {0, -0.939062f}},
+        {"high", first_order(240, 1), 1, 22050, {0.935896f, -0.935896f}, {0, -0.871791f}},
+        {"low", first_order(200, 0), 1, 48000, {0.0255177f, 0.0255177f}, {0, -0.948965f}},
+        {"rc", rc(6000, 2.2e-9f, 0), 1, 48000, {0.501872f, 0.501872f}, {0, 0.00374327f}},
+        {"rc", rc(6000, 2.2e-9f, 0), 1, 44100, {0.536832f, 0.536832f}, {0, 0.0736641f}},
+        {"rc above half the rate", rc(6000, 2.2e-9f, 0), 1, 22050, {0, 0}, {0, 0}},
+        {"fc above half the rate", first_order(12000, 0), 1, 22050, {0, 0}, {0, 0}},
+        {"rc below none", rc(-44000, 2.2e-9f, 0), 1, 48000, {0, 0}, {0, 0}},
+        {"rc of no bound", rc(INFINITY, 2.2e-9f, 0), 1, 48000, {0, 0}, {0, 0}},
+        {"fc 0", first_order(0, 0), 1, 48000, {0, 0}, {0, 0}},
+        {"bass", rc(1e5f, 4.7e-8f, 0), 1, 48000, {0.00221141f, 0.00221141f}, {0, -0.995577f}},
+        {"biquad",
+         biquad(780, 5, 0),
+         2,
+         48000,
+         {0.00257766f, 0.00515531f, 0.00257766f},
+         {1.01019f, -1.96951f, 0.979821f}},
+        {"shelf",
+         shelf(20, 0.01f, 30, 1),
+         2,
+         48000,
+         {25.4638f, -48.2635f, 22.7997f},
+         {2.62084f, -1.52621f, 0.526241f}},
+    };
+    for (const auto& row : rows) {
+        const filter_ptr f = create_iir(row.order);
+        row.design_all(f.get());
+        filter_set_sampling_rate(f.get(), row.rate);
+        for (std::size_t i = 0; i < row.b.size(); ++i) {
+            EXPECT_NEAR(f->b_coeffs[i], row.b[i], 5e-6f * std::fabs(row.b[i]))
+                << row.name << " at " << row.rate << " Hz, b" << i;
+            EXPECT_NEAR(f->a_coeffs[i], row.a[i], 5e-6f * std::fabs(row.a[i]))
+                << row.name << " at " << row.rate << " Hz, a" << i;
+        }
+    }
+}
+
+TEST(IirDesign, MagnitudesFollowTheClosedForms) {
+    constexpr double tolerance = 3e-4; // of coefficients rounded to single, with poles beside 1
+    constexpr double half_power = std::numbers::sqrt2 / 2;
+    constexpr double rc_corner = 1 / (2 * std::numbers::pi * 1e4 * 1e-8);
+    constexpr double shelf_gain = 7.943282347242816; // 18 dB; half of it in dB at the corner
+    const struct {
+        const char* name;
+        design design_all;
+        int order;
+        double corner, at_zero, at_corner, at_half_rate;
+    } rows[] = {
+        {"first-order low-pass", first_order(400, 0), 1, 800, 1, half_power, 0},
+        {"first-order high-pass", first_order(400, 1), 1, 800, 0, half_power, 1},
+        {"RC low-pass", rc(1e4f, 1e-8f, 0), 1, rc_corner, 1, half_power, 0},
+        {"RC high-pass", rc(1e4f, 1e-8f, 1), 1, rc_corner, 0, half_power, 1},
+        {"low-pass", biquad(1000, 4, 0), 2, 1000, 1, 4, 0},
+        {"high-pass", biquad(1000, 4, 1), 2, 1000, 0, 4, 1},
+        {"band-pass of 0 dB", biquad(1000, 4, 2), 2, 1000, 0, 1, 0},
+        {"band-pass of Q", biquad(1000, 4, 3), 2, 1000, 0, 4, 0},
+        {"notch", biquad(1000, 4, 4), 2, 1000, 1, 0, 1},
+        {"high shelf", shelf(1000, 0.7f, 18, 1), 2, 1000, 1, std::sqrt(shelf_gain), shelf_gain},
+        {"low shelf", shelf(1000, 0.7f, 18, 0), 2, 1000, shelf_gain, std::sqrt(shelf_gain), 1},
+    };
+    for (const auto& row : rows) {
+        const filter_ptr f = create_iir(row.order);
+        row.design_all(f.get());
+        for (const int rate : filter_rates) {
+            filter_set_sampling_rate(f.get(), rate);
+            EXPECT_NEAR(magnitude(*f, 0), row.at_zero, tolerance) << row.name << " at " << rate;
+            EXPECT_NEAR(magnitude(*f, row.corner), row.at_corner, tolerance)
+                << row.name << " at " << rate;
+            EXPECT_NEAR(magnitude(*f, rate / 2.0), row.at_half_rate, tolerance)
+                << row.name << " at " << rate;
+        }
+    }
+}
+
+TEST(IirDesign, AllRatesKeepTheSelectionOrStayOnTheLast) {
+    const filter_ptr f = create_iir(2);
+    iir_filter_design(f.get(), 780, 5, 0); // no rate is selected: nothing to design
+    iir_filter_design_multi_rate(f.get(), 780, 5, 0);
+    EXPECT_EQ(f->sample_rate, 48000);
+    filter_set_sampling_rate(f.get(), 22050);
+    iir_filter_design_shelf_multi_rate(f.get(), 20, 0.01f, 30, 1);
+    EXPECT_EQ(f->sample_rate, 22050);
+    EXPECT_EQ(f->b_coeffs.data(), f->b_coeffs_array[0].data());
+}
+
+TEST(IirDesign, SecondOrderClearsTheStateAndFirstOrderKeepsIt) {
+    const struct {
+        const char* name;
+        design design_all;
+        int order;
+        bool keeps;
+    } rows[] = {{"first order", first_order(400, 0), 1, true},
+                {"RC", rc(1e4f, 1e-8f, 0), 1, true},
+                {"biquad", biquad(780, 5, 0), 2, false},
+                {"shelf", shelf(20, 0.01f, 30, 1), 2, false}};
+    for (const auto& row : rows) {
+        const filter_ptr f = create_iir(row.order);
+        filter_set_sampling_rate(f.get(), 44100);
+        f->z_buff[1] = 0.5f;
+        row.design_all(f.get());
+        EXPECT_EQ(f->z_buff[1], row.keeps ? 0.5f : 0.0f) << row.name;
+    }
+}
+
+} // namespace
