@@ -1,0 +1,179 @@
+#include "korvel/render.h"
+
+#include "filter/iir_lanes.h"
+#include "korvel/filtered_zelm_oscs.h"
+#include "korvel/fir_brickwall.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr unsigned nb_bass_keys = 12;
+constexpr unsigned first_manual_osc = 12;
+constexpr unsigned last_manual_osc = 60;
+constexpr unsigned last_bass_osc = 11;
+constexpr double output_gain = 10000.0;
+constexpr double bass_output_gain = 200.0;
+constexpr float vibrato_depth = 9.0f; ///< frames at a bank's own rate
+
+bool is_on(const std::atomic<float>& value) {
+    return value.load(std::memory_order_relaxed) >= 0.5f;
+}
+
+tonegenerator* tone_generator(const korvel* p_korvel) {
+    return p_korvel->p_organ->p_tonegenerators[0];
+}
+
+const contact* wired_contact(const korvel* p_korvel, const playing_key* p_key, unsigned number) {
+    return harpmatrix_find_contact(p_korvel->p_organ->p_harpmatrixes[0], p_key->index, number);
+}
+
+bool is_whole_block(const playing_key* p_key, unsigned len) {
+    return len == static_cast<unsigned>(p_key->p_keybed->block_size);
+}
+
+/// The table that the key runs through from its phase on; empty while it sustains.
+std::span<const float> segment_table(const playing_key* p_key) {
+    if (p_key->key_state == key_sustain)
+        return {};
+    const envelope* p_env =
+        p_key->key_state == key_attack ? p_key->p_env_attack : p_key->p_env_release;
+    const std::span<const float> table(p_env->p_env_buffer);
+    return table.subspan(std::min<std::size_t>(p_key->phase, table.size()));
+}
+
+void select_contour(korvel* p_korvel) {
+    const contour_coeffs c =
+        p_korvel->contour[p_korvel->selected_rate].load(std::memory_order_relaxed);
+    filter* p_filter = p_korvel->p_organ->p_filters[filter_out];
+    p_filter->b_coeffs[0] = p_filter->b_coeffs[1] = c.b0;
+    p_filter->a_coeffs[1] = c.a1;
+}
+
+/// The stops, the contour of their sum, and the bass's output filter. A stop that is off is left
+/// out, and its state stands still.
+void filter_voices(korvel* p_korvel, std::span<const float> source) {
+    const std::vector<filter*>& filters = p_korvel->p_organ->p_filters;
+    std::array<filter*, korvel_nb_stops> enabled;
+    std::size_t nb_enabled = 0;
+    for (std::size_t i = 0; i < korvel_nb_stops; ++i)
+        if (is_on(p_korvel->stops[i]))
+            enabled[nb_enabled++] = filters[i];
+    select_contour(p_korvel);
+    iir_filters_process(
+        std::span(enabled).first(nb_enabled), source, p_korvel->p_filter,
+        {filters[filter_out], p_korvel->p_filter, p_korvel->p_filter_organ},
+        {filters[filter_out_bass], p_korvel->p_tonegenerator_buffer_bass, p_korvel->p_filter_bass});
+}
+
+void scale(std::span<const float> src, float gain, std::span<float> dest) {
+    for (std::size_t i = 0; i < dest.size(); ++i)
+        dest[i] = src[i] * gain;
+}
+
+void write_outputs(const korvel* p_korvel, std::span<float> out_r, std::span<float> out_l) {
+    const std::span<const float> manual = p_korvel->p_filter_organ;
+    const std::span<const float> bass = p_korvel->p_filter_bass;
+    const auto gain = [](const std::atomic<float>& level, double unit) {
+        return static_cast<float>(static_cast<double>(level.load(std::memory_order_relaxed))
+                                  * output_gain * unit);
+    };
+    const float manual_gain = gain(p_korvel->volume, 1.0);
+    const float bass_gain = gain(p_korvel->bass_volume, bass_output_gain);
+
+    switch (p_korvel->sound_output_mode.load(std::memory_order_relaxed)) {
+    case output_bass_right:
+        scale(manual, manual_gain, out_l);
+        scale(bass, bass_gain, out_r);
+        break;
+    case output_bass_left:
+        scale(manual, manual_gain, out_r);
+        scale(bass, bass_gain, out_l);
+        break;
+    case output_mixed:
+        for (std::size_t i = 0; i < out_l.size(); ++i)
+            out_l[i] = manual[i] * manual_gain + bass[i] * bass_gain;
+        std::ranges::copy(out_l, out_r.begin());
+        break;
+    default: // a host's buffers hold anything: silence, not that
+        std::ranges::fill(out_r, 0.0f);
+        std::ranges::fill(out_l, 0.0f);
+        break;
+    }
+}
+
+} // namespace
+
+void render_callback_organ(korvel* p_korvel, playing_key* p_key, unsigned len) noexcept {
+    if (p_key->index < nb_bass_keys && !is_on(p_korvel->bass_chords_on))
+        return;
+    if (p_key->key_state == key_sustain && is_whole_block(p_key, len)) {
+        held_keys_add(p_korvel->held, p_key->index);
+        return;
+    }
+    const contact* p_contact = wired_contact(p_korvel, p_key, 0);
+    if (!p_contact)
+        return;
+    const std::span<const float> table = segment_table(p_key);
+    const unsigned nframes =
+        p_key->key_state == key_sustain ? len : std::min(len, static_cast<unsigned>(table.size()));
+    for (unsigned v = 0; v < p_contact->nb_voices; ++v)
+        tone_generator_add_non_sustained_oscillator(
+            tone_generator(p_korvel), p_contact->oscillators[v], p_key->frame_index, nframes,
+            p_key->key_state == key_sustain ? nullptr : table.data(), p_contact->conductance[v]);
+}
+
+void render_callback_bass(korvel* p_korvel, playing_key* p_key, unsigned len) noexcept {
+    keybed_update_mono_bass(p_key->p_keybed);
+    if (p_key->is_muted)
+        return;
+    const contact* p_contact = wired_contact(p_korvel, p_key, 1);
+    if (!p_contact || p_contact->nb_voices == 0)
+        return;
+    const unsigned osc = p_contact->oscillators[0];
+    const float conductance = p_contact->conductance[0];
+    if (is_whole_block(p_key, len))
+        tone_generator_add_sustained_oscillator(tone_generator(p_korvel), osc, conductance);
+    else
+        tonegenerator_process(tone_generator(p_korvel), osc, p_korvel->p_tonegenerator_buffer_bass,
+                              p_key->frame_index, len, nullptr, conductance);
+}
+
+void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
+                             std::span<float> out_l) noexcept {
+    organ* p_organ = p_korvel->p_organ;
+    tonegenerator* p_tg = tone_generator(p_korvel);
+    const std::span<float> manual = p_korvel->p_tonegenerator_buffer_organ;
+    const std::span<float> bass = p_korvel->p_tonegenerator_buffer_bass;
+
+    held_keys_register(p_korvel->held, p_organ->p_harpmatrixes[0], p_tg);
+    tone_generator_next(p_tg, manual, first_manual_osc, last_manual_osc);
+    tone_generator_next(p_tg, bass, 0, last_bass_osc);
+    tonegenerator_reset_sustain(p_tg);
+
+    vibrato_process(p_korvel->p_vibrato.get(), manual, p_korvel->p_post_scanner);
+    filter_voices(p_korvel, is_on(p_korvel->vibrato_on) ? p_korvel->p_post_scanner : manual);
+    write_outputs(p_korvel, out_r, out_l);
+
+    std::ranges::fill(manual, 0.0f);
+    std::ranges::fill(bass, 0.0f);
+}
+
+void korvel_set_block_size(korvel*, int) {}
+
+void korvel_set_sampling_rate(korvel* p_korvel, int sampling_rate) {
+    const float* taps = fir_brickwall_find(sampling_rate);
+    filter_set_b_coeffs(p_korvel->p_organ->p_filters[filter_brickwall],
+                        taps ? taps : fir_brickwall_coeffs[0]);
+
+    const auto supported = std::find(s_rate.begin(), s_rate.end(), sampling_rate);
+    const bool is_supported = supported != s_rate.end();
+    if (is_supported)
+        p_korvel->selected_rate = static_cast<std::size_t>(supported - s_rate.begin());
+    const int times = is_supported ? sampling_rate / korvel_bank_rate(sampling_rate) : 1;
+    vibrato_set_depth(p_korvel->p_vibrato.get(), 0, vibrato_depth * static_cast<float>(times));
+}
+
+void korvel_set_output_mode(korvel* p_korvel, int mode) noexcept {
+    p_korvel->sound_output_mode.store(mode, std::memory_order_relaxed);
+}

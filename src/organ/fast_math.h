@@ -1,0 +1,15 @@
+#pragma once
+/// What the engine asks of the x86 processor: whether it has SSE, and that arithmetic on
+/// denormals, which is slow, does not happen.
+
+/// Executes CPUID with leaf `info` (subleaf 0). [any]
+void cpuid(unsigned info, unsigned* eax, unsigned* ebx, unsigned* ecx, unsigned* edx);
+
+/// Writes leaves 0 to 5 to the standard output and to "cpuid.txt" in the current directory, where
+/// that can be opened. [setup]
+void dump_cpuid();
+
+[[nodiscard]] bool has_sse();
+
+/// Sets flush-to-zero and denormals-are-zero on the calling thread, for good. [audio]
+void flush_denormals() noexcept;

@@ -1,0 +1,138 @@
+#include "organ/organ.h"
+
+#include "organ/fast_math.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <system_error>
+
+namespace {
+
+constexpr const char* seed_variable = "TINDELWAX_SEED";
+
+std::uint32_t seed() {
+    if (const char* text = std::getenv(seed_variable)) {
+        std::uint32_t number = 0;
+        if (std::from_chars(text, text + std::strlen(text), number).ec == std::errc{})
+            return number;
+    }
+    return static_cast<std::uint32_t>(std::time(nullptr));
+}
+
+template <typename Element>
+std::vector<Element> empty_slots(int count) {
+    return std::vector<Element>(static_cast<std::size_t>(count));
+}
+
+} // namespace
+
+organ* organ_create(const char* name, int nb_keybeds, int nb_tonegenerators, int nb_harpmatrixes,
+                    int nb_filters) {
+    if (!has_sse()) {
+        dump_cpuid();
+        std::fputs("Error SSE not detected !!!\nAborting ...\n", stderr);
+        std::exit(1);
+    }
+    return new organ{.name = name,
+                     .random{seed()},
+                     .p_buffers = buffers_create("organ_buffers", 0),
+                     .nb_harpmatrixes = nb_harpmatrixes,
+                     .p_harpmatrixes = empty_slots<harpmatrix*>(nb_harpmatrixes),
+                     .nb_tonegenerators = nb_tonegenerators,
+                     .p_tonegenerators = empty_slots<tonegenerator*>(nb_tonegenerators),
+                     .nb_keybeds = nb_keybeds,
+                     .p_keybeds = empty_slots<keybed*>(nb_keybeds),
+                     .nb_filters = nb_filters,
+                     .p_filters = empty_slots<filter*>(nb_filters),
+                     .p_filters_in = empty_slots<float*>(nb_filters),
+                     .p_filters_out = empty_slots<float*>(nb_filters),
+                     .p_filters_add = empty_slots<int>(nb_filters),
+                     .p_dsp_stack = dsp_stack_create("ORGAN DEFAULT DSP STACK")};
+}
+
+void organ_free(organ* p_organ) {
+    if (!p_organ)
+        return;
+    for (keybed* p_keybed : p_organ->p_keybeds)
+        keybed_free(p_keybed);
+    for (tonegenerator* p_tonegenerator : p_organ->p_tonegenerators)
+        tonegenerator_free(p_tonegenerator);
+    for (harpmatrix* p_harpmatrix : p_organ->p_harpmatrixes)
+        harpmatrix_free(p_harpmatrix);
+    for (filter* p_filter : p_organ->p_filters)
+        filter_free(p_filter);
+    buffers_free(p_organ->p_buffers);
+    dsp_stack_free(p_organ->p_dsp_stack);
+    delete p_organ;
+}
+
+void organ_set_block_size(organ* p_organ, int block_size) {
+    p_organ->block_size = block_size;
+    dsp_stack_set_block_size(p_organ->p_dsp_stack, block_size);
+    for (keybed* p_keybed : p_organ->p_keybeds)
+        keybed_set_block_size(p_keybed, block_size);
+    for (tonegenerator* p_tonegenerator : p_organ->p_tonegenerators)
+        tonegenerator_set_block_size(p_tonegenerator, block_size);
+    buffers_set_block_size(p_organ->p_buffers, block_size);
+    if (p_organ->set_block_size_callback)
+        p_organ->set_block_size_callback(block_size);
+}
+
+void organ_set_sampling_rate(organ* p_organ, int sampling_rate) {
+    if (sampling_rate < 1)
+        return;
+    p_organ->sampling_rate = sampling_rate;
+    dsp_stack_set_sampling_rate(p_organ->p_dsp_stack, sampling_rate);
+    for (keybed* p_keybed : p_organ->p_keybeds)
+        keybed_set_sampling_rate(p_keybed, sampling_rate);
+    for (tonegenerator* p_tonegenerator : p_organ->p_tonegenerators)
+        tonegenerator_set_sampling_rate(p_tonegenerator, sampling_rate);
+    if (p_organ->set_sampling_rate_callback)
+        p_organ->set_sampling_rate_callback(sampling_rate);
+}
+
+void organ_process(organ* p_organ, std::span<float> out_r, std::span<float> out_l) noexcept {
+    if (out_r.empty())
+        return;
+    flush_denormals();
+    const int nframes = static_cast<int>(out_r.size());
+    if (nframes != p_organ->block_size)
+        organ_set_block_size(p_organ, nframes);
+    for (keybed* p_keybed : p_organ->p_keybeds)
+        keybed_next(p_keybed, nframes);
+    if (p_organ->process_callback) {
+        p_organ->process_callback(p_organ, out_r, out_l);
+    } else {
+        std::ranges::fill(out_r, 0.0f);
+        std::ranges::fill(out_l, 0.0f);
+    }
+    for (tonegenerator* p_tonegenerator : p_organ->p_tonegenerators)
+        p_tonegenerator->global_phase_index += static_cast<std::uint32_t>(nframes);
+}
+
+void organ_panic(organ* p_organ) noexcept {
+    for (keybed* p_keybed : p_organ->p_keybeds)
+        keybed_reset(p_keybed);
+}
+
+void organ_set_output_mode(organ* p_organ, int mode) {
+    if (p_organ->set_output_mode_callback)
+        p_organ->set_output_mode_callback(p_organ, mode);
+}
+
+void organ_set_default_values(organ* p_organ) {
+    control* p_control = p_organ->p_control;
+    for (std::size_t i = 0; i < p_control->parameters.size(); ++i)
+        control_set_parameter(p_control, static_cast<int>(i),
+                              p_control->parameters[i]->default_value);
+}
+
+void organ_add_filters_to_dsp_stack(organ* p_organ) {
+    for (filter* p_filter : p_organ->p_filters)
+        dsp_stack_add(p_organ->p_dsp_stack, filter_set_sampling_rate, filter_set_block_size,
+                      p_filter, p_filter->name.c_str());
+}

@@ -1,0 +1,87 @@
+#pragma once
+/// The engine is the generic frame of an organ: it owns keybeds, tone generators, harp matrices,
+/// filters, named buffers and a DSP stack, routes MIDI to them and drives one block after another.
+/// It knows no instrument: one creates it with the counts that it needs, fills its arrays and
+/// installs its callbacks.
+///
+/// For each block the host's audio thread sets the block's length where it changes, hands in the
+/// block's messages in frame order, and calls organ_process. Rate and length changes come between
+/// blocks.
+
+#include "buffers/buffers.h"
+#include "control/control.h"
+#include "dsp_stack/dsp_stack.h"
+#include "filter/filter.h"
+#include "harpmatrix/harpmatrix.h"
+#include "keybed/keybed.h"
+#include "random15/random15.h"
+#include "tonegenerator/tonegenerator.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+struct organ {
+    std::string name;
+    int sampling_rate = 0; ///< Hz; 0 until set
+    int block_size = 0;
+    random15 random{};            ///< what the instrument's tolerances are drawn from
+    control* p_control = nullptr; ///< not owned
+    buffers* p_buffers = nullptr;
+    int nb_harpmatrixes;
+    std::vector<harpmatrix*> p_harpmatrixes;
+    int nb_tonegenerators;
+    std::vector<tonegenerator*> p_tonegenerators;
+    int nb_keybeds;
+    std::vector<keybed*> p_keybeds; ///< MIDI and blocks go through them in this order
+    int nb_filters;
+    std::vector<filter*> p_filters;
+    std::vector<float*> p_filters_in; ///< slots for an instrument's own routing, here and below
+    std::vector<float*> p_filters_out;
+    std::vector<int> p_filters_add;
+    int* p_filters_order = nullptr;
+    std::function<void(organ*, int mode)> set_output_mode_callback{};
+    /// Renders a block; without it the outputs are silent.
+    std::function<void(organ*, std::span<float> out_r, std::span<float> out_l)> process_callback{};
+    std::function<void(int block_size)> set_block_size_callback{};
+    std::function<void(int sampling_rate)> set_sampling_rate_callback{};
+    dsp_stack* p_dsp_stack = nullptr;
+    std::shared_ptr<void> p_instrument{}; ///< what the callbacks work on; goes with the engine
+};
+
+/// Returns an engine whose arrays wait to be filled. Its random numbers are seeded with the time in
+/// seconds, or with the number of 32 bits in the environment variable TINDELWAX_SEED. On a
+/// processor without SSE the process ends with status 1 and a message. [setup]
+[[nodiscard]] organ* organ_create(const char* name, int nb_keybeds, int nb_tonegenerators,
+                                  int nb_harpmatrixes, int nb_filters);
+
+/// Frees the engine and everything in its arrays, but not the registry; null is allowed. [setup]
+void organ_free(organ* p_organ);
+
+/// Passes a length on to the DSP stack, the keybeds, the tone generators, the named buffers and the
+/// instrument, in this order. Allocates only beyond the largest length so far: within it this is
+/// [audio].
+void organ_set_block_size(organ* p_organ, int block_size);
+
+/// Passes a rate on likewise, the buffers left out; rates below 1 are ignored. [setup]
+void organ_set_sampling_rate(organ* p_organ, int sampling_rate);
+
+/// Renders a block into both outputs, which have one length; the engine follows that length, and
+/// does nothing for 0 frames. [audio]
+void organ_process(organ* p_organ, std::span<float> out_r, std::span<float> out_l) noexcept;
+
+/// Routes a 3-byte channel message stamped with its frame in the coming block. A control change
+/// leaves the parameters that it moves in the registry's update record, for the caller to apply;
+/// messages of other kinds leave the record alone. [audio]
+void organ_receive_midi_event(organ* p_organ, const char* midi_data, int frame_index) noexcept;
+
+/// Silences every key at once. [audio]
+void organ_panic(organ* p_organ) noexcept;
+
+void organ_set_output_mode(organ* p_organ, int mode); ///< [any], as far as the callback is
+
+/// Gives every parameter its default through its binding. [setup]
+void organ_set_default_values(organ* p_organ);
+
+void organ_add_filters_to_dsp_stack(organ* p_organ); ///< in array order [setup]

@@ -1,0 +1,200 @@
+#include "tonegenerator/tonegenerator.h"
+
+#include "tonegenerator/wave_sum.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace {
+
+bool can_play(const tonegenerator* p_tg, unsigned osc, float gain) {
+    return osc < p_tg->readers.size() && std::isfinite(gain);
+}
+
+/// The part of a block's samples at frames start + i, i < nframes.
+std::span<float> frames_of(std::span<float> block, std::size_t start, std::size_t nframes) {
+    start = std::min(start, block.size());
+    return block.subspan(start, std::min(nframes, block.size() - start));
+}
+
+void register_curve(tonegenerator* p_tg, unsigned osc) {
+    if (p_tg->has_curve[osc])
+        return;
+    p_tg->has_curve[osc] = 1;
+    p_tg->non_sustained_oscillators[static_cast<std::size_t>(p_tg->nb_non_sustained_oscs++)] =
+        static_cast<int>(osc);
+}
+
+/// Gives every oscillator of the bank a curve; curves of an earlier, larger bank stay.
+void register_curves(tonegenerator* p_tg) {
+    auto& curves = p_tg->non_sustained_oscillators_conductance;
+    const auto nb_oscs = static_cast<std::size_t>(p_tg->oscs_bank->nb_oscs);
+    const std::size_t nb_registered = curves.size();
+    if (nb_oscs <= nb_registered)
+        return;
+    curves.resize(nb_oscs); // the buffer set holds the elements' addresses: register them anew
+    buffers_free(p_tg->p_buffers);
+    p_tg->p_buffers = buffers_create("tonegenerator_buffers", p_tg->block_size);
+    for (auto& curve : curves)
+        buffers_add(p_tg->p_buffers, "NON SUSTAINED BUFFER", &curve);
+}
+
+/// What an oscillator plays from frame `start` of the block on, `nframes` of it at most a chunk.
+gained_wave play(tonegenerator* p_tg, unsigned osc, std::size_t start, std::size_t nframes) {
+    wave_scratch& scratch = p_tg->scratches[osc];
+    const float* samples = wave_reader_read(
+        p_tg->readers[osc], p_tg->global_phase_index + static_cast<std::uint32_t>(start), scratch);
+    const int position = p_tg->sustained_positions[osc];
+    const float sustained =
+        position < 0 ? 0.0f
+                     : p_tg->sustained_oscillators_conductance[static_cast<std::size_t>(position)];
+    if (!p_tg->has_curve[osc])
+        return {samples, sustained};
+    const float* curve = &p_tg->non_sustained_oscillators_conductance[osc][start];
+    for (std::size_t i = 0; i < nframes; ++i)
+        scratch[i] = samples[i] * (curve[i] + sustained);
+    return {scratch.data(), 1.0f};
+}
+
+/// The oscillators of the range that received anything, in the order of their numbers.
+std::span<const unsigned> oscillators_in_use(const tonegenerator* p_tg, unsigned osc_start,
+                                             unsigned osc_end,
+                                             std::span<unsigned, max_nb_buffers> numbers) {
+    const auto nb_oscs = static_cast<unsigned>(std::min(p_tg->readers.size(), numbers.size()));
+    std::size_t nb_in_use = 0;
+    for (unsigned osc = osc_start; osc < nb_oscs && osc <= osc_end; ++osc)
+        if (p_tg->sustained_positions[osc] >= 0 || p_tg->has_curve[osc])
+            numbers[nb_in_use++] = osc;
+    return numbers.first(nb_in_use);
+}
+
+} // namespace
+
+tonegenerator* tonegenerator_create(const char* name) {
+    return new tonegenerator{.name = name, .p_buffers = buffers_create("tonegenerator_buffers", 0)};
+}
+
+void tonegenerator_free(tonegenerator* p_tg) {
+    if (!p_tg)
+        return;
+    buffers_free(p_tg->p_buffers);
+    oscillators_bank_free(p_tg->oscs_bank);
+    delete p_tg;
+}
+
+void tonegenerator_set_sampling_rate(tonegenerator* p_tg, int sampling_rate) {
+    p_tg->global_phase_index = 0;
+    p_tg->sample_rate = sampling_rate;
+    tonegenerator_reset_sustain(p_tg);
+
+    oscillators_bank_free(p_tg->oscs_bank);
+    p_tg->oscs_bank = p_tg->get_bank(sampling_rate);
+    const auto nb_oscs = static_cast<std::size_t>(p_tg->oscs_bank->nb_oscs);
+    p_tg->sustained_oscillators.assign(nb_oscs, 0);
+    p_tg->sustained_oscillators_conductance.assign(nb_oscs, 0.0f);
+    p_tg->sustained_positions.assign(nb_oscs, -1);
+    p_tg->non_sustained_oscillators.assign(nb_oscs, 0);
+    p_tg->has_curve.assign(nb_oscs, 0);
+    p_tg->scratches.resize(nb_oscs);
+    p_tg->readers.clear();
+    for (const oscillator& osc : p_tg->oscs_bank->oscs)
+        p_tg->readers.push_back(wave_reader_create(osc, sampling_rate));
+    register_curves(p_tg);
+}
+
+void tonegenerator_set_block_size(tonegenerator* p_tg, int block_size) {
+    p_tg->block_size = block_size;
+    buffers_set_block_size(p_tg->p_buffers, block_size);
+}
+
+void tone_generator_add_sustained_oscillator(tonegenerator* p_tg, unsigned osc,
+                                             float conductance) noexcept {
+    tone_generator_add_sustained_oscillators(p_tg, {&osc, 1}, {&conductance, 1});
+}
+
+void tone_generator_add_sustained_oscillators(tonegenerator* p_tg, std::span<const unsigned> oscs,
+                                              std::span<const float> conductances) noexcept {
+    int nb_sustained = p_tg->nb_sustained_oscs;
+    for (std::size_t i = 0; i < oscs.size(); ++i) {
+        if (!can_play(p_tg, oscs[i], conductances[i]))
+            continue;
+        int& position = p_tg->sustained_positions[oscs[i]];
+        if (position < 0) {
+            position = nb_sustained++;
+            p_tg->sustained_oscillators[static_cast<std::size_t>(position)] =
+                static_cast<int>(oscs[i]);
+        }
+        p_tg->sustained_oscillators_conductance[static_cast<std::size_t>(position)] +=
+            conductances[i];
+    }
+    p_tg->nb_sustained_oscs = nb_sustained;
+}
+
+void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned oscillator,
+                                                 unsigned start_index, unsigned nframes,
+                                                 const float* p_env, float conductance) noexcept {
+    if (!can_play(p_tg, oscillator, conductance))
+        return;
+    register_curve(p_tg, oscillator);
+    const auto curve =
+        frames_of(p_tg->non_sustained_oscillators_conductance[oscillator], start_index, nframes);
+    if (!p_env) {
+        for (float& gain : curve)
+            gain += conductance;
+        return;
+    }
+    for (std::size_t i = 0; i < curve.size(); ++i)
+        curve[i] += p_env[i] * conductance;
+}
+
+void tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned osc_start,
+                         unsigned osc_end) noexcept {
+    std::array<unsigned, max_nb_buffers> numbers;
+    const auto in_use = oscillators_in_use(p_tg, osc_start, osc_end, numbers);
+    if (in_use.empty())
+        return;
+    std::array<gained_wave, max_nb_buffers> waves;
+    const std::size_t nframes =
+        std::min(dest.size(), static_cast<std::size_t>(std::max(p_tg->block_size, 0)));
+    for (std::size_t start = 0; start < nframes; start += wave_reader_chunk) {
+        const auto chunk = frames_of(dest.first(nframes), start, wave_reader_chunk);
+        for (std::size_t i = 0; i < in_use.size(); ++i)
+            waves[i] = play(p_tg, in_use[i], start, chunk.size());
+        wave_sum_add(std::span(waves).first(in_use.size()), chunk);
+    }
+}
+
+void tonegenerator_reset_sustain(tonegenerator* p_tg) noexcept {
+    for (int i = 0; i < p_tg->nb_sustained_oscs; ++i) {
+        const auto position = static_cast<std::size_t>(i);
+        p_tg->sustained_positions[static_cast<std::size_t>(p_tg->sustained_oscillators[position])] =
+            -1;
+        p_tg->sustained_oscillators_conductance[position] = 0.0f;
+    }
+    p_tg->nb_sustained_oscs = 0;
+
+    for (int i = 0; i < p_tg->nb_non_sustained_oscs; ++i) {
+        const auto osc =
+            static_cast<std::size_t>(p_tg->non_sustained_oscillators[static_cast<std::size_t>(i)]);
+        std::ranges::fill(p_tg->non_sustained_oscillators_conductance[osc], 0.0f);
+        p_tg->has_curve[osc] = 0;
+    }
+    p_tg->nb_non_sustained_oscs = 0;
+}
+
+void tonegenerator_process(const tonegenerator* p_tg, unsigned oscillator, std::span<float> dest,
+                           unsigned start_index, unsigned nframes, const float* p_env,
+                           float gain) noexcept {
+    if (!can_play(p_tg, oscillator, gain))
+        return;
+    const auto segment = frames_of(dest, start_index, nframes);
+    wave_scratch scratch;
+    for (std::size_t start = 0; start < segment.size(); start += wave_reader_chunk) {
+        const auto chunk = frames_of(segment, start, wave_reader_chunk);
+        const auto phase = p_tg->global_phase_index + start_index + static_cast<unsigned>(start);
+        const float* samples = wave_reader_read(p_tg->readers[oscillator], phase, scratch);
+        for (std::size_t i = 0; i < chunk.size(); ++i)
+            chunk[i] += p_env ? samples[i] * p_env[start + i] * gain : samples[i] * gain;
+    }
+}
