@@ -1,0 +1,152 @@
+/// Proves that the audio thread neither allocates nor locks nor waits: the functions that would do
+/// so are interposed here, and count what a marked thread calls.
+
+#include "tests/vst/playing.h"
+
+#include <cerrno>
+#include <dlfcn.h>
+#include <pthread.h>
+#include <semaphore.h>
+#include <unistd.h>
+
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* block);
+}
+
+namespace {
+
+thread_local bool on_audio_thread = false;
+std::atomic<int> nb_violations = 0;
+
+void note() {
+    if (on_audio_thread)
+        ++nb_violations;
+}
+
+template <typename Function>
+Function* next(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+extern "C" {
+
+void* malloc(std::size_t size) {
+    note();
+    return __libc_malloc(size);
+}
+
+void* calloc(std::size_t count, std::size_t size) {
+    note();
+    return __libc_calloc(count, size);
+}
+
+void* realloc(void* block, std::size_t size) {
+    note();
+    return __libc_realloc(block, size);
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) {
+    note();
+    return __libc_memalign(alignment, size);
+}
+
+void free(void* block) {
+    note();
+    __libc_free(block);
+}
+
+int pthread_mutex_lock(pthread_mutex_t* mutex) {
+    note();
+    static auto* const original = next<decltype(pthread_mutex_lock)>("pthread_mutex_lock");
+    return original(mutex);
+}
+
+ssize_t write(int file, const void* data, std::size_t size) {
+    note();
+    static auto* const original = next<decltype(write)>("write");
+    return original(file, data, size);
+}
+
+ssize_t read(int file, void* data, std::size_t size) {
+    note();
+    static auto* const original = next<decltype(read)>("read");
+    return original(file, data, size);
+}
+
+} // extern "C"
+
+namespace {
+
+/// Runs as the audio thread; returns how often something forbidden was called.
+template <typename Function>
+int violations(Function function) {
+    nb_violations = 0;
+    on_audio_thread = true;
+    function();
+    on_audio_thread = false;
+    return nb_violations;
+}
+
+TEST(AudioThread, TheInterposedFunctionsCatchWhatIsForbidden) {
+    EXPECT_GE(violations([] { delete new std::vector<int>(1000); }), 2);
+    pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+    EXPECT_GE(violations([&] {
+                  pthread_mutex_lock(&mutex);
+                  pthread_mutex_unlock(&mutex);
+              }),
+              1);
+    EXPECT_GE(violations([] { EXPECT_EQ(write(1, "", 0), 0); }), 1);
+}
+
+TEST(AudioThread, NothingAllocatesLocksOrWaits) {
+    constexpr int nb_frames = 48000;
+    std::vector<float> left(nb_frames), right(nb_frames);
+    float* outputs[] = {right.data(), left.data()};
+    for (const int announced : {0, 1, 16, 64, 4096}) {
+        const auto p_effect = make_playing_organ();
+        if (announced > 0)
+            p_effect->setBlockSize(announced);
+        std::mt19937 random(1);
+        std::vector<VstMidiEvent> notes(6000); // more than the queue holds
+        for (auto& note : notes) {
+            note.type = kVstMidiType;
+            const unsigned char statuses[] = {0x90, 0x90, 0x80, 0xB0, 0xC0, 0xE0};
+            note.midiData[0] = static_cast<char>(statuses[random() % 6]);
+            note.midiData[1] = static_cast<char>(random() % 128);
+            note.midiData[2] = static_cast<char>(random() % 128);
+            note.deltaFrames = static_cast<VstInt32>(random() % 5000);
+        }
+        VstMidiSysexEvent sysex{};
+        char dump[] = "\xF0 payload \xF7";
+        sysex.type = kVstSysExType;
+        sysex.dumpBytes = sizeof dump;
+        sysex.sysexDump = dump;
+        std::vector<VstEvent*> list(2 + notes.size() + 1); // header, entries
+        std::vector<char> memory(sizeof(VstEvents) + list.size() * sizeof(VstEvent*));
+        auto* p_events = reinterpret_cast<VstEvents*>(memory.data());
+        VstEvent** slots = p_events->events;
+        for (std::size_t i = 0; i < notes.size(); ++i)
+            slots[i] = reinterpret_cast<VstEvent*>(&notes[i]);
+        slots[notes.size()] = reinterpret_cast<VstEvent*>(&sysex);
+
+        EXPECT_EQ(violations([&] {
+                      for (const int len : {1, 64, 63, 4096, 7, 65, nb_frames}) {
+                          p_events->numEvents = static_cast<VstInt32>(notes.size() + 1);
+                          p_effect->processEvents(p_events);
+                          p_effect->processReplacing(nullptr, outputs, len);
+                          p_effect->setParameter(7, 0.7f);
+                          p_effect->panic();
+                      }
+                  }),
+                  0)
+            << "announced " << announced;
+    }
+}
+
+} // namespace
