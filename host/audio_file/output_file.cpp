@@ -1,0 +1,101 @@
+#include "audio_file/output_file.h"
+
+#include "failure/failure.h"
+#include "platform/streams.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+namespace fs = std::filesystem;
+
+output_file::output_file(const fs::path& file) : name_{file.string()}, file_{file} {
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (fs::is_directory(status))
+        fail(EISDIR);
+    if (fs::exists(status) && !may_write(file))
+        fail(errno);
+    if (fs::is_regular_file(status))
+        file_ = fs::canonical(file); // the file is replaced, not a link to it
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        open_in_memory();
+    else
+        open_beside();
+}
+
+output_file::output_file(std::FILE* p_receiver)
+    : name_{"standard output"}, p_receiver_{p_receiver} {
+    if (!p_receiver)
+        fail(EBADF);
+    open_in_memory();
+}
+
+output_file::~output_file() {
+    if (p_stream_)
+        std::fclose(p_stream_);
+    std::error_code error;
+    if (!temporary_.empty())
+        fs::remove(temporary_, error);
+}
+
+void output_file::open_beside() {
+    const std::string prefix = ".tindelwax-" + std::to_string(process_id()) + "-";
+    for (int i = 0; !p_stream_; ++i) {
+        const fs::path candidate = file_.parent_path() / (prefix + std::to_string(i) + ".part");
+        p_stream_ = create_new_file(candidate);
+        if (p_stream_)
+            temporary_ = candidate;
+        else if (errno != EEXIST)
+            fail(errno);
+    }
+}
+
+void output_file::open_in_memory() {
+    p_stream_ = open_memory_file();
+    if (!p_stream_)
+        fail(errno);
+}
+
+void output_file::finish() {
+    if (std::fflush(p_stream_) != 0 || std::ferror(p_stream_))
+        fail(errno);
+    if (temporary_.empty()) {
+        if (p_receiver_)
+            return copy_to(p_receiver_);
+        std::FILE* p_device = std::fopen(file_.c_str(), "wb");
+        if (!p_device)
+            fail(errno);
+        copy_to(p_device);
+        std::fclose(p_device);
+        return;
+    }
+    close_stream();
+    std::error_code error;
+    fs::rename(temporary_, file_, error);
+    if (error)
+        fail(error.value());
+    temporary_.clear();
+}
+
+void output_file::copy_to(std::FILE* p_receiver) {
+    std::rewind(p_stream_);
+    std::array<char, 1 << 16> piece;
+    while (const auto nb_bytes = std::fread(piece.data(), 1, piece.size(), p_stream_))
+        if (std::fwrite(piece.data(), 1, nb_bytes, p_receiver) != nb_bytes)
+            fail(errno);
+    if (std::fflush(p_receiver) != 0)
+        fail(errno);
+}
+
+void output_file::close_stream() {
+    std::FILE* p_stream = p_stream_;
+    p_stream_ = nullptr;
+    if (std::fclose(p_stream) != 0)
+        fail(errno);
+}
+
+void output_file::fail(int error_number) const {
+    throw failure{exit_failed, "cannot write " + name_ + ": " + std::strerror(error_number)
+                                   + "; choose another place with -o"};
+}

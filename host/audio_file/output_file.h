@@ -1,0 +1,43 @@
+#pragma once
+/// A file that appears under its name only when it is whole. Until then it grows beside that name,
+/// or in memory where it goes into a pipe, which cannot be rewound to complete a header.
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+class output_file {
+public:
+    /// Opens a file that replaces `file` when it is finished. If `file` is there and no regular
+    /// file (a named pipe, say), it receives the bytes instead. Throws a failure if that cannot
+    /// work out.
+    explicit output_file(const std::filesystem::path& file);
+
+    /// Opens a file whose bytes go to `p_receiver` when it is finished; that stream stays open.
+    explicit output_file(std::FILE* p_receiver);
+
+    ~output_file(); ///< an unfinished file disappears
+    output_file(const output_file&) = delete;
+    output_file& operator=(const output_file&) = delete;
+
+    /// Where to write, seekable; errors may be left to finish.
+    [[nodiscard]] std::FILE* stream() const { return p_stream_; }
+
+    /// Puts the file in its place. Throws a failure if any byte could not be written.
+    void finish();
+
+    /// Throws a failure for a write that failed with this value of errno.
+    [[noreturn]] void fail(int error_number) const;
+
+private:
+    void open_beside();
+    void open_in_memory();
+    void copy_to(std::FILE* p_receiver);
+    void close_stream();
+
+    std::string name_; // for messages
+    std::filesystem::path file_{};
+    std::filesystem::path temporary_{}; // empty for a file in memory
+    std::FILE* p_receiver_ = nullptr;   // not owned
+    std::FILE* p_stream_ = nullptr;
+};

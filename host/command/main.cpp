@@ -1,0 +1,160 @@
+#include "command/arguments.h"
+#include "command/info_command.h"
+#include "command/render_command.h"
+#include "platform/streams.h"
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <sstream>
+
+namespace {
+
+/// Within limits; unlike the library's own check it refuses what is no number at all.
+CLI::Validator within(double low, double high) {
+    return CLI::Validator{[low, high](std::string& text) -> std::string {
+                              double value = 0;
+                              if (CLI::detail::lexical_cast(text, value) && value >= low
+                                  && value <= high)
+                                  return {};
+                              std::ostringstream message;
+                              message << "takes a number from " << low << " to " << high;
+                              return message.str();
+                          },
+                          ""};
+}
+
+void add_plugin_option(CLI::App& app, std::filesystem::path& file) {
+    app.add_option("--plugin", file, "the instrument (tindelwax.so beside this program)")
+        ->option_text("FILE");
+}
+
+void add_file_options(CLI::App& app, render_request& request) {
+    app.add_option("song", request.song, "the MIDI file; - reads standard input")
+        ->option_text("SONG.mid")
+        ->required();
+    app.add_option("-o,--output", request.output,
+                   "the audio file, named .wav or .flac; - writes a WAV\n"
+                   "file to standard output (the song's name with .wav, in\n"
+                   "the current folder; standard output for song -)")
+        ->option_text("OUT");
+    app.add_option("--bits", request.nb_bits,
+                   "16 or 24 whole-number bits (WAV: 32-bit float, FLAC: 24)")
+        ->option_text("N")
+        ->check(CLI::IsMember({16, 24}));
+    app.add_option("--rate", request.rate_hz, "frames a second (48000)")
+        ->option_text("HZ")
+        ->check(within(8000, 192000));
+}
+
+void add_instrument_options(CLI::App& app, render_request& request) {
+    add_plugin_option(app, request.plugin_file);
+    app.add_option("--set", request.settings,
+                   "set a parameter to a value from 0 to 1, or on or off;\n"
+                   "may be repeated; tindelwax info lists the names")
+        ->option_text("Name=value")
+        ->allow_extra_args(false)
+        ->take_all();
+    app.add_option("--seed", request.seed,
+                   "start of the instrument's random numbers (1): the same\n"
+                   "command gives the same bytes on every run")
+        ->option_text("N");
+    app.add_option("--block", request.block_frames, "frames that are asked for at once (64)")
+        ->option_text("FRAMES")
+        ->check(within(1, 65536));
+}
+
+void add_music_options(CLI::App& app, render_request& request) {
+    app.add_option("--transpose", request.transposition, "move all notes by N semitones (0)")
+        ->option_text("N")
+        ->check(within(-127, 127));
+    app.add_option("--channels", request.channels,
+                   "play these MIDI channels, such as 1,3-5, or all\n"
+                   "(all but 10, the drums)")
+        ->option_text("LIST");
+    app.add_option("--length", request.length_seconds, "play only the song's first seconds (all)")
+        ->option_text("SECONDS")
+        ->check(within(0.001, 36000));
+    app.add_option("--tail", request.tail_seconds,
+                   "let the song fade for at most so long, up to 5 (5);\n"
+                   "100 ms below -90 dBFS end it sooner")
+        ->option_text("SECONDS")
+        ->check(within(0, 5));
+}
+
+void add_level_options(CLI::App& app, render_request& request) {
+    CLI::Option* gain = app.add_option("--gain", request.gain_db, "amplify by DB decibels (0)")
+                            ->option_text("DB")
+                            ->check(within(-200, 200));
+    app.add_option("--normalize", request.peak_db,
+                   "amplify to a peak of DB dBFS (-1 if none is given)")
+        ->option_text("[DB]")
+        ->check(within(-200, 200))
+        ->excludes(gain);
+}
+
+CLI::App* add_render(CLI::App& app, render_request& request) {
+    CLI::App* render = app.add_subcommand("render", "Render a MIDI song to an audio file");
+    render->footer("Defaults stand in parentheses. Exit status: 0 success, 1 failure, 2 wrong\n"
+                   "usage or a song that cannot be read.");
+    add_file_options(*render, request);
+    add_music_options(*render, request);
+    add_level_options(*render, request);
+    add_instrument_options(*render, request);
+    return render;
+}
+
+void print(std::FILE* p_output, const std::string& text) {
+    if (p_output)
+        std::fputs(text.c_str(), p_output);
+    if (!p_output || std::fflush(p_output) != 0)
+        throw failure{exit_failed,
+                      std::string{"cannot write to standard output: "} + std::strerror(errno)};
+}
+
+void run(std::vector<std::string> arguments, std::FILE* p_output) {
+    CLI::App app{"Plays MIDI songs on Tindelwax or any other VST 2.4 instrument.\n"
+                 "tindelwax COMMAND --help tells all about a command.",
+                 "tindelwax"};
+    app.set_version_flag("--version", "tindelwax " TINDELWAX_VERSION);
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(24);
+    render_request request{.plugin_file = executable_path().parent_path() / "tindelwax.so"};
+    const CLI::App* render = add_render(app, request);
+    CLI::App* info = app.add_subcommand("info", "Tell what a plug-in says of itself");
+    add_plugin_option(*info, request.plugin_file);
+
+    join_optional_level(arguments);
+    std::reverse(arguments.begin(), arguments.end()); // the library takes them from the back
+    try {
+        app.parse(std::move(arguments));
+    } catch (const CLI::ParseError& end) {
+        std::ostringstream asked_for;
+        std::ostringstream complaint;
+        if (app.exit(end, asked_for, complaint) != 0)
+            throw failure{exit_misused, std::string{end.what()} + " (--help tells more)"};
+        return print(p_output, asked_for.str());
+    }
+    if (render->parsed())
+        render_run(request, p_output);
+    else
+        print(p_output, info_text(request.plugin_file));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::FILE* p_output = claim_standard_output();
+    ignore_closed_pipes();
+    try {
+        run({argv + 1, argv + argc}, p_output);
+        return exit_success;
+    } catch (const failure& end) {
+        std::fprintf(stderr, "tindelwax: %s\n", end.what());
+        return end.status;
+    } catch (const std::exception& end) {
+        std::fprintf(stderr, "tindelwax: it failed unexpectedly: %s\n", end.what());
+        return exit_failed;
+    }
+}

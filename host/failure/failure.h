@@ -1,0 +1,19 @@
+#pragma once
+/// A failure ends the command: one sentence for the user and the exit status. The command's
+/// modules throw it, so that everything opened on the way is closed and removed by its owner.
+
+#include <stdexcept>
+#include <string>
+
+enum exit_status : int {
+    exit_success = 0,
+    exit_failed = 1, ///< the machine, the plug-in or the disk did not do what was asked
+    exit_misused = 2 ///< wrong options, or a song that cannot be read
+};
+
+struct failure : std::runtime_error {
+    failure(exit_status exit, const std::string& sentence)
+        : std::runtime_error{sentence}, status{exit} {}
+
+    exit_status status;
+};

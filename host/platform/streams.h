@@ -1,0 +1,31 @@
+#pragma once
+/// The process and its surroundings.
+
+#include <cstdio>
+#include <filesystem>
+
+/// From now on what any code prints on standard output is dropped: plug-ins chat there, and it
+/// would end up in the audio or among our own lines. Returns a stream that still leads to the real
+/// one, or null if that is closed. Call once, first of all.
+[[nodiscard]] std::FILE* claim_standard_output();
+
+[[nodiscard]] bool is_terminal(std::FILE* stream);
+
+/// A file without a name that lives in memory and is gone when closed; null on failure.
+[[nodiscard]] std::FILE* open_memory_file();
+
+/// Creates a file that must not exist yet; null on failure, with the reason in errno.
+[[nodiscard]] std::FILE* create_new_file(const std::filesystem::path& file);
+
+/// Whether the file may be opened for writing; if not, the reason is in errno.
+[[nodiscard]] bool may_write(const std::filesystem::path& file);
+
+[[nodiscard]] int process_id();
+
+/// Empty if the system does not tell.
+[[nodiscard]] std::filesystem::path executable_path();
+
+void set_environment(const char* name, const char* value);
+
+/// Makes a write into a closed pipe fail instead of ending the process.
+void ignore_closed_pipes();

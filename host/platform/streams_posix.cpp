@@ -1,0 +1,41 @@
+#include "platform/streams.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+std::FILE* claim_standard_output() {
+    const int real_output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (nowhere != STDOUT_FILENO) { // as it is where standard output came closed
+        dup2(nowhere, STDOUT_FILENO);
+        close(nowhere);
+    }
+    return real_output < 0 ? nullptr : fdopen(real_output, "wb");
+}
+
+bool is_terminal(std::FILE* stream) { return stream && isatty(fileno(stream)); }
+
+std::FILE* open_memory_file() {
+    const int descriptor = memfd_create("tindelwax", MFD_CLOEXEC);
+    return descriptor < 0 ? nullptr : fdopen(descriptor, "w+b");
+}
+
+std::FILE* create_new_file(const std::filesystem::path& file) {
+    return std::fopen(file.c_str(), "w+bx");
+}
+
+bool may_write(const std::filesystem::path& file) { return access(file.c_str(), W_OK) == 0; }
+
+int process_id() { return getpid(); }
+
+std::filesystem::path executable_path() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
+void set_environment(const char* name, const char* value) { setenv(name, value, 1); }
+
+void ignore_closed_pipes() { std::signal(SIGPIPE, SIG_IGN); }

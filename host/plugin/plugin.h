@@ -1,0 +1,67 @@
+#pragma once
+/// A VST 2.4 instrument in this process, known by nothing but its binary interface.
+
+#include "failure/failure.h"
+#include "platform/library.h"
+#include "plugin/event_list.h"
+#include "plugin/host_callback.h"
+
+#include <filesystem>
+#include <span>
+#include <string>
+#include <vector>
+
+class plugin {
+public:
+    /// Loads the plug-in and opens it. Throws a failure that names the file and the reason. One
+    /// at a time, see host_callback_serve.
+    explicit plugin(const std::filesystem::path& file);
+    ~plugin(); ///< stops it if it runs, and closes it
+    plugin(const plugin&) = delete;
+    plugin& operator=(const plugin&) = delete;
+
+    [[nodiscard]] const AEffect& record() const { return *p_effect_; }
+    [[nodiscard]] int nb_parameters() const;
+    [[nodiscard]] int nb_channels() const; ///< 1 or 2: the outputs that are listened to
+
+    VstIntPtr ask(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
+                  float opt = 0);
+
+    /// The plug-in's answer to an opcode that writes a text, without control characters and
+    /// surrounding spaces.
+    [[nodiscard]] std::string text(VstInt32 opcode, VstInt32 index = 0);
+
+    [[nodiscard]] float parameter(int index);
+    void set_parameter(int index, float value);
+
+    /// Announces rate and block size; only while it does not run.
+    void prepare(double rate_hz, int block_frames);
+
+    void start(); ///< Only after prepare. Throws a failure if the plug-in cannot process.
+    void stop();
+
+    [[nodiscard]] VstTimeInfo& time() { return state_.time; }
+
+    /// Hands over what happens in the block that is processed next; more than one call is possible.
+    void send(event_list& events);
+
+    /// Processes a block. The channel's samples are in output() until the next call.
+    void process();
+    [[nodiscard]] std::span<const float> output(int channel) const;
+
+private:
+    void create(const std::filesystem::path& file);
+
+    library library_;
+    host_state state_;
+    AEffect* p_effect_ = nullptr;
+    bool runs_ = false;
+    std::vector<std::vector<float>> inputs_{};
+    std::vector<std::vector<float>> outputs_{};
+    std::vector<float*> p_inputs_{};
+    std::vector<float*> p_outputs_{};
+};
+
+/// Loads, opens and closes the plug-in in a child process. Throws a failure if it does not survive
+/// or is none, so that a plug-in that passed may be loaded into this process.
+void plugin_try(const std::filesystem::path& file);

@@ -1,0 +1,64 @@
+#include "report/report.h"
+
+#include "report/keyboard.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+namespace {
+
+std::string duration_text(double seconds) {
+    const auto tenths = std::llround(seconds * 10);
+    std::array<char, 48> text{};
+    std::snprintf(text.data(), text.size(), "%lld:%02lld.%lld", tenths / 600, tenths / 10 % 60,
+                  tenths % 10);
+    return text.data();
+}
+
+std::string count_text(std::uint64_t number, const std::string& thing) {
+    return std::to_string(number) + " " + thing + (number == 1 ? "" : "s");
+}
+
+std::string keyboard_line(const render_report& report) {
+    const auto nb_outside = keyboard_count_outside(report.music, report.transposition);
+    if (nb_outside == 0)
+        return {};
+    std::string line = count_text(nb_outside, "note") + " outside the keyboard (MIDI notes "
+                       + std::to_string(lowest_key) + " to " + std::to_string(highest_key) + ")";
+    const int best = keyboard_best_transposition(report.music);
+    const auto nb_at_best = keyboard_count_outside(report.music, best);
+    if (nb_at_best < nb_outside)
+        line +=
+            "; --transpose " + std::to_string(best) + " would leave " + std::to_string(nb_at_best);
+    return line + "\n";
+}
+
+std::string level_line(const render_report& report) {
+    const meter& levels = report.levels;
+    if (levels.peak == 0)
+        return "silence throughout\n";
+    const std::string over = report.clips
+                                 ? count_text(levels.nb_over, "clipped sample")
+                                 : count_text(levels.nb_over, "sample") + " that would clip";
+    return "peak " + level_text(levels.peak) + ", RMS " + level_text(meter_rms(levels)) + ", "
+           + over + "\n";
+}
+
+} // namespace
+
+std::string report_text(const render_report& report) {
+    std::string text = report.output_name + ": " + duration_text(report.seconds) + ", "
+                       + count_text(report.music.nb_notes, "note") + " played\n";
+    if (report.has_known_keyboard)
+        text += keyboard_line(report);
+    text += level_line(report);
+    if (report.levels.nb_invalid > 0)
+        text += count_text(report.levels.nb_invalid, "sample")
+                + " from the instrument were no numbers and became silence\n";
+    std::array<char, 64> speed{};
+    std::snprintf(speed.data(), speed.size(), "%.0f times faster than real time\n",
+                  report.seconds / std::max(report.elapsed_seconds, 1e-6));
+    return text + speed.data();
+}

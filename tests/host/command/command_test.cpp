@@ -1,0 +1,271 @@
+#include "tests/host/midi_bytes.h"
+#include "tests/host/process.h"
+#include "tests/temporary_folder.h"
+
+#include <algorithm>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace {
+
+using midi_bytes::song;
+using words = std::vector<std::string>;
+
+std::string test_plugin(const std::string& name) { return TEST_PLUGINS "/" + name + ".so"; }
+
+/// At 480 ticks a quarter and 120 bpm, 83 60 is half a second and 24000 frames at 48 kHz.
+const auto half_second = song(0, 480, {"00 90 45 40 83 60 80 45 40"});
+
+struct Command : testing::Test {
+    temporary_folder folder;
+    process_surroundings surroundings{.folder = folder.path};
+
+    Command() { file_write(folder / "song.mid", half_second); }
+
+    process_result run(words arguments, const std::string& plugin = "sine_main") {
+        arguments.insert(arguments.begin(), TEST_COMMAND);
+        if (!plugin.empty())
+            arguments.insert(arguments.end(), {"--plugin", test_plugin(plugin)});
+        return process_run(arguments, surroundings);
+    }
+
+    /// What the instrument noted about its host during a render.
+    std::string played(words arguments) {
+        surroundings.environment["TINDELWAX_TEST_LOG"] = folder / "log";
+        arguments.insert(arguments.begin(), "render");
+        const process_result result = run(arguments);
+        EXPECT_EQ(result.status, 0) << result.err;
+        return file_content(folder / "log");
+    }
+
+    /// The samples of a WAV file in 32-bit floating point, without knowing its chunks.
+    static std::vector<float> samples(const std::string& wav) {
+        const auto data = wav.find("data");
+        if (data == wav.npos)
+            return {};
+        std::vector<float> result((wav.size() - data - 8) / sizeof(float));
+        std::memcpy(result.data(), wav.data() + data + 8, result.size() * sizeof(float));
+        return result;
+    }
+
+    static float peak(const std::string& wav) {
+        float size = 0;
+        for (const float sample : samples(wav))
+            size = std::max(size, std::abs(sample));
+        return size;
+    }
+};
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != text.npos;
+}
+
+long nb_lines(const std::string& text) { return std::count(text.begin(), text.end(), '\n'); }
+
+TEST_F(Command, RendersBesideTheUserUnderTheSongsName) {
+    const process_result result = run({"render", "song.mid"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_TRUE(contains(result.out, "song.wav: 0:00.") && contains(result.out, "1 note played"))
+        << result.out;
+    EXPECT_TRUE(contains(result.out, "peak -12.0 dBFS") && contains(result.out, "faster"))
+        << result.out;
+    EXPECT_NEAR(peak(file_content(folder / "song.wav")), 0.25f, 0.001f);
+    EXPECT_EQ(folder.nb_files(), 2u) << "something else was left";
+}
+
+TEST_F(Command, DrivesThePluginInOrderAndAtTheFrame) {
+    EXPECT_EQ(played({"--set", "volume=0.5", "song.mid", "--rate", "44100", "--block", "100"}),
+              "open\nrate 44100\nblock 100\nparameter 0 0.50\nmains 1\nstart\n0: 90 45 40\n"
+              "0: tempo 120.0\n22050: 80 45 40\nstop\nmains 0\nclose\n");
+}
+
+TEST_F(Command, PassesOnSysexAndHonoursTempoChannelsAndTransposition) {
+    // A quarter at 60 bpm from half a second on; the drums are left out.
+    file_write(folder / "song.mid",
+               song(0, 480,
+                    {"00 90 45 40 00 99 24 40 00 F0 02 7D F7 83 60 FF 51 03 0F 42 40 "
+                     "83 60 80 45 40"}));
+    const std::string log = played({"song.mid", "--transpose", "-12"});
+    EXPECT_TRUE(contains(
+        log, "0: 90 39 40\n0: dump F0 7D F7\n0: tempo 120.0\n24000: tempo 60.0\n72000: 80 39 40\n"))
+        << log;
+    EXPECT_TRUE(
+        contains(played({"song.mid", "--channels", "10"}), "0: 99 24 40\n0: dump F0 7D F7\n"));
+}
+
+TEST_F(Command, MoreSimultaneousEventsThanOneListHoldsAllArrive) {
+    std::string track = "00 B0 07 00";
+    for (int i = 0; i < 2500; ++i)
+        track += " 00 07 01";
+    file_write(folder / "song.mid", song(0, 480, {track}));
+    const std::string log = played({"song.mid"});
+    EXPECT_EQ(nb_lines(log), 2501 + 9) << log.substr(0, 200);
+}
+
+TEST_F(Command, ReleasesAtTheLengthAndFallsSilentSoon) {
+    file_write(folder / "song.mid", song(0, 480, {"00 90 45 40 8F 00 C0 01"}));
+    EXPECT_TRUE(contains(played({"song.mid", "--length", "0.5"}), "24000: 80 45 40\n"));
+    // Released at 24000, the test's sine is below -90 dBFS after some 3900 frames of 48 kHz.
+    const auto nb_frames = samples(file_content(folder / "song.wav")).size() / 2;
+    EXPECT_NEAR(static_cast<double>(nb_frames), 24000 + 3900 + 4800, 1000);
+    (void)run({"render", "song.mid", "--length", "0.5", "--tail", "0"});
+    EXPECT_EQ(samples(file_content(folder / "song.wav")).size() / 2, 24000u);
+}
+
+TEST_F(Command, ARestIsNotTheEnd) {
+    file_write(folder / "song.mid",
+               song(0, 480, {"00 90 45 40 0A 80 45 40 87 40 90 45 40 0A 80 45 40"}));
+    EXPECT_TRUE(contains(played({"song.mid"}), "49000: 80 45 40\n"));
+}
+
+TEST_F(Command, TheSameCommandGivesTheSameBytes) {
+    (void)run({"render", "song.mid", "-o", "a.wav"});
+    (void)run({"render", "song.mid", "-o", "b.wav"});
+    (void)run({"render", "song.mid", "-o", "c.wav", "--seed", "2"});
+    EXPECT_EQ(file_content(folder / "a.wav"), file_content(folder / "b.wav"));
+    EXPECT_NE(file_content(folder / "a.wav"), file_content(folder / "c.wav"));
+}
+
+TEST_F(Command, PipesCarryTheSameFileAndNothingElse) {
+    (void)run({"render", "song.mid"});
+    surroundings.input_file = folder / "song.mid";
+    for (const words& arguments : {words{"render", "-", "-o", "-"}, {"render", "-"}}) {
+        const process_result result = run(arguments);
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_TRUE(result.out == file_content(folder / "song.wav"));
+        EXPECT_TRUE(contains(result.err, "1 note played")) << result.err;
+        EXPECT_FALSE(contains(result.err, "###")) << "a progress bar without a terminal";
+    }
+}
+
+TEST_F(Command, LevelsAreBroughtWhereTheUserWantsThem) {
+    const std::vector<std::pair<words, float>> rows{{{"--gain", "6.0206"}, 0.5f},
+                                                    {{"--normalize", "-6.0206"}, 0.5f},
+                                                    {{"--normalize=0"}, 1.0f},
+                                                    {{"--normalize"}, 0.8913f},
+                                                    {{"--set", "Volume=0", "--normalize"}, 0.0f}};
+    for (const auto& [options, wished] : rows) {
+        words arguments{"render", "song.mid"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const process_result result = run(arguments);
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_FALSE(contains(result.out, "no numbers")) << result.out;
+        EXPECT_NEAR(peak(file_content(folder / "song.wav")), wished, 0.002f) << options[0];
+    }
+    const process_result loud = run({"render", "song.mid", "--gain", "20", "--bits", "16"});
+    EXPECT_TRUE(contains(loud.out, " clipped samples") && !contains(loud.out, " 0 clipped"))
+        << loud.out;
+}
+
+TEST_F(Command, OnlyForOurInstrumentTheKeyboardIsKnown) {
+    file_write(folder / "song.mid", song(0, 480, {"00 90 50 40 00 90 3C 40"}));
+    EXPECT_TRUE(contains(run({"render", "song.mid"}).out, "1 note outside the keyboard"));
+    EXPECT_TRUE(contains(run({"render", "song.mid"}).out, "--transpose -8 would leave 0"));
+    const process_result other = run({"render", "song.mid"}, "sine_second_entry");
+    EXPECT_EQ(other.status, 0) << other.err;
+    EXPECT_FALSE(contains(other.out, "keyboard")) << other.out;
+}
+
+TEST_F(Command, InfoTellsWhatThePluginSaysOfItself) {
+    const process_result result = run({"info"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    for (const char* part : {"Sine\n", "longer than any host of the old days expects, alas\n",
+                             "'Tind' (0x54696E64)", "synthesizer", "0 in, 2 out", "instrument",
+                             "Volume     1.0000  ON\n", "MIX        0.7500  ON\n"})
+        EXPECT_TRUE(contains(result.out, part)) << part << "\n" << result.out;
+    EXPECT_FALSE(contains(result.out, "EOF"));
+}
+
+TEST_F(Command, FindsThePluginBesideItself) {
+    std::filesystem::copy(TEST_COMMAND, folder.path / "tindelwax");
+    const process_result alone = process_run({folder / "tindelwax", "info"});
+    EXPECT_EQ(alone.status, 1);
+    EXPECT_TRUE(contains(alone.err, folder / "tindelwax.so is missing")) << alone.err;
+    std::filesystem::copy(test_plugin("sine_main"), folder.path / "tindelwax.so");
+    EXPECT_EQ(process_run({folder / "tindelwax", "info"}).status, 0);
+}
+
+TEST_F(Command, HelpFitsATerminal) {
+    for (const words& arguments : {words{"--help"}, {"render", "--help"}, {"info", "--help"}}) {
+        words whole{TEST_COMMAND};
+        whole.insert(whole.end(), arguments.begin(), arguments.end());
+        const process_result result = process_run(whole);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_GT(nb_lines(result.out), 5);
+        EXPECT_LE(nb_lines(result.out), 40) << result.out;
+        std::istringstream lines{result.out};
+        for (std::string line; std::getline(lines, line);)
+            EXPECT_LE(line.size(), 80u) << line;
+    }
+}
+
+struct complaint {
+    words arguments;
+    std::string plugin;
+    int status;
+    std::string part; ///< of the one sentence
+};
+
+TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
+    file_write(folder / "noise.mid", std::string{"MTrk no header"});
+    file_write(folder / "endless.mid", song(0, 1, {"FF FF FF 7F C0 01"}));
+    file_write(folder / "noise.so", std::string{"no library"});
+    const auto before = folder.nb_files();
+    const complaint rows[] = {
+        {{}, "", 2, "subcommand"},
+        {{"render"}, "", 2, "song"},
+        {{"render", "song.mid", "--rate", "nan"}, "", 2, "--rate"},
+        {{"render", "song.mid", "--tail", "6"}, "", 2, "--tail"},
+        {{"render", "song.mid", "--bits", "20"}, "", 2, "--bits"},
+        {{"render", "song.mid", "--loud"}, "", 2, "--loud"},
+        {{"render", "song.mid", "--gain", "1", "--normalize"}, "", 2, "--gain"},
+        {{"render", "song.mid", "--channels", "0"}, "sine_main", 2, "1 to 16"},
+        {{"render", "song.mid", "--set", "Volume"}, "sine_main", 2, "Name=value"},
+        {{"render", "song.mid", "--set", "Depth=1"}, "sine_main", 2, "Volume, Vibrato, Mix, MIX"},
+        {{"render", "song.mid", "--set", "mix=1"}, "sine_main", 2, "more than one"},
+        {{"render", "song.mid", "-o", "song.mp3"}, "sine_main", 2, ".wav or .flac"},
+        {{"render", "none.mid"}, "sine_main", 2, "none.mid cannot be read: No such file"},
+        {{"render", "."}, "sine_main", 2, "directory"},
+        {{"render", "noise.mid"}, "sine_main", 2, "noise.mid is no MIDI file"},
+        {{"render", "/dev/zero"}, "sine_main", 2, "8 MiB"},
+        {{"render", "endless.mid"}, "sine_main", 2, "--length"},
+        {{"render", "song.mid", "-o", "no/folder/a.wav"},
+         "sine_main",
+         1,
+         "no/folder/a.wav: No such"},
+        {{"render", "song.mid"}, "answers_null", 1, "refuses to start"},
+        {{"render", "song.mid"}, "aborts", 1, "crashes while it loads (Aborted)"},
+        {{"render", "song.mid"}, "exits", 1, "ends the process while it loads"},
+        {{"render", "song.mid"}, "answers_rubbish", 1, "answers something else"},
+        {{"info"}, "has_no_entry", 1, "exports neither main nor VSTPluginMain"},
+        {{"info"}, "no_such_plugin", 1, "is missing"},
+        {{"info", "--plugin", "noise.so"}, "", 1, "noise.so is no plug-in: "},
+    };
+    for (const complaint& row : rows) {
+        const process_result result = run(row.arguments, row.plugin);
+        EXPECT_EQ(result.status, row.status) << row.part;
+        EXPECT_TRUE(result.err.starts_with("tindelwax: ")) << result.err;
+        EXPECT_TRUE(contains(result.err, row.part)) << row.part << " expected in " << result.err;
+        EXPECT_EQ(nb_lines(result.err), 1) << result.err;
+        EXPECT_EQ(result.out, "") << row.part;
+        EXPECT_EQ(folder.nb_files(), before) << row.part;
+    }
+}
+
+TEST_F(Command, AFullDeviceAndADamagedSongAreTold) {
+    surroundings.output_file = "/dev/full";
+    const process_result full = run({"render", "song.mid", "-o", "-"});
+    EXPECT_EQ(full.status, 1);
+    EXPECT_TRUE(contains(full.err, "cannot write standard output: No space left")) << full.err;
+    EXPECT_EQ(run({"info"}).status, 1);
+
+    surroundings.output_file.clear();
+    file_write(folder / "song.mid", std::vector(half_second.begin(), half_second.end() - 6));
+    const process_result damaged = run({"render", "song.mid"});
+    EXPECT_EQ(damaged.status, 0);
+    EXPECT_TRUE(contains(damaged.err, "warning: song.mid: ")) << damaged.err;
+    EXPECT_TRUE(contains(damaged.out, "1 note played")) << damaged.out;
+}
+
+} // namespace

@@ -1,0 +1,195 @@
+// An instrument for tests: a sine for each held note, and a log of what its host does with it.
+
+#include "vst/interface.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr std::array parameter_names{"Volume", "Vibrato", "Mix", "MIX"};
+constexpr float release_per_100_ms = 1e-4f; // the gain left after so long
+constexpr float inaudible = 1e-6f;
+
+struct sine {
+    AEffect effect{};
+    audioMasterCallback host = nullptr;
+    std::FILE* p_log = nullptr;
+    std::array<float, parameter_names.size()> parameters{1, 0, 0.25f, 0.75f};
+    std::array<int, 128> nb_strokes{};
+    std::array<float, 128> gains{};
+    double rate = 44100;
+    double phase = 0;
+    double tempo = 0;
+    long frame = 0;
+    VstIntPtr block_frames = 0;
+};
+
+sine& self(AEffect* effect) { return *static_cast<sine*>(effect->object); }
+
+template <typename... Values>
+void log(sine& s, const char* format, Values... values) {
+    if (s.p_log)
+        std::fprintf(s.p_log, format, values...);
+}
+
+void receive_midi(sine& s, const VstMidiEvent& event) {
+    const auto* data = reinterpret_cast<const unsigned char*>(event.midiData);
+    log(s, "%ld: %02X %02X %02X\n", s.frame + event.deltaFrames, data[0], data[1], data[2]);
+    const bool strikes = (data[0] & 0xF0) == 0x90 && data[2] > 0;
+    if (strikes || (data[0] & 0xE0) == 0x80)
+        s.nb_strokes[data[1]] += strikes ? 1 : -1;
+    if (strikes)
+        s.gains[data[1]] = 0.25f;
+}
+
+void receive_sysex(sine& s, const VstMidiSysexEvent& event) {
+    log(s, "%ld: dump", s.frame + event.deltaFrames);
+    for (VstInt32 i = 0; i < event.dumpBytes; ++i)
+        log(s, " %02X", static_cast<unsigned char>(event.sysexDump[i]));
+    log(s, "\n");
+}
+
+void receive(sine& s, const VstEvents& events) {
+    VstEvent* const* list = events.events;
+    for (VstInt32 i = 0; i < events.numEvents; ++i) {
+        if (list[i]->deltaFrames < 0 || list[i]->deltaFrames >= s.block_frames)
+            log(s, "outside the block ");
+        if (list[i]->type == kVstSysExType)
+            receive_sysex(s, *reinterpret_cast<const VstMidiSysexEvent*>(list[i]));
+        else
+            receive_midi(s, *reinterpret_cast<const VstMidiEvent*>(list[i]));
+    }
+}
+
+VstIntPtr write(void* ptr, const char* text) {
+    std::strcpy(static_cast<char*>(ptr), text);
+    return 1;
+}
+
+VstIntPtr finish(sine& s) {
+    log(s, "close\n");
+    if (s.p_log)
+        std::fclose(s.p_log);
+    delete &s;
+    return 1;
+}
+
+VstIntPtr VSTCALLBACK dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr value,
+                               void* ptr, float opt) {
+    sine& s = self(effect);
+    switch (opcode) {
+    case effOpen:
+        log(s, "open\n");
+        return 0;
+    case effClose:
+        return finish(s);
+    case effSetSampleRate:
+        s.rate = static_cast<double>(opt);
+        log(s, "rate %.0f\n", s.rate);
+        return 0;
+    case effSetBlockSize:
+        s.block_frames = value;
+        log(s, "block %d\n", static_cast<int>(value));
+        return 0;
+    case effMainsChanged:
+        log(s, "mains %d\n", static_cast<int>(value));
+        return 0;
+    case effStartProcess:
+        log(s, "start\n");
+        return 0;
+    case effStopProcess:
+        log(s, "stop\n");
+        return 0;
+    case effProcessEvents:
+        receive(s, *static_cast<const VstEvents*>(ptr));
+        return 1;
+    case effGetParamName:
+        return write(ptr, parameter_names[static_cast<std::size_t>(index)]);
+    case effGetParamDisplay:
+        return write(ptr, s.parameters[static_cast<std::size_t>(index)] > 0.5f ? "ON" : "OFF");
+    case effGetEffectName:
+        return write(ptr, "Sine");
+    case effGetVendorString:
+        return write(ptr,
+                     "a vendor whose name is longer than any host of the old days expects, alas");
+    case effGetPlugCategory:
+        return kPlugCategSynth;
+    case effGetVstVersion:
+        return kVstVersion;
+    default:
+        return 0;
+    }
+}
+
+void VSTCALLBACK set_parameter(AEffect* effect, VstInt32 index, float value) {
+    self(effect).parameters[static_cast<std::size_t>(index)] = value;
+    log(self(effect), "parameter %d %.2f\n", index, static_cast<double>(value));
+}
+
+float VSTCALLBACK get_parameter(AEffect* effect, VstInt32 index) {
+    return self(effect).parameters[static_cast<std::size_t>(index)];
+}
+
+void note_tempo(sine& s) {
+    const auto* time = reinterpret_cast<const VstTimeInfo*>(
+        s.host(&s.effect, audioMasterGetTime, 0, 0, nullptr, 0));
+    if (time->tempo != s.tempo)
+        log(s, "%ld: tempo %.1f\n", s.frame, time->tempo);
+    s.tempo = time->tempo;
+}
+
+void VSTCALLBACK process(AEffect* effect, float**, float** outputs, VstInt32 nb_frames) {
+    sine& s = self(effect);
+    note_tempo(s);
+    const float release = static_cast<float>(std::pow(release_per_100_ms, 10 / s.rate));
+    for (VstInt32 i = 0; i < nb_frames; ++i) {
+        double sum = 0;
+        const double seconds = static_cast<double>(s.frame + i) / s.rate;
+        for (std::size_t note = 0; note < s.gains.size(); ++note) {
+            if (s.gains[note] < inaudible)
+                continue;
+            const double hz = 440 * std::exp2((static_cast<double>(note) - 69) / 12);
+            sum += static_cast<double>(s.gains[note]) * std::sin(6.283185 * hz * seconds + s.phase);
+            if (s.nb_strokes[note] <= 0)
+                s.gains[note] *= release;
+        }
+        outputs[0][i] = outputs[1][i] = static_cast<float>(sum) * s.parameters[0];
+    }
+    s.frame += nb_frames;
+}
+
+AEffect* create(audioMasterCallback host) {
+    std::puts("EOF"); // instruments do print; it must not get into anybody's audio
+    if (host(nullptr, audioMasterVersion, 0, 0, nullptr, 0) < kVstVersion)
+        return nullptr;
+    auto* s = new sine;
+    s->host = host;
+    if (const char* log_name = std::getenv("TINDELWAX_TEST_LOG"))
+        s->p_log = std::fopen(log_name, "w");
+    if (const char* seed = std::getenv("TINDELWAX_SEED"))
+        s->phase = std::atoi(seed);
+    s->effect.magic = kEffectMagic;
+    s->effect.dispatcher = dispatch;
+    s->effect.setParameter = set_parameter;
+    s->effect.getParameter = get_parameter;
+    s->effect.processReplacing = process;
+    s->effect.numParams = static_cast<VstInt32>(parameter_names.size());
+    s->effect.numOutputs = 2;
+    s->effect.flags = effFlagsCanReplacing | effFlagsIsSynth;
+    s->effect.uniqueID = SINE_ID;
+    s->effect.version = 1;
+    s->effect.object = s;
+    return &s->effect;
+}
+
+} // namespace
+
+// C++ keeps the name main for itself, so it is given past the compiler.
+extern "C" __attribute__((visibility("default"))) AEffect* VSTCALLBACK
+sine_entry(audioMasterCallback host) __asm__(SINE_ENTRY);
+
+AEffect* sine_entry(audioMasterCallback host) { return create(host); }

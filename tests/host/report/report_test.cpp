@@ -1,0 +1,48 @@
+#include "report/keyboard.h"
+#include "report/meter.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <vector>
+
+namespace {
+
+TEST(Keyboard, FindsTheTranspositionThatFitsMost) {
+    struct lie {
+        const char* name;
+        std::vector<std::size_t> notes;
+        int transposition;
+        std::uint64_t nb_outside_unmoved;
+        std::uint64_t nb_outside_moved;
+    };
+    const lie rows[] = {{"all on it", {24, 72}, 0, 0, 0},
+                        {"a semitone too high", {24 + 1, 72 + 1}, -1, 1, 0},
+                        {"two octaves too low", {0, 12}, 24, 2, 0},
+                        {"wider than the keyboard", {20, 30, 80}, -8, 2, 1},
+                        {"nothing at all", {}, 0, 0, 0}};
+    for (const lie& row : rows) {
+        score music;
+        for (const std::size_t note : row.notes)
+            ++music.notes_before_transposition[note];
+        EXPECT_EQ(keyboard_count_outside(music, 0), row.nb_outside_unmoved) << row.name;
+        const int best = keyboard_best_transposition(music);
+        EXPECT_EQ(keyboard_count_outside(music, best), row.nb_outside_moved) << row.name;
+        EXPECT_LE(std::abs(best), std::abs(row.transposition)) << row.name;
+    }
+}
+
+TEST(Meter, MeasuresAndKeepsOutWhatIsNoNumber) {
+    std::vector<float> samples{0.5f, -1.5f, 1.0f, std::numeric_limits<float>::quiet_NaN(),
+                               -std::numeric_limits<float>::infinity()};
+    meter levels;
+    meter_take(levels, samples);
+    EXPECT_EQ(levels.peak, 1.5f);
+    EXPECT_EQ(levels.nb_over, 1u);
+    EXPECT_EQ(levels.nb_invalid, 2u);
+    EXPECT_NEAR(meter_rms(levels), std::sqrt((0.25 + 2.25 + 1) / 5), 1e-12);
+    EXPECT_EQ(samples[3], 0);
+    EXPECT_EQ(samples[4], 0);
+}
+
+} // namespace
