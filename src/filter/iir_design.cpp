@@ -93,7 +93,7 @@ void iir_filter_set_coeff_rc_first_order(filter* p_filter, float R, float C, int
 }
 
 void iir_filter_design(filter* p_filter, float fc, float Q, int type) {
-    if (!has_rate(p_filter))
+    if (!has_rate(p_filter) || p_filter->order != 2)
         return;
     const double w = angular_frequency(p_filter, fc);
     const double sin_w = std::sin(w);
@@ -128,7 +128,7 @@ void iir_filter_design(filter* p_filter, float fc, float Q, int type) {
 }
 
 void iir_filter_design_shelf(filter* p_filter, float fc, float Q, float G, int high) {
-    if (!has_rate(p_filter))
+    if (!has_rate(p_filter) || p_filter->order != 2)
         return;
     const double w = angular_frequency(p_filter, fc);
     const double A = to_double(to_float(std::pow(10.0, to_double(G) / 40)));

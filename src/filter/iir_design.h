@@ -27,8 +27,8 @@ void iir_filter_set_coeff_first_order(filter* p_filter, float fc, int high);
 void iir_filter_set_coeff_rc_first_order(filter* p_filter, float R, float C, int high);
 
 /// Biquads of R. Bristow-Johnson's "Audio EQ Cookbook". Type 0 low-pass, 1 high-pass, 2 band-pass
-/// of 0 dB peak, 3 band-pass of peak gain Q, 4 notch; any other type leaves the set unchanged.
-/// Clears the rate's state, as does the shelf.
+/// of 0 dB peak, 3 band-pass of peak gain Q, 4 notch; any other type, or a filter of another order,
+/// leaves the set unchanged. Clears the rate's state, as does the shelf.
 void iir_filter_design(filter* p_filter, float fc, float Q, int type);
 
 /// Shelf of the same source with beta = sqrt(A) / Q: high shelf, or low shelf with `high` 0.

@@ -19,7 +19,7 @@ struct iir_cascade_run {
 
 /// Runs up to iir_nb_lanes filters of one section each over `src` and writes the sum of their
 /// outputs, in their order, to `sum`; then two cascades, whose sources may be `sum`. All blocks
-/// have one length and all filters a selected rate. The same as iir_filter_process for one after
+/// have one length and all filters a selected set. The same as iir_filter_process for one after
 /// the other. [audio]
 void iir_filters_process(std::span<filter* const> filters, std::span<const float> src,
                          std::span<float> sum, const iir_cascade_run& first,

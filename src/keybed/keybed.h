@@ -83,8 +83,8 @@ void keybed_set_envelope_release(keybed* p_keybed, envelope* p_env);
 void keybed_update_key(playing_key* p_key, int max_frame_index) noexcept;
 
 /// Key transitions of a key below nb_keys at a frame of the coming block, whose length has been set
-/// before its events. Frames outside the block are moved to its edge,
-/// a frame before what the key has rendered to that point. [audio]
+/// before its events. Frames outside the block are moved to its edge, a frame before what the key
+/// has rendered to that point. [audio]
 void keybed_receive_key_on(keybed* p_keybed, int key_index, unsigned char midi_velocity,
                            int frame_index) noexcept;
 void keybed_receive_key_off(keybed* p_keybed, int key_index, unsigned char midi_velocity,

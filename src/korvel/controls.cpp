@@ -30,10 +30,7 @@ float contour_filter_get(const korvel* p_korvel) {
 
 void contour_filter_set(korvel* p_korvel, float value) {
     p_korvel->contour_filter_ratio.store(value, relaxed);
-    contour_filter_design(p_korvel, value * contour_potentiometer + contour_resistor);
-}
-
-void contour_filter_design(korvel* p_korvel, float resistance) {
+    const float resistance = value * contour_potentiometer + contour_resistor;
     for (std::size_t i = 0; i < s_rate.size(); ++i)
         if (const auto c = iir_rc_first_order_coeffs(resistance, contour_capacitor, 0, s_rate[i]))
             p_korvel->contour[i].store({.b0 = c->b0, .a1 = c->a1}, relaxed);

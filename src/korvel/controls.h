@@ -8,16 +8,12 @@
 float contour_filter_get(const korvel* p_korvel); ///< [any]
 
 /// Stores the ratio, 0 to 1, and publishes the contour filter's coefficients for every rate; the
-/// next block takes them. [any]
+/// next block takes them. A rate whose half lies below the corner keeps what it had. [any]
 void contour_filter_set(korvel* p_korvel, float value);
-
-/// Publishes the coefficients for a resistance in ohms. A rate whose half lies below the corner
-/// keeps what it had. [any]
-void contour_filter_design(korvel* p_korvel, float resistance);
 
 float split_get_value(const korvel* p_korvel); ///< [any]
 
-/// Bass right up to one third, bass left up to two thirds, mixed from there on. [any]
+/// Bass on out_r up to one third, on out_l up to two thirds, mixed from there on. [any]
 void split_set_value(korvel* p_korvel, float value);
 
 /// "BassR", "BassL" or "MixLR". [ui]

@@ -10,12 +10,8 @@
 
 namespace {
 
-constexpr int first_note = 24; ///< of both keybeds
-constexpr int nb_manual_keys = 49;
-static_assert(nb_manual_keys <= max_held_keys);
-constexpr int nb_bass_keys = 12;
 constexpr float manual_envelope_ms = 30.0f;
-constexpr float vibrato_levels[] = {9.0f};
+constexpr float vibrato_levels[] = {korvel_vibrato_depth};
 constexpr int design_rate = 48000;
 constexpr int nb_rates = static_cast<int>(s_rate.size());
 
@@ -48,7 +44,7 @@ void add_buffers(korvel* p_korvel) {
 
 keybed* create_keybed(korvel* p_korvel, int nb_keys, const char* name,
                       void (*render)(korvel*, playing_key*, unsigned)) {
-    keybed* p_keybed = keybed_create(nb_keys, first_note, name);
+    keybed* p_keybed = keybed_create(nb_keys, korvel_first_note, name);
     p_keybed->keybed_callback = [=](playing_key* p_key, unsigned len) {
         render(p_korvel, p_key, len);
     };
@@ -60,7 +56,7 @@ void create_voices(korvel* p_korvel) {
     organ* p_organ = p_korvel->p_organ;
     p_organ->p_tonegenerators[0] = tonegenerator_create("ORGAN TG");
     p_organ->p_keybeds[keybed_manual] =
-        create_keybed(p_korvel, nb_manual_keys, "ORGAN KEY BED", render_callback_organ);
+        create_keybed(p_korvel, korvel_nb_manual_keys, "ORGAN KEY BED", render_callback_organ);
     p_organ->p_harpmatrixes[0] = harpmatrix_create("KORVEL_MANUAL");
     harpmatrix_load_ini(p_organ->p_harpmatrixes[0], "../harpmatrix/korvel.ini", p_organ->random);
     held_keys_reserve(p_korvel->held, korvel_nb_oscs);
@@ -68,7 +64,7 @@ void create_voices(korvel* p_korvel) {
         return korvel_bank_filtered(rate, p_organ->random);
     };
     p_organ->p_keybeds[keybed_bass] =
-        create_keybed(p_korvel, nb_bass_keys, "BASS KEY BED", render_callback_bass);
+        create_keybed(p_korvel, korvel_nb_bass_keys, "BASS KEY BED", render_callback_bass);
 }
 
 void create_vibrato(korvel* p_korvel) {
@@ -101,9 +97,8 @@ void create_filters(korvel* p_korvel) {
     iir_filter_set_coeff_first_order_multi_rate(p_filter, 200.0f, 0);
     iir_filter_set_gain(p_filter, 1.4f);
 
-    p_filter = create_iir(p_organ, filter_out, "out_filter", 1, 1);
-    iir_filter_set_coeff_rc_first_order_multi_rate(p_filter, 6000.0f, 2.2e-9f, 0);
-    contour_filter_design(p_korvel, 6000.0f);
+    create_iir(p_organ, filter_out, "out_filter", 1, 1);
+    contour_filter_set(p_korvel, 0.0f); // the blocks bring it the published design
 
     p_filter = create_iir(p_organ, filter_out_bass, "out_bass_filter", 1, 1);
     iir_filter_set_coeff_rc_first_order_multi_rate(p_filter, 100000.0f, 4.7e-8f, 0);

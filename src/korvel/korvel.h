@@ -18,6 +18,13 @@
 /// before any rate is set.
 constexpr std::array s_rate{88200, 96000, 176400, 192000, 22050, 44100, 48000};
 
+constexpr int korvel_first_note = 24; ///< MIDI, of both keybeds
+constexpr int korvel_nb_manual_keys = 49;
+constexpr int korvel_nb_bass_keys = 12;
+static_assert(korvel_nb_manual_keys <= max_held_keys);
+
+constexpr float korvel_vibrato_depth = 9.0f; ///< frames at the rates that have a bank
+
 enum korvel_filter : std::size_t {
     filter_flute,
     filter_bright,
@@ -33,6 +40,7 @@ constexpr std::size_t korvel_nb_stops = 4; ///< the first filters
 
 enum korvel_keybed : std::size_t { keybed_manual, keybed_bass, korvel_nb_keybeds };
 
+/// "Right" is the engine's out_r, which is the host's first output.
 enum korvel_output_mode : int { output_bass_right, output_bass_left, output_mixed };
 
 /// What the contour filter's low-pass needs, small enough for one atomic word: b1 equals b0.

@@ -8,13 +8,11 @@
 
 namespace {
 
-constexpr unsigned nb_bass_keys = 12;
 constexpr unsigned first_manual_osc = 12;
 constexpr unsigned last_manual_osc = 60;
 constexpr unsigned last_bass_osc = 11;
 constexpr double output_gain = 10000.0;
 constexpr double bass_output_gain = 200.0;
-constexpr float vibrato_depth = 9.0f; ///< frames at a bank's own rate
 
 bool is_on(const std::atomic<float>& value) {
     return value.load(std::memory_order_relaxed) >= 0.5f;
@@ -105,7 +103,7 @@ void write_outputs(const korvel* p_korvel, std::span<float> out_r, std::span<flo
 } // namespace
 
 void render_callback_organ(korvel* p_korvel, playing_key* p_key, unsigned len) noexcept {
-    if (p_key->index < nb_bass_keys && !is_on(p_korvel->bass_chords_on))
+    if (p_key->index < korvel_nb_bass_keys && !is_on(p_korvel->bass_chords_on))
         return;
     if (p_key->key_state == key_sustain && is_whole_block(p_key, len)) {
         held_keys_add(p_korvel->held, p_key->index);
@@ -171,7 +169,8 @@ void korvel_set_sampling_rate(korvel* p_korvel, int sampling_rate) {
     if (is_supported)
         p_korvel->selected_rate = static_cast<std::size_t>(supported - s_rate.begin());
     const int times = is_supported ? sampling_rate / korvel_bank_rate(sampling_rate) : 1;
-    vibrato_set_depth(p_korvel->p_vibrato.get(), 0, vibrato_depth * static_cast<float>(times));
+    vibrato_set_depth(p_korvel->p_vibrato.get(), 0,
+                      korvel_vibrato_depth * static_cast<float>(times));
 }
 
 void korvel_set_output_mode(korvel* p_korvel, int mode) noexcept {

@@ -1,14 +1,9 @@
+#include "organ/midi.h"
 #include "organ/organ.h"
 
 #include <cstddef>
 
 namespace {
-
-constexpr int status_note_off = 0x80;
-constexpr int status_note_on = 0x90;
-constexpr int status_control_change = 0xB0;
-constexpr int cc_all_sound_off = 120;
-constexpr int cc_all_notes_off = 123;
 
 void receive_note(organ* p_organ, const char* midi_data, int channel, int frame_index) {
     for (keybed* p_keybed : p_organ->p_keybeds)
@@ -62,9 +57,9 @@ void learn(control& registry, unsigned cc, unsigned channel) {
 void receive_control_change(organ* p_organ, int cc, int value, int channel, int frame_index) {
     if (cc < 0 || value < 0)
         return;
-    if (cc == cc_all_notes_off && value == 0) {
+    if (cc == midi_all_notes_off && value == 0) {
         all_notes_off(p_organ, channel, frame_index);
-    } else if (cc == cc_all_sound_off && value == 0) {
+    } else if (cc == midi_all_sound_off && value == 0) {
         all_sound_off(p_organ, channel);
     } else if (p_organ->p_control) {
         const auto controller = static_cast<unsigned>(cc);
@@ -78,14 +73,13 @@ void receive_control_change(organ* p_organ, int cc, int value, int channel, int 
 } // namespace
 
 void organ_receive_midi_event(organ* p_organ, const char* midi_data, int frame_index) noexcept {
-    const int status = static_cast<unsigned char>(midi_data[0]);
-    const int channel = (status & 0x0F) + 1;
-    switch (status & 0xF0) {
-    case status_note_off:
-    case status_note_on:
+    const int channel = midi_channel(midi_data);
+    switch (midi_kind(midi_data)) {
+    case midi_note_off:
+    case midi_note_on:
         receive_note(p_organ, midi_data, channel, frame_index);
         break;
-    case status_control_change:
+    case midi_control_change:
         receive_control_change(p_organ, static_cast<signed char>(midi_data[1]),
                                static_cast<signed char>(midi_data[2]), channel, frame_index);
         break;

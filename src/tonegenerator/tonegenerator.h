@@ -41,7 +41,8 @@ struct tonegenerator {
     std::vector<wave_scratch> scratches{}; ///< by oscillator: what it plays where that is computed
 };
 
-/// Returns a tone generator without a bank; the owner installs get_bank before the first rate.
+/// Returns a tone generator without a bank; the owner installs get_bank, which never gives null,
+/// before the first rate.
 [[nodiscard]] tonegenerator* tonegenerator_create(const char* name); ///< [setup]
 
 void tonegenerator_free(tonegenerator* p_tg); ///< null is allowed [setup]

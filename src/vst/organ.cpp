@@ -1,6 +1,8 @@
 #include "vst/organ.h"
 
 #include "korvel/korvel.h"
+#include "organ/midi.h"
+#include "vst/aeffeditor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,8 +22,6 @@ constexpr std::size_t unit_display_size = 16;
 constexpr float lowest_rate = 1000.0f;
 constexpr float highest_rate = 1000000.0f;
 
-constexpr int status_program_change = 0xC0;
-
 void copy_text(char* dest, std::string_view text, std::size_t size) {
     if (!dest)
         return;
@@ -29,16 +29,15 @@ void copy_text(char* dest, std::string_view text, std::size_t size) {
     dest[len] = '\0';
 }
 
-int status_of(const char* midi_data) { return static_cast<unsigned char>(midi_data[0]) & 0xF0; }
-
 /// Notes, and what silences them, have their place in time; everything else acts at once.
 bool is_timed(const char* midi_data) {
-    switch (status_of(midi_data)) {
-    case 0x80:
-    case 0x90:
+    switch (midi_kind(midi_data)) {
+    case midi_note_off:
+    case midi_note_on:
         return true;
-    case 0xB0:
-        return (midi_data[1] == 120 || midi_data[1] == 123) && midi_data[2] == 0;
+    case midi_control_change:
+        return (midi_data[1] == midi_all_sound_off || midi_data[1] == midi_all_notes_off)
+               && midi_data[2] == 0;
     default:
         return false;
     }
@@ -77,7 +76,10 @@ Organ::Organ(audioMasterCallback host, VstInt32 nbPrograms, VstInt32 nbParams, o
     AudioEffectX::resume();
 }
 
+/// The editor first: it looks at the registry.
 Organ::~Organ() {
+    delete editor;
+    setEditor(nullptr);
     program_bank_free(p_prog_bank);
     korvel_free(p_organ);
     control_free(p_control);
@@ -103,7 +105,7 @@ void Organ::setBlockSize(VstInt32 nbFrames) {
 void Organ::reservePieces() { organ_set_block_size(p_organ, max_piece_frames); }
 
 void Organ::processReplacing(float**, float** outputs, VstInt32 sampleFrames) {
-    if (sampleFrames <= 0)
+    if (sampleFrames <= 0 || !outputs || !outputs[0] || !outputs[1])
         return;
     const auto nb_frames = static_cast<std::size_t>(sampleFrames);
     const std::span<float> out_r(outputs[0], nb_frames);
@@ -173,7 +175,7 @@ void Organ::receiveMidi(const VstMidiEvent& event) {
         queueNote({{midi_data[0], midi_data[1], midi_data[2]}, event.deltaFrames});
         return;
     }
-    if (status_of(midi_data) == status_program_change)
+    if (midi_kind(midi_data) == midi_program_change)
         setProgram(static_cast<unsigned char>(midi_data[1]));
 
     p_control_update->nb_parameter_updated = 0;

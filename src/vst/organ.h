@@ -34,6 +34,7 @@ public:
 
     void setParameter(VstInt32 index, float value) override;
     float getParameter(VstInt32 index) override;
+    void getParameterLabel(VstInt32, char*) override {} ///< leaves the host's text as it is
     void getParameterDisplay(VstInt32 index, char* text) override;
     void getParameterName(VstInt32 index, char* text) override;
 

@@ -3,9 +3,10 @@
 
 #include "tests/vst/playing.h"
 
-#include <cerrno>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <pthread.h>
+#include <sched.h>
 #include <semaphore.h>
 #include <unistd.h>
 
@@ -61,31 +62,40 @@ void free(void* block) {
     __libc_free(block);
 }
 
-int pthread_mutex_lock(pthread_mutex_t* mutex) {
+int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
     note();
-    static auto* const original = next<decltype(pthread_mutex_lock)>("pthread_mutex_lock");
-    return original(mutex);
+    *block = __libc_memalign(alignment, size);
+    return *block ? 0 : ENOMEM;
 }
 
-ssize_t write(int file, const void* data, std::size_t size) {
-    note();
-    static auto* const original = next<decltype(write)>("write");
-    return original(file, data, size);
-}
+// Each notes the call and passes it on.
+#define INTERPOSE(result, name, parameters, arguments)                                             \
+    result name parameters {                                                                       \
+        note();                                                                                    \
+        static auto* const original = next<result parameters>(#name);                              \
+        return original arguments;                                                                 \
+    }
 
-ssize_t read(int file, void* data, std::size_t size) {
-    note();
-    static auto* const original = next<decltype(read)>("read");
-    return original(file, data, size);
-}
+INTERPOSE(int, pthread_mutex_lock, (pthread_mutex_t * mutex), (mutex))
+INTERPOSE(int, pthread_rwlock_rdlock, (pthread_rwlock_t * lock), (lock))
+INTERPOSE(int, pthread_rwlock_wrlock, (pthread_rwlock_t * lock), (lock))
+INTERPOSE(int, pthread_cond_wait, (pthread_cond_t * condition, pthread_mutex_t* mutex),
+          (condition, mutex))
+INTERPOSE(int, sem_wait, (sem_t * semaphore), (semaphore))
+INTERPOSE(int, sched_yield, (), ())
+INTERPOSE(int, nanosleep, (const timespec* duration, timespec* rest), (duration, rest))
+INTERPOSE(int, clock_nanosleep,
+          (clockid_t clock, int flags, const timespec* duration, timespec* rest),
+          (clock, flags, duration, rest))
+INTERPOSE(ssize_t, write, (int file, const void* data, std::size_t size), (file, data, size))
+INTERPOSE(ssize_t, read, (int file, void* data, std::size_t size), (file, data, size))
 
 } // extern "C"
 
 namespace {
 
 /// Runs as the audio thread; returns how often something forbidden was called.
-template <typename Function>
-int violations(Function function) {
+int violations(const std::function<void()>& function) {
     nb_violations = 0;
     on_audio_thread = true;
     function();
@@ -94,14 +104,22 @@ int violations(Function function) {
 }
 
 TEST(AudioThread, TheInterposedFunctionsCatchWhatIsForbidden) {
-    EXPECT_GE(violations([] { delete new std::vector<int>(1000); }), 2);
     pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
-    EXPECT_GE(violations([&] {
-                  pthread_mutex_lock(&mutex);
-                  pthread_mutex_unlock(&mutex);
-              }),
-              1);
-    EXPECT_GE(violations([] { EXPECT_EQ(write(1, "", 0), 0); }), 1);
+    pthread_rwlock_t lock = PTHREAD_RWLOCK_INITIALIZER;
+    sem_t semaphore;
+    sem_init(&semaphore, 0, 1);
+    const timespec no_time{};
+    const std::pair<const char*, std::function<void()>> rows[] = {
+        {"new and delete", [] { delete new std::vector<int>(1000); }},
+        {"lock", [&] { pthread_mutex_lock(&mutex); }},
+        {"read lock", [&] { pthread_rwlock_rdlock(&lock); }},
+        {"semaphore", [&] { sem_wait(&semaphore); }},
+        {"yield", [] { sched_yield(); }},
+        {"sleep", [&] { nanosleep(&no_time, nullptr); }},
+        {"write", [] { EXPECT_EQ(write(1, "", 0), 0); }},
+    };
+    for (const auto& [name, forbidden] : rows)
+        EXPECT_GE(violations(forbidden), 1) << name;
 }
 
 TEST(AudioThread, NothingAllocatesLocksOrWaits) {
