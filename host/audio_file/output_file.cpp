@@ -6,6 +6,8 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -39,19 +41,28 @@ output_file::~output_file() {
         fs::remove(temporary_, error);
 }
 
-void output_file::open_beside() {
+template <typename Claim>
+void output_file::claim_temporary(Claim claim) {
     const std::string prefix = ".tindelwax-" + std::to_string(process_id()) + "-";
-    for (int i = 0; !p_stream_; ++i) {
+    for (int i = 0; temporary_.empty(); ++i) {
         const fs::path candidate = file_.parent_path() / (prefix + std::to_string(i) + ".part");
-        p_stream_ = create_new_file(candidate);
-        if (p_stream_)
+        if (claim(candidate))
             temporary_ = candidate;
         else if (errno != EEXIST)
             fail(errno);
     }
 }
 
+void output_file::open_beside() {
+    p_stream_ = open_nameless_file(file_.parent_path());
+    if (!p_stream_)
+        claim_temporary([this](const fs::path& name) {
+            return (p_stream_ = create_new_file(name)) != nullptr;
+        });
+}
+
 void output_file::open_in_memory() {
+    is_in_memory_ = true;
     p_stream_ = open_memory_file();
     if (!p_stream_)
         fail(errno);
@@ -60,22 +71,28 @@ void output_file::open_in_memory() {
 void output_file::finish() {
     if (std::fflush(p_stream_) != 0 || std::ferror(p_stream_))
         fail(errno);
-    if (temporary_.empty()) {
-        if (p_receiver_)
-            return copy_to(p_receiver_);
-        std::FILE* p_device = std::fopen(file_.c_str(), "wb");
-        if (!p_device)
-            fail(errno);
-        copy_to(p_device);
-        std::fclose(p_device);
-        return;
-    }
-    close_stream();
+    if (is_in_memory_)
+        return pass_on();
+    // A link never replaces a file, so a nameless stream needs a name before the final one too.
+    if (temporary_.empty())
+        claim_temporary([this](const fs::path& name) { return name_file(p_stream_, name); });
+    close(std::exchange(p_stream_, nullptr));
     std::error_code error;
     fs::rename(temporary_, file_, error);
     if (error)
         fail(error.value());
     temporary_.clear();
+}
+
+void output_file::pass_on() {
+    if (p_receiver_)
+        return copy_to(p_receiver_);
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> device{std::fopen(file_.c_str(), "wb"),
+                                                           std::fclose};
+    if (!device)
+        fail(errno);
+    copy_to(device.get());
+    close(device.release());
 }
 
 void output_file::copy_to(std::FILE* p_receiver) {
@@ -88,14 +105,14 @@ void output_file::copy_to(std::FILE* p_receiver) {
         fail(errno);
 }
 
-void output_file::close_stream() {
-    std::FILE* p_stream = p_stream_;
-    p_stream_ = nullptr;
+void output_file::close(std::FILE* p_stream) {
     if (std::fclose(p_stream) != 0)
         fail(errno);
 }
 
 void output_file::fail(int error_number) const {
-    throw failure{exit_failed, "cannot write " + name_ + ": " + std::strerror(error_number)
-                                   + "; choose another place with -o"};
+    const char* next_step = error_number == EPIPE ? "its reader ended before it had all; see why"
+                                                  : "choose another place with -o";
+    throw failure{exit_failed,
+                  "cannot write " + name_ + ": " + std::strerror(error_number) + "; " + next_step};
 }

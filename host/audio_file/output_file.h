@@ -1,6 +1,7 @@
 #pragma once
 /// A file that appears under its name only when it is whole. Until then it grows beside that name,
-/// or in memory where it goes into a pipe, which cannot be rewound to complete a header.
+/// nameless if the file system allows it, so that nothing stays if an instrument takes the process
+/// down; or in memory where it goes into a pipe, which cannot be rewound to complete a header.
 
 #include <cstdio>
 #include <filesystem>
@@ -32,12 +33,18 @@ public:
 private:
     void open_beside();
     void open_in_memory();
+    void pass_on();
     void copy_to(std::FILE* p_receiver);
-    void close_stream();
+    void close(std::FILE* p_stream);
+
+    /// Takes the first free name beside the file with which `claim` succeeds.
+    template <typename Claim>
+    void claim_temporary(Claim claim);
 
     std::string name_; // for messages
     std::filesystem::path file_{};
-    std::filesystem::path temporary_{}; // empty for a file in memory
-    std::FILE* p_receiver_ = nullptr;   // not owned
+    std::filesystem::path temporary_{}; // empty as long as the stream has no name
+    bool is_in_memory_ = false;
+    std::FILE* p_receiver_ = nullptr; // not owned
     std::FILE* p_stream_ = nullptr;
 };

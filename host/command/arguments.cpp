@@ -16,12 +16,6 @@ std::optional<Number> parse_number(std::string_view text) {
     return is_whole && !text.empty() ? std::optional{number} : std::nullopt;
 }
 
-std::string lower_case(std::string text) {
-    for (char& c : text)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    return text;
-}
-
 [[noreturn]] void misuse(const std::string& sentence) { throw failure{exit_misused, sentence}; }
 
 std::string joined(const std::vector<std::string>& names) {
@@ -32,6 +26,12 @@ std::string joined(const std::vector<std::string>& names) {
 }
 
 } // namespace
+
+std::string lower_case(std::string text) {
+    for (char& c : text)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return text;
+}
 
 std::bitset<16> parse_channels(const std::string& list) {
     std::bitset<16> channels;

@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+/// ASCII letters only, whatever the locale.
+[[nodiscard]] std::string lower_case(std::string text);
+
 /// Channel numbers and ranges such as "1,3-5", or "all". Bit 0 is channel 1.
 [[nodiscard]] std::bitset<16> parse_channels(const std::string& list);
 

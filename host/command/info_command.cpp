@@ -102,7 +102,10 @@ std::string parameter_table(plugin& instrument) {
 } // namespace
 
 std::string info_text(const std::filesystem::path& plugin_file) {
-    plugin_try(plugin_file);
+    const auto describe = [](plugin& instrument) {
+        return identity_text(instrument) + parameter_table(instrument);
+    };
+    plugin_try(plugin_file, describe);
     plugin instrument{plugin_file};
-    return identity_text(instrument) + parameter_table(instrument);
+    return describe(instrument);
 }

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <sstream>
+#include <utility>
 
 namespace {
 
@@ -40,9 +41,10 @@ void add_file_options(CLI::App& app, render_request& request) {
                    "the current folder; standard output for song -)")
         ->option_text("OUT");
     app.add_option("--bits", request.nb_bits,
-                   "16 or 24 whole-number bits (WAV: 32-bit float, FLAC: 24)")
+                   "16 or 24 whole-number bits, or in WAV 32-bit float\n"
+                   "(the finest: WAV 32, FLAC 24)")
         ->option_text("N")
-        ->check(CLI::IsMember({16, 24}));
+        ->check(CLI::IsMember({16, 24, 32}));
     app.add_option("--rate", request.rate_hz, "frames a second (48000)")
         ->option_text("HZ")
         ->check(within(8000, 192000));
@@ -105,6 +107,17 @@ CLI::App* add_render(CLI::App& app, render_request& request) {
     return render;
 }
 
+std::string complaint_text(const CLI::App& app, const CLI::ParseError& error) {
+    if (!app.get_subcommands().empty())
+        return error.what();
+    const auto rest = app.remaining();
+    std::string text = rest.empty() ? "a command is missing" : '"' + rest[0] + "\" is no command";
+    const char* separator = "; the commands are ";
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        text += std::exchange(separator, ", ") + command->get_name();
+    return text;
+}
+
 void print(std::FILE* p_output, const std::string& text) {
     if (p_output)
         std::fputs(text.c_str(), p_output);
@@ -133,7 +146,7 @@ void run(std::vector<std::string> arguments, std::FILE* p_output) {
         std::ostringstream asked_for;
         std::ostringstream complaint;
         if (app.exit(end, asked_for, complaint) != 0)
-            throw failure{exit_misused, std::string{end.what()} + " (--help tells more)"};
+            throw failure{exit_misused, complaint_text(app, end) + " (--help tells more)"};
         return print(p_output, asked_for.str());
     }
     if (render->parsed())

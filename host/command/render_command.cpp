@@ -2,10 +2,11 @@
 
 #include "audio_file/audio_file.h"
 #include "command/arguments.h"
-#include "command/interrupt.h"
+#include "command/output_choice.h"
 #include "command/progress_bar.h"
 #include "command/song_input.h"
 #include "command/sound_writer.h"
+#include "platform/interrupt.h"
 #include "platform/streams.h"
 #include "render/render.h"
 #include "report/keyboard.h"
@@ -15,42 +16,15 @@
 #include <chrono>
 #include <cmath>
 
-namespace fs = std::filesystem;
-
 namespace {
 
 // A damaged delta time can stretch a song to years.
 constexpr double max_unasked_seconds = 30 * 60;
 
+// What most crashes come before, and nobody waits for.
+constexpr double rehearsed_seconds = 0.1;
+
 [[noreturn]] void misuse(const std::string& sentence) { throw failure{exit_misused, sentence}; }
-
-/// Where the audio goes: "-" or a file's name.
-std::string choose_output(const render_request& request, std::FILE* p_output) {
-    std::string output = request.output;
-    if (output.empty())
-        output = request.song == "-"
-                     ? "-"
-                     : fs::path{request.song}.filename().replace_extension(".wav").string();
-    if (output == "-" && is_terminal(p_output))
-        misuse("standard output is a terminal; name the audio file with -o FILE");
-    std::error_code error;
-    if (output != "-" && fs::equivalent(request.song, output, error))
-        misuse("the audio would replace the song " + request.song + "; name its file with -o FILE");
-    return output;
-}
-
-audio_format choose_format(const render_request& request, const std::string& output) {
-    std::string extension = output == "-" ? ".wav" : fs::path{output}.extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char c) { return static_cast<char>(std::tolower(c)); });
-    if (extension != ".wav" && extension != ".flac")
-        misuse("the name of the audio file " + output + " must end in .wav or .flac");
-    const bool is_flac = extension == ".flac";
-    const int finest = is_flac ? 24 : 32;
-    return {.is_flac = is_flac,
-            .nb_bits = request.nb_bits ? request.nb_bits : finest,
-            .rate_hz = request.rate_hz};
-}
 
 void check_length(const render_request& request, const midi_song& song,
                   const audio_format& format) {
@@ -70,6 +44,28 @@ struct timing {
     double elapsed_seconds;
 };
 
+render_options options_of(const render_request& request) {
+    return {request.rate_hz, request.block_frames, request.tail_seconds};
+}
+
+void set_up(plugin& instrument, const render_request& request) {
+    instrument.prepare(request.rate_hz, request.block_frames);
+    apply_settings(instrument, request.settings);
+}
+
+/// Sets up and plays the song's beginning, unheard.
+void rehearse(plugin& instrument, const score& music, const midi_song& song,
+              const render_request& request) {
+    set_up(instrument, request);
+    const auto goes_on = [&request, seconds = 0.0](double) mutable {
+        const double before = seconds; // so that one block is played, however long
+        seconds += static_cast<double>(request.block_frames) / request.rate_hz;
+        return before < rehearsed_seconds;
+    };
+    (void)render_score(instrument, music, song.tempi, options_of(request),
+                       {.hear = [](std::span<const float>) {}, .goes_on = goes_on});
+}
+
 timing render_sound(plugin& instrument, const score& music, const midi_song& song,
                     const render_request& request, sound_writer& writer) {
     const auto start = std::chrono::steady_clock::now();
@@ -85,8 +81,7 @@ timing render_sound(plugin& instrument, const score& music, const midi_song& son
                                            bar.show(done);
                                            return !interrupt_requested();
                                        }};
-    const render_options options{request.rate_hz, request.block_frames, request.tail_seconds};
-    if (!render_score(instrument, music, song.tempi, options, listener))
+    if (!render_score(instrument, music, song.tempi, options_of(request), listener))
         throw failure{exit_failed, "interrupted; nothing was written"};
     writer.finish();
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
@@ -109,26 +104,28 @@ void print(std::FILE* stream, const std::string& text) {
 } // namespace
 
 void render_run(const render_request& request, std::FILE* p_output) {
-    const std::string output_name = choose_output(request, p_output);
-    audio_format format = choose_format(request, output_name);
+    const std::string output_name = output_choose(request, p_output);
     score_options arrangement{.transposition = request.transposition,
                               .max_seconds = request.length_seconds};
     if (!request.channels.empty())
         arrangement.channels = parse_channels(request.channels);
     const midi_song song = song_read(request.song);
+    audio_format format =
+        output_choose_format(request, output_name); // the song may have given the name
     check_length(request, song, format);
     const score music = score_arrange(song, arrangement, request.rate_hz);
 
     set_environment("TINDELWAX_SEED", std::to_string(request.seed).c_str());
-    plugin_try(request.plugin_file);
+    plugin_try(request.plugin_file,
+               [&](plugin& instrument) { rehearse(instrument, music, song, request); });
     plugin instrument{request.plugin_file};
-    instrument.prepare(request.rate_hz, request.block_frames);
-    apply_settings(instrument, request.settings);
+    set_up(instrument, request);
     format.nb_channels = std::max(1, instrument.nb_channels());
 
     interrupt_catch();
     const bool goes_out = output_name == "-";
-    auto output = goes_out ? output_file{p_output} : output_file{fs::path{output_name}};
+    auto output =
+        goes_out ? output_file{p_output} : output_file{std::filesystem::path{output_name}};
     audio_file file{output, format};
     sound_writer writer = make_writer(file, request);
     const timing times = render_sound(instrument, music, song, request, writer);

@@ -14,6 +14,14 @@
 /// A file without a name that lives in memory and is gone when closed; null on failure.
 [[nodiscard]] std::FILE* open_memory_file();
 
+/// A file on the folder's disk that has no name yet and vanishes with the process; null where the
+/// file system knows no such files, or on failure.
+[[nodiscard]] std::FILE* open_nameless_file(const std::filesystem::path& folder);
+
+/// Gives a nameless file a name that must not exist yet. Returns whether that worked; if not, the
+/// reason is in errno.
+[[nodiscard]] bool name_file(std::FILE* stream, const std::filesystem::path& file);
+
 /// Creates a file that must not exist yet; null on failure, with the reason in errno.
 [[nodiscard]] std::FILE* create_new_file(const std::filesystem::path& file);
 

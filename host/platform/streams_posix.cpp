@@ -6,6 +6,13 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+namespace {
+
+// Without privileges a descriptor can be linked only by way of here.
+constexpr const char* descriptor_folder = "/proc/self/fd";
+
+} // namespace
+
 std::FILE* claim_standard_output() {
     const int real_output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
@@ -21,6 +28,19 @@ bool is_terminal(std::FILE* stream) { return stream && isatty(fileno(stream)); }
 std::FILE* open_memory_file() {
     const int descriptor = memfd_create("tindelwax", MFD_CLOEXEC);
     return descriptor < 0 ? nullptr : fdopen(descriptor, "w+b");
+}
+
+std::FILE* open_nameless_file(const std::filesystem::path& folder) {
+    if (access(descriptor_folder, X_OK) != 0)
+        return nullptr;
+    const int descriptor =
+        open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
+    return descriptor < 0 ? nullptr : fdopen(descriptor, "w+b");
+}
+
+bool name_file(std::FILE* stream, const std::filesystem::path& file) {
+    const auto source = std::filesystem::path{descriptor_folder} / std::to_string(fileno(stream));
+    return linkat(AT_FDCWD, source.c_str(), AT_FDCWD, file.c_str(), AT_SYMLINK_FOLLOW) == 0;
 }
 
 std::FILE* create_new_file(const std::filesystem::path& file) {

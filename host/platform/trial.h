@@ -5,9 +5,9 @@
 #include <functional>
 #include <string>
 
-/// Runs `attempt` in a copy of this process, its output silenced, and returns the attempt's answer:
-/// a complaint, cut at 4095 bytes, or nothing. If the child ends or hangs before it answers, the
-/// complaint is a sentence about `subject`. Only before this process starts a second thread.
+/// Runs `attempt` in a copy of this process, its output silenced. Returns nothing if it comes back,
+/// even by an exception; if the child ends or hangs instead, a sentence about `subject`. Only
+/// before this process starts a second thread.
 [[nodiscard]] std::string trial_run(const std::string& subject,
-                                    const std::function<std::string()>& attempt,
+                                    const std::function<void()>& attempt,
                                     std::chrono::seconds limit);

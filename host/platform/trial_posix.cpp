@@ -5,44 +5,61 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
-#include <optional>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
-constexpr char answer_mark = '>'; // before the answer, so that an empty one differs from none
+enum class outcome { came_back, ended, hangs };
 
-[[noreturn]] void run_child(int answer_pipe, const std::function<std::string()>& attempt) {
+[[noreturn]] void run_child(int answer_pipe, const std::function<void()>& attempt) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // one that hangs must not outlive a parent that is stopped
     const int nowhere = open("/dev/null", O_WRONLY);
     dup2(nowhere, STDOUT_FILENO);
     dup2(nowhere, STDERR_FILENO);
-    const std::string answer = answer_mark + attempt().substr(0, 4096 - 1);
-    const bool written = write(answer_pipe, answer.data(), answer.size()) > 0;
+    try {
+        attempt();
+    } catch (...) {
+    }
+    const bool written = write(answer_pipe, "", 1) == 1;
     _exit(written ? 0 : 1);
 }
 
-/// What the child wrote; empty if it ended without, nothing if it is still silent at the limit.
-std::optional<std::string> wait_for_answer(int answer_pipe, std::chrono::seconds limit) {
+/// Repeats a system call that a signal cut short.
+template <typename Call>
+auto uninterrupted(Call call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
+
+outcome wait_for_answer(int answer_pipe, std::chrono::seconds limit) {
+    using namespace std::chrono;
+    const auto deadline = steady_clock::now() + limit;
     pollfd waiting{answer_pipe, POLLIN, 0};
-    const int timeout = static_cast<int>(std::chrono::milliseconds{limit}.count());
-    if (poll(&waiting, 1, timeout) <= 0)
-        return std::nullopt;
-    std::array<char, 4096> answer{};
-    const auto nb_bytes = read(answer_pipe, answer.data(), answer.size());
-    return std::string(answer.data(), nb_bytes > 0 ? static_cast<std::size_t>(nb_bytes) : 0);
+    const int nb_ready = uninterrupted([&] {
+        const auto rest = ceil<milliseconds>(deadline - steady_clock::now()).count();
+        return poll(&waiting, 1, rest > 0 ? static_cast<int>(rest) : 0);
+    });
+    if (nb_ready <= 0)
+        return outcome::hangs;
+    char answer = 0;
+    const auto nb_bytes = uninterrupted([&] { return read(answer_pipe, &answer, 1); });
+    return nb_bytes == 1 ? outcome::came_back : outcome::ended;
 }
 
 std::string describe_end(int status) {
     if (WIFSIGNALED(status))
-        return std::string{" crashes while it loads ("} + strsignal(WTERMSIG(status)) + ")";
-    return " ends the process while it loads";
+        return std::string{" crashes in a trial run ("} + strsignal(WTERMSIG(status)) + ")";
+    return " ends the process in a trial run";
 }
 
 } // namespace
 
-std::string trial_run(const std::string& subject, const std::function<std::string()>& attempt,
+std::string trial_run(const std::string& subject, const std::function<void()>& attempt,
                       std::chrono::seconds limit) {
     std::array<int, 2> ends{};
     const bool has_pipe = pipe2(ends.data(), O_CLOEXEC) == 0;
@@ -53,14 +70,14 @@ std::string trial_run(const std::string& subject, const std::function<std::strin
         run_child(ends[1], attempt);
     close(ends[1]);
 
-    const auto answer = wait_for_answer(ends[0], limit);
+    const outcome end = wait_for_answer(ends[0], limit);
     close(ends[0]);
-    if (!answer)
+    if (end == outcome::hangs)
         kill(child, SIGKILL);
     int status = 0;
-    waitpid(child, &status, 0);
-    if (!answer)
-        return subject + " does not finish loading within " + std::to_string(limit.count())
+    uninterrupted([&] { return waitpid(child, &status, 0); });
+    if (end == outcome::hangs)
+        return subject + " does not finish a trial run within " + std::to_string(limit.count())
                + " seconds";
-    return answer->empty() ? subject + describe_end(status) : answer->substr(1);
+    return end == outcome::ended ? subject + describe_end(status) : std::string{};
 }

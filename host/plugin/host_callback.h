@@ -5,14 +5,6 @@
 
 #include <string>
 
-/// VstTimeInfo::flags
-enum time_flags : VstInt32 {
-    time_transport_changed = 1 << 0,
-    time_playing = 1 << 1,
-    time_quarters_valid = 1 << 9,
-    time_tempo_valid = 1 << 10
-};
-
 struct host_state {
     std::string plugin_folder;
     double rate_hz = 48000;

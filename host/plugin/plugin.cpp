@@ -8,7 +8,9 @@
 namespace {
 
 constexpr std::chrono::seconds trial_limit{20};
-constexpr int max_channels = 1024; // a record that says more is no record
+// A record that says more is no record.
+constexpr int max_channels = 1024;
+constexpr int max_parameters = 65536;
 
 // The published lengths are 8 to 64 bytes, and instruments write past them.
 constexpr std::size_t text_capacity = 4096;
@@ -67,6 +69,8 @@ void plugin::create(const std::filesystem::path& file) {
     if (effect.numInputs < 0 || effect.numInputs > max_channels || effect.numOutputs < 0
         || effect.numOutputs > max_channels)
         fail(file, "claims an impossible number of channels");
+    if (effect.numParams < 0 || effect.numParams > max_parameters)
+        fail(file, "claims an impossible number of parameters");
 }
 
 plugin::~plugin() {
@@ -75,7 +79,7 @@ plugin::~plugin() {
     host_callback_serve(nullptr);
 }
 
-int plugin::nb_parameters() const { return std::max(p_effect_->numParams, 0); }
+int plugin::nb_parameters() const { return p_effect_->numParams; }
 
 int plugin::nb_channels() const { return std::min(p_effect_->numOutputs, 2); }
 
@@ -137,19 +141,15 @@ std::span<const float> plugin::output(int channel) const {
     return outputs_[static_cast<std::size_t>(channel)];
 }
 
-void plugin_try(const std::filesystem::path& file) {
+void plugin_try(const std::filesystem::path& file, const std::function<void(plugin&)>& rehearse) {
     std::error_code error;
     if (!std::filesystem::exists(file, error))
         fail(file, "is missing; name the plug-in's file with --plugin FILE");
-    const auto load_and_close = [&file]() -> std::string {
-        try {
-            const plugin loaded{file};
-            return {};
-        } catch (const std::exception& refusal) {
-            return refusal.what();
-        }
+    const auto load_and_close = [&] {
+        plugin loaded{file};
+        rehearse(loaded);
     };
     const std::string complaint = trial_run(file.string(), load_and_close, trial_limit);
     if (!complaint.empty())
-        throw failure{exit_failed, complaint};
+        throw failure{exit_failed, complaint + "; choose another with --plugin FILE"};
 }

@@ -7,6 +7,7 @@
 #include "plugin/host_callback.h"
 
 #include <filesystem>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -62,6 +63,7 @@ private:
     std::vector<float*> p_outputs_{};
 };
 
-/// Loads, opens and closes the plug-in in a child process. Throws a failure if it does not survive
-/// or is none, so that a plug-in that passed may be loaded into this process.
-void plugin_try(const std::filesystem::path& file);
+/// Loads the plug-in in a child process, rehearses there what is planned with it, and closes it.
+/// Throws a failure if there is no such file or the child does not survive. Whatever else the
+/// plug-in refuses, it refuses again in this process, into which it may be loaded now.
+void plugin_try(const std::filesystem::path& file, const std::function<void(plugin&)>& rehearse);

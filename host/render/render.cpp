@@ -72,8 +72,8 @@ private:
         time.samplePos = static_cast<double>(frame);
         time.ppqPos = tempo.quarters + (seconds - tempo.seconds) * quarters_per_second;
         time.tempo = 60 * quarters_per_second;
-        time.flags = time_playing | time_quarters_valid | time_tempo_valid
-                     | (frame == 0 ? time_transport_changed : 0);
+        time.flags = kVstTransportPlaying | kVstPpqPosValid | kVstTempoValid
+                     | (frame == 0 ? kVstTransportChanged : 0);
     }
 
     void send_events(std::uint64_t frame, std::uint64_t end_frame) {

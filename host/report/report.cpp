@@ -57,8 +57,9 @@ std::string report_text(const render_report& report) {
     if (report.levels.nb_invalid > 0)
         text += count_text(report.levels.nb_invalid, "sample")
                 + " from the instrument were no numbers and became silence\n";
-    std::array<char, 64> speed{};
-    std::snprintf(speed.data(), speed.size(), "%.0f times faster than real time\n",
-                  report.seconds / std::max(report.elapsed_seconds, 1e-6));
-    return text + speed.data();
+    const double speed = report.seconds / std::max(report.elapsed_seconds, 1e-6);
+    std::array<char, 64> line{};
+    std::snprintf(line.data(), line.size(), "%.*f times faster than real time\n",
+                  speed < 9.95 ? 1 : 0, speed); // 9.95 and more would read 10.0
+    return text + line.data();
 }

@@ -268,7 +268,15 @@ struct VstTimeInfo {
     VstInt32 smpteOffset;
     VstInt32 smpteFrameRate;
     VstInt32 samplesToNextClock;
-    VstInt32 flags;
+    VstInt32 flags; ///< VstTimeInfoFlags
+};
+
+/// Of the published ones, those in use.
+enum VstTimeInfoFlags : VstInt32 {
+    kVstTransportChanged = 1 << 0,
+    kVstTransportPlaying = 1 << 1,
+    kVstPpqPosValid = 1 << 9,
+    kVstTempoValid = 1 << 10,
 };
 
 struct ERect {

@@ -3,9 +3,37 @@
 #include "failure/failure.h"
 #include "tests/temporary_folder.h"
 
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sndfile.h>
-#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+bool denies_nameless_files = false;
+bool knows_nameless_files = false; ///< of the file system, as last seen
+} // namespace
+
+/// Takes the place of the system's function, to play a file system without nameless files.
+extern "C" int open(const char* name, int flags, ...) {
+    std::va_list more;
+    va_start(more, flags);
+    const mode_t mode = va_arg(more, mode_t);
+    va_end(more);
+    const bool is_nameless = (flags & O_TMPFILE) == O_TMPFILE;
+    if (is_nameless && denies_nameless_files) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+    const auto descriptor = static_cast<int>(syscall(SYS_openat, AT_FDCWD, name, flags, mode));
+    if (is_nameless)
+        knows_nameless_files = descriptor >= 0;
+    return descriptor;
+}
 
 namespace {
 
@@ -16,6 +44,13 @@ void write_samples(const std::string& name, const audio_format& format) {
     audio_file file{output, format};
     file.write(samples);
     file.finish();
+}
+
+/// The number that the next file to be opened gets.
+int free_descriptor() {
+    const int descriptor = dup(STDERR_FILENO);
+    close(descriptor);
+    return descriptor;
 }
 
 struct AudioFile : testing::Test {
@@ -57,19 +92,23 @@ TEST_F(AudioFile, HoldsNoChunkWithTheTimeOfDay) {
 }
 
 TEST_F(AudioFile, ThePreviousFileStaysUntilTheNewOneIsWhole) {
-    file_write(folder / "a.wav", std::string{"before"});
-    {
-        output_file output{std::filesystem::path{folder / "a.wav"}};
-        audio_file file{output, {}};
-        file.write(samples);
+    for (const bool denied : {false, true}) {
+        denies_nameless_files = denied;
+        file_write(folder / "a.wav", std::string{"before"});
+        {
+            output_file output{std::filesystem::path{folder / "a.wav"}};
+            audio_file file{output, {}};
+            file.write(samples);
+            EXPECT_EQ(file_content(folder / "a.wav"), "before");
+            EXPECT_EQ(folder.nb_files() == 2, denied || !knows_nameless_files);
+        }
         EXPECT_EQ(file_content(folder / "a.wav"), "before");
-        EXPECT_EQ(folder.nb_files(), 2u);
+        EXPECT_EQ(folder.nb_files(), 1u) << "the unfinished file stayed";
+        write_samples(folder / "a.wav", {});
+        EXPECT_EQ(file_content(folder / "a.wav").substr(0, 4), "RIFF");
+        EXPECT_EQ(folder.nb_files(), 1u);
     }
-    EXPECT_EQ(file_content(folder / "a.wav"), "before");
-    EXPECT_EQ(folder.nb_files(), 1u) << "the unfinished file stayed";
-    write_samples(folder / "a.wav", {});
-    EXPECT_EQ(file_content(folder / "a.wav").substr(0, 4), "RIFF");
-    EXPECT_EQ(folder.nb_files(), 1u);
+    denies_nameless_files = false;
 }
 
 TEST_F(AudioFile, ALinkKeepsLeadingToTheFile) {
@@ -96,12 +135,33 @@ TEST_F(AudioFile, AFullDeviceIsNoticed) {
     for (const std::size_t nb_samples : {2u, 100000u}) { // less than the stream's buffer, and more
         std::FILE* p_full = std::fopen("/dev/full", "wb");
         ASSERT_TRUE(p_full);
-        output_file output{p_full};
-        audio_file file{output, {}};
-        file.write(std::vector<float>(nb_samples));
-        EXPECT_THROW(file.finish(), failure) << nb_samples << " samples";
+        output_file to_stream{p_full};
+        output_file by_name{std::filesystem::path{"/dev/full"}};
+        for (output_file* p_output : {&to_stream, &by_name}) {
+            audio_file file{*p_output, {}};
+            file.write(std::vector<float>(nb_samples));
+            const int free_before = free_descriptor();
+            EXPECT_THROW(file.finish(), failure) << nb_samples << " samples";
+            EXPECT_EQ(free_descriptor(), free_before) << "the device stayed open";
+        }
         std::fclose(p_full);
     }
+}
+
+TEST_F(AudioFile, ABrokenPipeIsNoMatterOfPlace) {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    close(ends[0]);
+    std::FILE* p_pipe = fdopen(ends[1], "wb");
+    try {
+        output_file output{p_pipe};
+        audio_file{output, {}}.finish();
+        ADD_FAILURE();
+    } catch (const failure& refusal) {
+        EXPECT_EQ(std::string{refusal.what()}.find("-o"), std::string::npos) << refusal.what();
+    }
+    std::fclose(p_pipe);
 }
 
 TEST(AudioFormat, WavFilesEndBelowFourGibibytes) {

@@ -3,9 +3,12 @@
 #include "tests/temporary_folder.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstring>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <unistd.h>
 
 namespace {
 
@@ -121,7 +124,7 @@ TEST_F(Command, ARestIsNotTheEnd) {
 
 TEST_F(Command, TheSameCommandGivesTheSameBytes) {
     (void)run({"render", "song.mid", "-o", "a.wav"});
-    (void)run({"render", "song.mid", "-o", "b.wav"});
+    (void)run({"render", "song.mid", "-o", "b.wav", "--bits", "32"});
     (void)run({"render", "song.mid", "-o", "c.wav", "--seed", "2"});
     EXPECT_EQ(file_content(folder / "a.wav"), file_content(folder / "b.wav"));
     EXPECT_NE(file_content(folder / "a.wav"), file_content(folder / "c.wav"));
@@ -213,7 +216,9 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
     file_write(folder / "noise.so", std::string{"no library"});
     const auto before = folder.nb_files();
     const complaint rows[] = {
-        {{}, "", 2, "subcommand"},
+        {{}, "", 2, "a command is missing; the commands are render, info"},
+        {{"bogus"}, "", 2, "\"bogus\" is no command; the commands are render, info"},
+        {{"--loud"}, "", 2, "\"--loud\" is no command"},
         {{"render"}, "", 2, "song"},
         {{"render", "song.mid", "--rate", "nan"}, "", 2, "--rate"},
         {{"render", "song.mid", "--tail", "6"}, "", 2, "--tail"},
@@ -225,8 +230,12 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
         {{"render", "song.mid", "--set", "Depth=1"}, "sine_main", 2, "Volume, Vibrato, Mix, MIX"},
         {{"render", "song.mid", "--set", "mix=1"}, "sine_main", 2, "more than one"},
         {{"render", "song.mid", "-o", "song.mp3"}, "sine_main", 2, ".wav or .flac"},
+        {{"render", "song.mid", "-o", "song.w\xE4v"}, "sine_main", 2, ".wav or .flac"},
+        {{"render", "song.mid", "-o", "./.WAV"}, "sine_main", 2, "call it song.WAV"},
+        {{"render", "song.mid", "-o", "a.flac", "--bits", "32"}, "sine_main", 2, "FLAC"},
         {{"render", "none.mid"}, "sine_main", 2, "none.mid cannot be read: No such file"},
         {{"render", "."}, "sine_main", 2, "directory"},
+        {{"render", "./"}, "sine_main", 2, "./ cannot be read: Is a directory"},
         {{"render", "noise.mid"}, "sine_main", 2, "noise.mid is no MIDI file"},
         {{"render", "/dev/zero"}, "sine_main", 2, "8 MiB"},
         {{"render", "endless.mid"}, "sine_main", 2, "--length"},
@@ -235,9 +244,10 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
          1,
          "no/folder/a.wav: No such"},
         {{"render", "song.mid"}, "answers_null", 1, "refuses to start"},
-        {{"render", "song.mid"}, "aborts", 1, "crashes while it loads (Aborted)"},
-        {{"render", "song.mid"}, "exits", 1, "ends the process while it loads"},
+        {{"render", "song.mid"}, "aborts", 1, "crashes in a trial run (Aborted)"},
+        {{"render", "song.mid"}, "exits", 1, "ends the process in a trial run"},
         {{"render", "song.mid"}, "answers_rubbish", 1, "answers something else"},
+        {{"info"}, "endless_parameters", 1, "impossible number of parameters"},
         {{"info"}, "has_no_entry", 1, "exports neither main nor VSTPluginMain"},
         {{"info"}, "no_such_plugin", 1, "is missing"},
         {{"info", "--plugin", "noise.so"}, "", 1, "noise.so is no plug-in: "},
@@ -250,6 +260,31 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
         EXPECT_EQ(nb_lines(result.err), 1) << result.err;
         EXPECT_EQ(result.out, "") << row.part;
         EXPECT_EQ(folder.nb_files(), before) << row.part;
+    }
+}
+
+TEST_F(Command, WhateverStopsARenderLeavesNoFile) {
+    const int nameless = open(folder.path.c_str(), O_TMPFILE | O_WRONLY, 0600);
+    close(nameless);
+    struct stop {
+        const char* signals; ///< from a frame on; the trial run ends before 20000
+        const char* block;
+        int status;
+        std::string part;
+    };
+    for (const stop& row : {stop{"0 6", "64", 1, "crashes in a trial run (Aborted)"},
+                            {"0 6", "65536", 1, "crashes in a trial run (Aborted)"},
+                            {"20000 6", "64", 128 + SIGABRT, ""},
+                            {"20000 15", "64", 1, "interrupted; nothing was written"},
+                            {"20000 2 2", "64", 128 + SIGINT, ""},
+                            {"20000 15 2", "64", 128 + SIGINT, ""}}) {
+        surroundings.environment["TINDELWAX_TEST_SIGNALS"] = row.signals;
+        const process_result result = run({"render", "song.mid", "--block", row.block});
+        EXPECT_EQ(result.status, row.status) << row.signals << result.err;
+        EXPECT_TRUE(contains(result.err, row.part)) << row.signals << result.err;
+        if (nameless >= 0) { // else a process that dies leaves its temporary
+            EXPECT_EQ(folder.nb_files(), 1u) << row.signals;
+        }
     }
 }
 

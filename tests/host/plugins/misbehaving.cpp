@@ -10,6 +10,7 @@
 #define FAULT_EXITS 3
 #define FAULT_ANSWERS_RUBBISH 4
 #define FAULT_HAS_NO_ENTRY 5
+#define FAULT_ENDLESS_PARAMETERS 6
 
 #if FAULT == FAULT_HAS_NO_ENTRY
 extern "C" __attribute__((visibility("default"))) int unrelated() { return 0; }
@@ -21,8 +22,10 @@ VSTPluginMain(audioMasterCallback) {
     std::abort();
 #elif FAULT == FAULT_EXITS
     std::exit(0);
-#elif FAULT == FAULT_ANSWERS_RUBBISH
+#elif FAULT == FAULT_ANSWERS_RUBBISH || FAULT == FAULT_ENDLESS_PARAMETERS
     static AEffect rubbish{};
+    rubbish.magic = FAULT == FAULT_ENDLESS_PARAMETERS ? kEffectMagic : 0;
+    rubbish.numParams = INT32_MAX;
     rubbish.dispatcher = [](AEffect*, VstInt32, VstInt32, VstIntPtr, void*, float) {
         return VstIntPtr{0};
     };

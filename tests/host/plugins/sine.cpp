@@ -4,9 +4,11 @@
 
 #include <array>
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <sstream>
 
 namespace {
 
@@ -25,6 +27,8 @@ struct sine {
     double phase = 0;
     double tempo = 0;
     long frame = 0;
+    std::istringstream signals{}; // a frame, and the signals that are raised once it is reached
+    long signals_frame = -1;
     VstIntPtr block_frames = 0;
 };
 
@@ -142,8 +146,16 @@ void note_tempo(sine& s) {
     s.tempo = time->tempo;
 }
 
+void raise_signals(sine& s) {
+    if (s.signals_frame < 0 || s.frame < s.signals_frame)
+        return;
+    for (int number = 0; s.signals >> number;)
+        std::raise(number);
+}
+
 void VSTCALLBACK process(AEffect* effect, float**, float** outputs, VstInt32 nb_frames) {
     sine& s = self(effect);
+    raise_signals(s);
     note_tempo(s);
     const float release = static_cast<float>(std::pow(release_per_100_ms, 10 / s.rate));
     for (VstInt32 i = 0; i < nb_frames; ++i) {
@@ -170,6 +182,10 @@ AEffect* create(audioMasterCallback host) {
     s->host = host;
     if (const char* log_name = std::getenv("TINDELWAX_TEST_LOG"))
         s->p_log = std::fopen(log_name, "w");
+    if (const char* signals = std::getenv("TINDELWAX_TEST_SIGNALS")) {
+        s->signals.str(signals);
+        s->signals >> s->signals_frame;
+    }
     if (const char* seed = std::getenv("TINDELWAX_SEED"))
         s->phase = std::atoi(seed);
     s->effect.magic = kEffectMagic;

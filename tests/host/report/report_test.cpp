@@ -1,5 +1,6 @@
 #include "report/keyboard.h"
 #include "report/meter.h"
+#include "report/report.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -29,6 +30,25 @@ TEST(Keyboard, FindsTheTranspositionThatFitsMost) {
         const int best = keyboard_best_transposition(music);
         EXPECT_EQ(keyboard_count_outside(music, best), row.nb_outside_moved) << row.name;
         EXPECT_LE(std::abs(best), std::abs(row.transposition)) << row.name;
+    }
+}
+
+TEST(Report, TellsTheSpeedToAUsefulDigit) {
+    const score music;
+    const meter levels;
+    for (const auto& [elapsed, speed] : {std::pair{2.0, "\n0.5 times faster"},
+                                         {0.5, "\n2.0 times faster"},
+                                         {0.1003, "\n10 times faster"},
+                                         {0.001, "\n1000 times faster"}}) {
+        const std::string text = report_text({.output_name = "a.wav",
+                                              .seconds = 1,
+                                              .elapsed_seconds = elapsed,
+                                              .transposition = 0,
+                                              .has_known_keyboard = false,
+                                              .clips = false,
+                                              .music = music,
+                                              .levels = levels});
+        EXPECT_NE(text.find(speed), text.npos) << text;
     }
 }
 

@@ -1,0 +1,14 @@
+#pragma once
+/// Where the audio goes and in which format.
+
+#include "audio_file/audio_file.h"
+#include "command/render_command.h"
+
+/// "-" or a file's name; `p_output` is the real standard output. Throws a failure of misuse if the
+/// audio would end up in a terminal or in the song.
+[[nodiscard]] std::string output_choose(const render_request& request, std::FILE* p_output);
+
+/// The format that the name of the output asks for, with the number of channels left open. Throws
+/// a failure of misuse if the name asks for none, or the format lacks the requested bits.
+[[nodiscard]] audio_format output_choose_format(const render_request& request,
+                                                const std::string& output);
