@@ -3,6 +3,7 @@
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_CXX_COMPILER ${mingw_arch}-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER ${mingw_arch}-w64-mingw32-windres)
+set(CMAKE_CROSSCOMPILING_EMULATOR wine)
 
 set(CMAKE_FIND_ROOT_PATH /usr/${mingw_arch}-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

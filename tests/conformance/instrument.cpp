@@ -1,0 +1,91 @@
+#include "conformance/instrument.h"
+
+#include <algorithm>
+#include <cmath>
+#include <mutex>
+#include <optional>
+
+namespace {
+
+/// Instruments are created on several threads, and the environment takes no changes meanwhile.
+void seed_instruments(unsigned seed) {
+    static std::mutex changing;
+    static std::optional<unsigned> current;
+    const std::scoped_lock lock(changing);
+    if (current != seed)
+        set_environment("TINDELWAX_SEED", std::to_string(seed));
+    current = seed;
+}
+
+} // namespace
+
+instrument::instrument(trial& running_, host_answers answers)
+    : running(running_), its_host{.answer = std::move(answers)}, library(running_.plugin_file) {
+    running.frame = 0;
+    seed_instruments(running.seed);
+    effect = create_effect(its_host, library.entry());
+    running.expect(effect != nullptr, "main gives no effect");
+    ask(effOpen);
+}
+
+instrument::instrument(trial& running_, const set_up& wanted) : instrument(running_) {
+    prepare(wanted);
+}
+
+instrument::~instrument() { ask(effClose); }
+
+void instrument::prepare(const set_up& wanted) {
+    running.rate = wanted.rate;
+    blocks = wanted.blocks;
+    next_block = 0;
+    ask(effSetSampleRate, 0, 0, nullptr, static_cast<float>(wanted.rate));
+    ask(effSetBlockSize, 0, *std::ranges::max_element(blocks));
+    for (const auto& [index, value] : wanted.parameters)
+        set(index, value);
+    ask(effMainsChanged, 0, 1);
+}
+
+VstIntPtr instrument::ask(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
+    return effect->dispatcher(effect, opcode, index, value, ptr, opt);
+}
+
+std::string instrument::text(VstInt32 opcode, std::size_t nb_bytes, VstInt32 index) {
+    const guarded_memory memory(nb_bytes);
+    ask(opcode, index, 0, memory.data());
+    running.expect(memory.front_holds(), "bytes in front of the text change");
+    return std::string(memory.text());
+}
+
+recording instrument::render(const score& played, long nb_frames) {
+    recording sound;
+    std::size_t next = 0;
+    for (long start = 0; start < nb_frames;) {
+        const int length =
+            static_cast<int>(std::min<long>(blocks[next_block % blocks.size()], nb_frames - start));
+        ++next_block;
+        send_until(played, next, start, length);
+        process(sound, length);
+        start += length;
+    }
+    return sound;
+}
+
+void instrument::send_until(const score& played, std::size_t& next, long start, int nb_frames) {
+    event_list events;
+    for (; next < played.size() && played[next].frame < start + nb_frames; ++next)
+        events.add(played[next], static_cast<VstInt32>(played[next].frame - start));
+    if (events.record()->numEvents > 0)
+        send(events);
+}
+
+void instrument::process(recording& sound, int nb_frames) {
+    running.block = nb_frames;
+    const std::size_t start = sound.right.size();
+    const std::size_t end = start + static_cast<std::size_t>(nb_frames);
+    // What is not written shows as not a number.
+    sound.right.resize(end, std::nanf(""));
+    sound.left.resize(end, std::nanf(""));
+    std::array outputs{sound.right.data() + start, sound.left.data() + start};
+    effect->processReplacing(effect, nullptr, outputs.data(), nb_frames);
+    running.frame += nb_frames;
+}

@@ -1,0 +1,163 @@
+/// conformance judges a plug-in's file through the binary interface alone.
+
+#include "conformance/platform.h"
+#include "conformance/reference.h"
+#include "conformance/tables.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <iostream>
+#include <optional>
+#include <string_view>
+
+namespace {
+
+constexpr std::string_view usage =
+    "conformance --plugin FILE [--only START]... [--seed N]  judges the plug-in\n"
+    "conformance --plugin FILE --write FILE                  records reference sounds\n"
+    "conformance --plugin FILE --compare FILE                compares its sounds with those\n"
+    "conformance --list                                      names the rows\n"
+    "START is the start of rows' names: a group, or all of one.\n";
+
+constexpr int failed = 1;
+constexpr int misused = 2;
+constexpr int crashed = 3;
+
+struct arguments {
+    std::filesystem::path plugin_file{};
+    std::vector<std::string> starts{};
+    unsigned seed = 1;
+    bool lists = false;
+    std::optional<std::filesystem::path> write_file{};
+    std::optional<std::filesystem::path> compare_file{};
+};
+
+/// Nothing when they are not to be understood.
+std::optional<arguments> parse(std::vector<std::string> words) {
+    arguments given;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (words[i] == "--list") {
+            given.lists = true;
+            continue;
+        }
+        if (i + 1 == words.size())
+            return {};
+        const std::string& value = words[i + 1];
+        if (words[i] == "--plugin")
+            given.plugin_file = value;
+        else if (words[i] == "--only")
+            given.starts.push_back(value);
+        else if (words[i] == "--seed")
+            given.seed = static_cast<unsigned>(std::strtoul(value.c_str(), nullptr, 10));
+        else if (words[i] == "--write")
+            given.write_file = value;
+        else if (words[i] == "--compare")
+            given.compare_file = value;
+        else
+            return {};
+        ++i;
+    }
+    if (!given.lists && given.plugin_file.empty())
+        return {};
+    return given;
+}
+
+table all_rows() {
+    table rows;
+    for (const auto& subject :
+         {entry_rows, lifecycle_rows, opcode_rows, identity_rows, parameter_rows, program_rows,
+          event_rows, onset_rows, pitch_rows, voice_rows, vibrato_rows, control_rows, bass_rows,
+          block_rows, set_up_rows, storm_rows, instance_rows, processor_rows})
+        std::ranges::copy(subject(), std::back_inserter(rows));
+    return rows;
+}
+
+bool is_picked(const row& judged, const std::vector<std::string>& starts) {
+    return starts.empty() || std::ranges::any_of(starts, [&](const std::string& start) {
+               return judged.name.starts_with(start);
+           });
+}
+
+/// The row that a crash is told of; handlers of signals get no argument.
+const trial* running_trial = nullptr;
+
+/// The process is lost, so what else could go wrong here does not matter.
+void report_crash(int signal) {
+    std::cerr << "CRASH (signal " << signal << ") " << trial_text(*running_trial);
+    if (!running_trial->doing.empty())
+        std::cerr << ": " << running_trial->doing;
+    std::cerr << std::endl;
+    std::_Exit(crashed);
+}
+
+void report_crashes() {
+    silence_crash_dialogs();
+    for (const int signal : {SIGSEGV, SIGILL, SIGFPE, SIGABRT})
+        std::signal(signal, report_crash);
+}
+
+bool holds(const row& judged, trial running) {
+    running.row = judged.name;
+    running_trial = &running;
+    try {
+        judged.judge(running);
+        return true;
+    } catch (const mismatch& failure) {
+        std::cerr << "FAIL " << trial_text(running) << ": " << failure.what << std::endl;
+        return false;
+    }
+}
+
+int judge(const arguments& given) {
+    int nb_rows = 0;
+    int nb_failed = 0;
+    for (const row& judged : all_rows())
+        if (is_picked(judged, given.starts)) {
+            ++nb_rows;
+            nb_failed += !holds(judged, {.plugin_file = given.plugin_file, .seed = given.seed});
+        }
+    std::cerr << "conformance: " << nb_rows << " rows, " << nb_rows - nb_failed << " hold, "
+              << nb_failed << " fail (" << given.plugin_file.string() << ", seed " << given.seed
+              << ")" << std::endl;
+    return nb_rows == 0 ? misused : nb_failed > 0 ? failed : EXIT_SUCCESS;
+}
+
+int list_rows(const arguments& given) {
+    for (const row& listed : all_rows())
+        if (is_picked(listed, given.starts))
+            std::cout << listed.name << "\n";
+    return EXIT_SUCCESS;
+}
+
+int run(const arguments& given) {
+    if (given.lists)
+        return list_rows(given);
+    report_crashes();
+    discard_standard_output();
+    if (!given.write_file && !given.compare_file)
+        return judge(given);
+    trial running{.plugin_file = given.plugin_file, .row = "reference", .seed = given.seed};
+    running_trial = &running;
+    try {
+        if (given.write_file)
+            write_reference(running, *given.write_file);
+        if (given.compare_file)
+            compare_reference(running, *given.compare_file);
+    } catch (const mismatch& failure) {
+        std::cerr << "FAIL " << trial_text(running) << ": " << failure.what << std::endl;
+        return failed;
+    }
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::optional<arguments> given = parse({argv + 1, argv + argc});
+    if (!given) {
+        std::cerr << usage;
+        return misused;
+    }
+    return run(*given);
+}

@@ -1,0 +1,15 @@
+#pragma once
+/// 32-bit hosts align the stack to 4 bytes and no more; compilers of today do not, so a test that
+/// wants to call like such a host has to lay out the arguments itself.
+
+#if defined(__i386__)
+
+#include <cstdint>
+#include <initializer_list>
+
+/// Calls a cdecl function with the stack pointer `offset` bytes (a multiple of 4) below a multiple
+/// of 16 at the call. Returns EAX; a floating-point result is not for this.
+std::uint32_t misaligned_call(std::uint32_t function, std::initializer_list<std::uint32_t> words,
+                              std::uint32_t offset);
+
+#endif

@@ -1,0 +1,79 @@
+#include "conformance/reference.h"
+
+#include "conformance/instrument.h"
+#include "conformance/measure.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+
+namespace {
+
+constexpr double bound_db = -75;
+
+struct sound_case {
+    const char* name;
+    std::vector<std::pair<VstInt32, float>> parameters;
+    score played;
+};
+
+const score manual{note_on(100, 36), note_on(3000, 60), note_on(3000, 67), note_off(20000, 60),
+                   note_on(25000, 72)};
+
+const sound_case cases[]{
+    {"Flute", {{bright, 0.0f}, {brass, 0.0f}, {mellow, 0.0f}}, manual},
+    {"Bright", {{flute, 0.0f}, {brass, 0.0f}, {mellow, 0.0f}}, manual},
+    {"Brass", {{flute, 0.0f}, {bright, 0.0f}, {mellow, 0.0f}}, manual},
+    {"Mellow", {{flute, 0.0f}, {bright, 0.0f}, {brass, 0.0f}}, manual},
+    {"all stops and vibrato", {{vibrato, 1.0f}, {contour, 0.6f}}, manual},
+    {"bass", {{bass_chords, 0.0f}}, {note_on(0, 35), note_on(9000, 24), note_off(20000, 24)}},
+    {"both", {}, {note_on(7, 26), note_on(8, 38), note_on(9000, 33), note_off(30000, 26)}}};
+
+constexpr int rates[]{22050, 44100, 48000, 96000, 32000};
+constexpr long nb_frames = 40000;
+
+/// Calls `visit(name, samples)` for every sound, in a fixed order.
+template <typename Visit>
+void play_all(trial& running, const Visit& visit) {
+    for (const int rate : rates)
+        for (const sound_case& wanted : cases) {
+            instrument playing(running, {.rate = rate, .parameters = wanted.parameters});
+            const recording sound = playing.render(wanted.played, nb_frames);
+            visit(std::string(wanted.name) + " at " + std::to_string(rate), sound.right);
+        }
+}
+
+/// Every system that the plug-in is built for stores floats alike.
+std::streamsize size_of(const std::vector<float>& samples) {
+    return static_cast<std::streamsize>(samples.size() * sizeof(float));
+}
+
+} // namespace
+
+void write_reference(trial& running, const std::filesystem::path& file) {
+    std::ofstream output(file, std::ios::binary);
+    play_all(running, [&](const std::string&, const std::vector<float>& samples) {
+        output.write(reinterpret_cast<const char*>(samples.data()), size_of(samples));
+    });
+    running.expect(output.flush().good(), file.string() + " cannot be written");
+}
+
+void compare_reference(trial& running, const std::filesystem::path& file) {
+    std::ifstream input(file, std::ios::binary);
+    double worst_db = equal_db;
+    play_all(running, [&](const std::string& name, const std::vector<float>& samples) {
+        std::vector<float> wanted(samples.size());
+        input.read(reinterpret_cast<char*>(wanted.data()), size_of(wanted));
+        running.expect(input.good(), file.string() + " ends before \"" + name + "\"");
+        const double db = difference_db(samples, wanted);
+        std::cerr << name << ": "
+                  << (db == equal_db ? "equal to the bit" : std::to_string(db) + " dB of the peak")
+                  << "\n";
+        running.frame = static_cast<long>(worst_index(samples, wanted));
+        running.expect(db <= bound_db, name + " is " + std::to_string(db) + " dB off");
+        worst_db = std::max(worst_db, db);
+    });
+    std::cerr << "conformance: all sounds within " << bound_db << " dB, worst "
+              << (worst_db == equal_db ? "equal to the bit" : std::to_string(worst_db) + " dB")
+              << std::endl;
+}

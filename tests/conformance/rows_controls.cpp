@@ -1,0 +1,172 @@
+/// Controllers, the split, and the messages that silence.
+
+#include "conformance/instrument.h"
+#include "conformance/measure.h"
+#include "conformance/tables.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int controllers[]{80, 81, 82, 83, 84, 85, 7, 86, 87, 88};
+
+void send(instrument& playing, const midi& message) {
+    event_list events;
+    events.add(message, 0);
+    playing.send(events);
+}
+
+void controllers_set_their_parameters(trial& running) {
+    instrument playing(running, set_up{});
+    for (VstInt32 index = 0; index < nb_parameters; ++index)
+        for (const int value : {0, 1, 63, 64, 127}) {
+            const int number = controllers[index];
+            send(playing, controller(0, number, value));
+            running.expect(playing.get(index) == static_cast<float>(value) / 127.0f,
+                           "controller " + std::to_string(number) + " at " + std::to_string(value)
+                               + " gives " + std::to_string(playing.get(index)));
+        }
+}
+
+std::vector<float> values(instrument& asked) {
+    std::vector<float> all;
+    for (VstInt32 index = 0; index < nb_parameters; ++index)
+        all.push_back(asked.get(index));
+    return all;
+}
+
+void other_controllers_and_channels(trial& running) {
+    instrument playing(running, set_up{});
+    const std::vector<float> before = values(playing);
+    for (int channel = 1; channel <= 16; ++channel)
+        for (int number = 0; number < 128; ++number) {
+            const bool is_bound = std::ranges::count(controllers, number) > 0;
+            if (channel > 1 || !is_bound)
+                send(playing, controller(0, number, 33, channel));
+            running.expect(values(playing) == before, "controller " + std::to_string(number)
+                                                          + " of channel " + std::to_string(channel)
+                                                          + " changes a parameter");
+        }
+}
+
+/// Learning is the panel's: while it is closed, its command reaches nobody.
+void nothing_is_learned_without_the_panel(trial& running) {
+    constexpr VstInt32 learn_tag = 1024;
+    instrument playing(running, set_up{});
+    playing.set(volume, 0.25f);
+    playing.set(learn_tag, 1.0f);
+    send(playing, controller(0, 20, 127, 3));
+    send(playing, controller(0, 20, 127, 3));
+    running.expect(playing.get(volume) == 0.25f, "a closed panel has learned a controller");
+}
+
+struct split_case {
+    float value;
+    bool manual_right, manual_left, bass_right, bass_left;
+};
+
+constexpr float third = 1.0f / 3;
+constexpr float two_thirds = 2.0f / 3;
+
+/// The thirds as floats lie just above a third and above two thirds.
+const split_case splits[]{{0.0f, false, true, true, false},
+                          {0.33f, false, true, true, false},
+                          {std::nextafter(third, 0.0f), false, true, true, false},
+                          {third, true, false, false, true},
+                          {0.5f, true, false, false, true},
+                          {0.66f, true, false, false, true},
+                          {std::nextafter(two_thirds, 0.0f), true, false, false, true},
+                          {two_thirds, true, true, true, true},
+                          {0.67f, true, true, true, true},
+                          {1.0f, true, true, true, true},
+                          {3.0f, true, true, true, true}};
+
+void splits_route(trial& running) {
+    for (const split_case& wanted : splits)
+        for (const bool is_bass : {false, true}) {
+            instrument playing(running,
+                               {.parameters = {{split, wanted.value}, {bass_chords, 0.0f}}});
+            const recording sound = playing.render({note_on(0, is_bass ? 30 : 60)}, 4800);
+            const bool right = is_bass ? wanted.bass_right : wanted.manual_right;
+            const bool left = is_bass ? wanted.bass_left : wanted.manual_left;
+            running.expect((peak(sound.right) > 0) == right && (peak(sound.left) > 0) == left,
+                           std::string(is_bass ? "the bass" : "the manual") + " at split "
+                               + std::to_string(wanted.value) + " takes the wrong output");
+            running.expect(!right || !left || sound.right == sound.left,
+                           "the mix differs between the outputs");
+        }
+}
+
+constexpr long struck = 100;
+constexpr long silenced = 24000;
+constexpr long ended = 96000;
+
+/// The Bright filter forgets slowest: its low pole lies at 0.5 Hz, 26 dB a second.
+constexpr long decay = 48000;
+
+recording play_until(trial& running, const midi& message) {
+    instrument playing(running, set_up{});
+    return playing.render({note_on(struck, 40), note_on(struck, 26), note_on(struck, 60), message},
+                          ended);
+}
+
+void all_sound_off(trial& running) {
+    for (int channel = 1; channel <= 16; ++channel) {
+        const recording sound = play_until(running, controller(silenced, 120, 0, channel));
+        const signal_span end = signal_span(sound.right).subspan(silenced + decay);
+        running.expect(to_db(peak(end) / peak(sound.right)) < -75,
+                       "120 on channel " + std::to_string(channel) + " leaves "
+                           + std::to_string(to_db(peak(end) / peak(sound.right))) + " dB");
+    }
+}
+
+/// Both keyboards hear every channel, and such a keyboard ignores "all notes off".
+void ignored_messages(trial& running) {
+    const recording untouched = play_until(running, {silenced, {0xE0, 0, 64}});
+    for (const midi& message : {controller(silenced, 123, 0), controller(silenced, 123, 0, 16),
+                                controller(silenced, 123, 5), controller(silenced, 120, 5),
+                                controller(silenced, 121, 0), midi{silenced, {0xD0, 100, 0}},
+                                midi{silenced, {0xA0, 60, 0}}, midi{silenced, {0xF8, 0, 0}},
+                                midi{silenced, {0xFF, 0, 0}}, midi{silenced, {0x3C, 60, 0}}})
+        running.expect(play_until(running, message).right == untouched.right,
+                       "message " + std::to_string(message.bytes[0]) + " "
+                           + std::to_string(message.bytes[1]) + " "
+                           + std::to_string(message.bytes[2]) + " is heard");
+}
+
+void notes_end(trial& running) {
+    for (const midi& end :
+         {note_off(silenced, 60), midi{silenced, {0x90, 60, 0}}, midi{silenced, {0x8F, 60, 127}}}) {
+        instrument playing(running, set_up{});
+        const recording sound = playing.render({note_on(struck, 60), end}, ended);
+        const signal_span rest = signal_span(sound.right).subspan(silenced + decay);
+        const double db = to_db(peak(rest) / peak(sound.right));
+        running.expect(db < -75, "message " + std::to_string(end.bytes[0]) + " leaves "
+                                     + std::to_string(db) + " dB");
+    }
+}
+
+void notes_of_every_channel(trial& running) {
+    instrument first(running, set_up{});
+    const recording wanted = first.render({note_on(0, 60)}, 4800);
+    for (int channel = 1; channel < 16; ++channel) {
+        instrument playing(running, set_up{});
+        const recording sound = playing.render({{0, {0x90 | channel, 60, 1 + channel}}}, 4800);
+        running.expect(sound.right == wanted.right,
+                       "a note of channel " + std::to_string(channel + 1) + " sounds otherwise");
+    }
+}
+
+} // namespace
+
+table control_rows() {
+    return {{"controls/controllers set their parameters", controllers_set_their_parameters},
+            {"controls/other controllers and channels", other_controllers_and_channels},
+            {"controls/nothing is learned without the panel", nothing_is_learned_without_the_panel},
+            {"controls/split", splits_route},
+            {"controls/notes of every channel", notes_of_every_channel},
+            {"controls/notes end", notes_end},
+            {"controls/all sound off", all_sound_off},
+            {"controls/ignored messages", ignored_messages}};
+}

@@ -1,0 +1,93 @@
+/// System exclusive messages, and events that are none of the instrument's.
+
+#include "conformance/instrument.h"
+#include "conformance/measure.h"
+#include "conformance/tables.h"
+
+namespace {
+
+long nb_echoes(const instrument& played, const VstEvents* list) {
+    long nb = 0;
+    for (const host_call& call : played.its_host.calls)
+        nb += call.opcode == audioMasterProcessEvents && call.ptr == list;
+    return nb;
+}
+
+void dump_of_any_length(trial& running) {
+    instrument played(running, set_up{});
+    for (const std::size_t length :
+         {0u, 1u, 2u, 3u, 5u, 4095u, 4096u, 4097u, 4098u, 4099u, 65535u, 65536u}) {
+        running.doing = "a dump of " + std::to_string(length) + " bytes";
+        const guarded_memory dump(length);
+        event_list events;
+        events.add_sysex({dump.data(), dump.size()});
+        const VstEvents* list = events.record();
+        running.expect(played.ask(effProcessEvents, 0, 0, events.record()) == 1,
+                       running.doing + " is not answered with 1");
+        running.expect(nb_echoes(played, list) == 1, running.doing + " is not echoed once");
+        running.expect(dump.is_untouched(), running.doing + " is changed");
+        played.its_host.calls.clear();
+    }
+}
+
+/// The list is handed back once for each dump in it.
+void echo_once_a_dump(trial& running) {
+    instrument played(running, set_up{});
+    char dump[]{'\xF0', 0x7D, 1, 2, '\xF7'};
+    event_list events;
+    events.add_sysex(dump);
+    events.add(note_on(0, 50), 0);
+    events.add_sysex(dump);
+    const VstEvents* list = events.record();
+    played.ask(effProcessEvents, 0, 0, events.record());
+    running.expect(nb_echoes(played, list) == 2, "two dumps are not echoed twice");
+    const recording sound = played.render({}, 4800);
+    running.expect(peak(sound.right) > 1e-3, "the note between two dumps is lost");
+}
+
+void dump_of_odd_records(trial& running) {
+    instrument played(running, set_up{});
+    for (const VstInt32 length : {-1, 0, 5, 0x7FFFFFFF}) {
+        running.doing = "a dump at null of " + std::to_string(length) + " bytes";
+        event_list events;
+        events.add_sysex({});
+        reinterpret_cast<VstMidiSysexEvent*>(events.record()->events[0])->dumpBytes = length;
+        played.send(events);
+    }
+}
+
+void events_of_other_types(trial& running) {
+    instrument played(running, set_up{});
+    event_list events;
+    std::array<VstEvent, 12> others{};
+    for (std::size_t i = 0; i < others.size(); ++i) {
+        others[i].type = static_cast<VstInt32>(i) - 2;
+        others[i].byteSize = sizeof(VstEvent);
+        const bool is_known = others[i].type == kVstMidiType || others[i].type == kVstSysExType;
+        events.add(is_known ? nullptr : &others[i]);
+    }
+    played.send(events);
+    const recording sound = played.render({}, 4800);
+    running.expect(peak(sound.right) == 0, "an event of an unknown type sounds");
+}
+
+void empty_lists(trial& running) {
+    instrument played(running, set_up{});
+    for (const VstInt32 nb_events : {0, -1, -2147483647}) {
+        const guarded_memory memory(offsetof(VstEvents, events));
+        auto* list = reinterpret_cast<VstEvents*>(memory.data());
+        list->numEvents = nb_events;
+        running.expect(played.ask(effProcessEvents, 0, 0, list) == 1,
+                       "a list of " + std::to_string(nb_events) + " events is not answered with 1");
+    }
+}
+
+} // namespace
+
+table event_rows() {
+    return {{"events/SysEx of any length", dump_of_any_length},
+            {"events/SysEx is echoed once a dump", echo_once_a_dump},
+            {"events/SysEx of odd records", dump_of_odd_records},
+            {"events/other types", events_of_other_types},
+            {"events/empty lists", empty_lists}};
+}

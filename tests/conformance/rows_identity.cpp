@@ -1,0 +1,109 @@
+/// What the instrument says of itself.
+
+#include "conformance/instrument.h"
+#include "conformance/tables.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+void record(trial& running) {
+    const instrument asked(running);
+    const AEffect& effect = *asked.effect;
+    const struct {
+        const char* field;
+        long long value;
+        long long wanted;
+    } fields[]{{"magic", effect.magic, kEffectMagic},
+               {"numPrograms", effect.numPrograms, 0},
+               {"numParams", effect.numParams, nb_parameters},
+               {"numInputs", effect.numInputs, 0},
+               {"numOutputs", effect.numOutputs, 2},
+               {"flags but the editor's", effect.flags & ~effFlagsHasEditor,
+                effFlagsCanReplacing | effFlagsIsSynth},
+               {"resvd1", effect.resvd1, 0},
+               {"resvd2", effect.resvd2, 0},
+               {"initialDelay", effect.initialDelay, 0},
+               {"__realQualitiesDeprecated", effect.__realQualitiesDeprecated, 0},
+               {"__offQualitiesDeprecated", effect.__offQualitiesDeprecated, 0},
+               {"uniqueID", effect.uniqueID, 'T' << 24 | 'i' << 16 | 'n' << 8 | 'd'},
+               {"version", effect.version, 1}};
+    for (const auto& [field, value, wanted] : fields)
+        running.expect(value == wanted, std::string(field) + " is " + std::to_string(value)
+                                            + ", wanted " + std::to_string(wanted));
+    running.expect(effect.__ioRatioDeprecated == 1.0f, "__ioRatioDeprecated is not 1");
+    running.expect(std::ranges::all_of(effect.future, [](char byte) { return byte == 0; }),
+                   "the future bytes are not 0");
+}
+
+/// Old hosts call every pointer of the record without looking at the flags.
+void every_pointer_can_be_called(trial& running) {
+    instrument called(running, set_up{});
+    AEffect* effect = called.effect;
+    running.expect(effect->dispatcher && effect->__processDeprecated && effect->setParameter
+                       && effect->getParameter && effect->processReplacing
+                       && effect->processDoubleReplacing && effect->object,
+                   "a pointer of the record is null");
+    std::array<float, 64> single{};
+    std::array<double, 64> twice{};
+    std::array outputs{single.data(), single.data()};
+    std::array double_outputs{twice.data(), twice.data()};
+    effect->__processDeprecated(effect, nullptr, outputs.data(), 64);
+    effect->processDoubleReplacing(effect, nullptr, double_outputs.data(), 64);
+}
+
+void texts(trial& running) {
+    instrument asked(running);
+    const struct {
+        VstInt32 opcode;
+        std::size_t nb_bytes;
+        const char* wanted;
+    } cases[]{{effGetEffectName, kVstMaxEffectNameLen, "Tindelwax"},
+              {effGetVendorString, kVstMaxVendorStrLen, "Quenmar"},
+              {effGetProductString, kVstMaxProductStrLen, "Tindelwax"}};
+    for (const auto& [opcode, nb_bytes, wanted] : cases) {
+        const std::string text = asked.text(opcode, nb_bytes);
+        running.expect(text == wanted, "opcode " + std::to_string(opcode) + " gives \"" + text
+                                           + "\", wanted \"" + wanted + "\"");
+    }
+}
+
+void can_do(trial& running) {
+    instrument asked(running);
+    const std::pair<std::string, VstIntPtr> cases[]{{"receiveVstEvents", 1},
+                                                    {"receiveVstMidiEvent", 1},
+                                                    {"receiveVstTimeInfo", 1},
+                                                    {"sendVstEvents", 0},
+                                                    {"sendVstMidiEvent", 0},
+                                                    {"receiveVstMidiEvents", 0},
+                                                    {"receiveVstMidiEven", 0},
+                                                    {"RECEIVEVSTEVENTS", 0},
+                                                    {" receiveVstEvents", 0},
+                                                    {"offline", 0},
+                                                    {"", 0},
+                                                    {std::string(70000, 'r'), 0}};
+    for (const auto& [feature, wanted] : cases) {
+        const guarded_memory text{std::string_view(feature)};
+        const VstIntPtr answer = asked.ask(effCanDo, 0, 0, text.data());
+        running.expect(answer == wanted, "\"" + feature.substr(0, 30) + "\" gets "
+                                             + std::to_string(answer) + ", wanted "
+                                             + std::to_string(wanted));
+    }
+}
+
+void midi_channels(trial& running) {
+    instrument asked(running);
+    running.expect(asked.ask(effGetNumMidiInputChannels) == 1, "MIDI input channels are not 1");
+    running.expect(asked.ask(effGetNumMidiOutputChannels) == 1, "MIDI output channels are not 1");
+}
+
+} // namespace
+
+table identity_rows() {
+    return {{"identity/record", record},
+            {"identity/every pointer can be called", every_pointer_can_be_called},
+            {"identity/texts", texts},
+            {"identity/canDo", can_do},
+            {"identity/MIDI channels", midi_channels}};
+}

@@ -1,0 +1,173 @@
+/// Every opcode but effClose, with arguments that no sane host sends.
+
+#include "conformance/instrument.h"
+#include "conformance/measure.h"
+#include "conformance/tables.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+
+namespace {
+
+enum class takes { nothing, memory, memory_in_value_too };
+
+struct opcode_case {
+    takes argument = takes::nothing;
+    std::size_t nb_bytes = 0;
+    VstIntPtr answer = 0; ///< what echoes its value, and an editor, is judged apart
+};
+
+constexpr std::size_t display_size = 9;
+constexpr std::size_t name_size = 11;
+constexpr std::size_t label_size = 8;
+constexpr std::size_t opaque_size = 16; ///< records that only ever pass through
+constexpr std::size_t pointer_size = sizeof(void*);
+
+/// The opcodes that take memory or answer other than 0.
+const std::map<VstInt32, opcode_case> documented{
+    {effSetProgramName, {takes::memory, kVstMaxProgNameLen}},
+    {effGetProgramName, {takes::memory, kVstMaxProgNameLen}},
+    {effGetParamLabel, {takes::memory, label_size}},
+    {effGetParamDisplay, {takes::memory, display_size}},
+    {effGetParamName, {takes::memory, name_size}},
+    {effEditGetRect, {takes::memory, pointer_size}},
+    {__effIdentifyDeprecated, {takes::nothing, 0, kEffectIdentify}},
+    {effGetChunk, {takes::memory, pointer_size}},
+    {effSetChunk, {takes::memory, opaque_size}},
+    {effProcessEvents, {takes::memory, sizeof(VstEvents), 1}},
+    {effCanBeAutomated, {takes::nothing, 0, 1}},
+    {effString2Parameter, {takes::memory, kVstMaxProgNameLen}},
+    {effGetProgramNameIndexed, {takes::memory, kVstMaxProgNameLen}},
+    {effGetInputProperties, {takes::memory, sizeof(VstPinProperties)}},
+    {effGetOutputProperties, {takes::memory, sizeof(VstPinProperties)}},
+    {effGetPlugCategory, {takes::nothing, 0, kPlugCategSynth}},
+    {effOfflineNotify, {takes::memory, opaque_size}},
+    {effOfflinePrepare, {takes::memory, opaque_size}},
+    {effOfflineRun, {takes::memory, opaque_size}},
+    {effProcessVarIo, {takes::memory, opaque_size}},
+    {effSetSpeakerArrangement, {takes::memory_in_value_too, sizeof(VstSpeakerArrangement)}},
+    {effGetEffectName, {takes::memory, kVstMaxEffectNameLen, 1}},
+    {effGetVendorString, {takes::memory, kVstMaxVendorStrLen, 1}},
+    {effGetProductString, {takes::memory, kVstMaxProductStrLen, 1}},
+    {effGetVendorVersion, {takes::nothing, 0, 1}},
+    {effVendorSpecific, {takes::memory, opaque_size}},
+    {effCanDo, {takes::memory, kVstMaxEffectNameLen}},
+    {effGetParameterProperties, {takes::memory, sizeof(VstParameterProperties)}},
+    {effGetVstVersion, {takes::nothing, 0, kVstVersion}},
+    {effGetMidiProgramName, {takes::memory, sizeof(MidiProgramName)}},
+    {effGetCurrentMidiProgram, {takes::memory, sizeof(MidiProgramName), -1}},
+    {effGetMidiProgramCategory, {takes::memory, sizeof(MidiProgramCategory)}},
+    {effGetMidiKeyName, {takes::memory, sizeof(MidiKeyName)}},
+    {effGetSpeakerArrangement, {takes::memory_in_value_too, pointer_size}},
+    {effShellGetNextPlugin, {takes::memory, kVstMaxProductStrLen}},
+    {effBeginLoadBank, {takes::memory, sizeof(VstPatchChunkInfo)}},
+    {effBeginLoadProgram, {takes::memory, sizeof(VstPatchChunkInfo)}},
+    {effGetNumMidiInputChannels, {takes::nothing, 0, 1}},
+    {effGetNumMidiOutputChannels, {takes::nothing, 0, 1}}};
+
+bool is_of_editor(VstInt32 opcode) {
+    return (opcode >= effEditGetRect && opcode <= effEditIdle)
+           || (opcode >= effEditKeyDown && opcode <= effSetEditKnobMode);
+}
+
+constexpr VstInt32 extreme_indices[]{std::numeric_limits<VstInt32>::min(), -1, 0, 9, 10, 255, 256,
+                                     std::numeric_limits<VstInt32>::max()};
+constexpr VstIntPtr extreme_values[]{
+    std::numeric_limits<VstIntPtr>::min(), std::numeric_limits<VstInt32>::min(), -1, 0, 1,
+    std::numeric_limits<VstInt32>::max(),  std::numeric_limits<VstIntPtr>::max()};
+constexpr float extreme_opts[]{0.0f,
+                               -1.0f,
+                               1e30f,
+                               static_cast<float>(std::numeric_limits<VstInt32>::max()),
+                               std::numeric_limits<float>::infinity(),
+                               std::numeric_limits<float>::quiet_NaN()};
+
+struct arguments {
+    VstInt32 opcode;
+    VstInt32 index;
+    VstIntPtr value;
+    float opt;
+};
+
+std::string call_text(const arguments& given) {
+    return "opcode " + std::to_string(given.opcode) + ", index " + std::to_string(given.index)
+           + ", value " + std::to_string(given.value) + ", opt " + std::to_string(given.opt);
+}
+
+void expect_answer(instrument& asked, const arguments& given, VstIntPtr wanted, VstIntPtr answer) {
+    if (is_of_editor(given.opcode) && (asked.effect->flags & effFlagsHasEditor))
+        return;
+    if (given.opcode == effSetTotalSampleToProcess) {
+        if (given.value != static_cast<VstInt32>(given.value))
+            return;
+        wanted = given.value;
+    }
+    asked.running.expect(answer == wanted, call_text(given) + " answers " + std::to_string(answer)
+                                               + ", wanted " + std::to_string(wanted));
+}
+
+/// The memory that an opcode is given, as an argument and in its value.
+struct argument_memory {
+    explicit argument_memory(std::size_t nb_bytes) : first(nb_bytes), second(nb_bytes) {}
+
+    void clear() {
+        for (guarded_memory* memory : {&first, &second})
+            std::fill_n(memory->data(), memory->size(), '\0');
+    }
+
+    guarded_memory first;
+    guarded_memory second;
+};
+
+opcode_case case_of(VstInt32 opcode) {
+    const auto found = documented.find(opcode);
+    return found == documented.end() ? opcode_case{} : found->second;
+}
+
+void ask(instrument& asked, const arguments& given, argument_memory& memory) {
+    const opcode_case expected = case_of(given.opcode);
+    asked.running.doing = call_text(given);
+    memory.clear();
+    const VstIntPtr value = expected.argument == takes::memory_in_value_too
+                                ? reinterpret_cast<VstIntPtr>(memory.second.data())
+                                : given.value;
+    void* ptr = expected.nb_bytes > 0 ? memory.first.data() : nullptr;
+    const VstIntPtr answer = asked.ask(given.opcode, given.index, value, ptr, given.opt);
+    asked.running.expect(memory.first.front_holds() && memory.second.front_holds(),
+                         call_text(given) + " writes in front of its memory");
+    expect_answer(asked, given, expected.answer, answer);
+}
+
+void extreme_arguments(trial& running, VstInt32 opcode) {
+    instrument asked(running, set_up{});
+    argument_memory memory(case_of(opcode).nb_bytes);
+    for (const VstInt32 index : extreme_indices)
+        for (const VstIntPtr value : extreme_values)
+            for (const float opt : extreme_opts)
+                ask(asked, {opcode, index, value, opt}, memory);
+    running.doing.clear();
+    asked.prepare({});
+    const recording sound = asked.render({note_on(0, 50)}, 4800);
+    running.expect(peak(sound.right) > 1e-3, "it does not play any more");
+}
+
+void null_pointers(trial& running) {
+    instrument asked(running, set_up{});
+    for (VstInt32 opcode = -10; opcode <= 200; ++opcode) {
+        running.doing = "opcode " + std::to_string(opcode) + " with null";
+        if (opcode != effClose)
+            asked.ask(opcode, 0, 0, nullptr);
+    }
+}
+
+} // namespace
+
+table opcode_rows() {
+    table rows{{"opcodes/null pointers", null_pointers}};
+    for (VstInt32 opcode = -10; opcode <= 200; ++opcode)
+        if (opcode != effClose)
+            rows.push_back({"opcodes/" + std::to_string(opcode),
+                            [opcode](trial& running) { extreme_arguments(running, opcode); }});
+    return rows;
+}

@@ -1,0 +1,147 @@
+/// Parameters: names, defaults, values and the texts shown for them.
+
+#include "conformance/instrument.h"
+#include "conformance/tables.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace {
+
+constexpr std::size_t display_size = 9;
+constexpr std::size_t name_size = 11;
+
+struct parameter_case {
+    const char* name;
+    float default_value;
+    std::string zero, half, one, above; ///< texts for 0, 0.5, 1 and 2
+};
+
+const parameter_case switch_case(const char* name, float default_value) {
+    return {name, default_value, "OFF", "OFF", "ON", "ON"};
+}
+
+const parameter_case level_case(const char* name) {
+    return {name, 0.5f, "-oo", "-6.02059", "0.000000", "6.020599"};
+}
+
+const parameter_case number_case(const char* name, float default_value) {
+    return {name, default_value, "0.000000", "0.500000", "1.000000", "2.000000"};
+}
+
+const parameter_case cases[]{switch_case("Flute", 1),   switch_case("Bright", 1),
+                             switch_case("Brass", 1),   switch_case("Mellow", 1),
+                             switch_case("Vibrato", 0), switch_case("BassChords", 1),
+                             level_case("Volume"),      number_case("Contour", 0.1f),
+                             level_case("Bass"),        number_case("Split", 1)};
+
+void names_and_defaults(trial& running) {
+    instrument asked(running);
+    for (VstInt32 index = 0; index < nb_parameters; ++index) {
+        const std::string name = asked.text(effGetParamName, name_size, index);
+        running.expect(name == cases[index].name,
+                       "parameter " + std::to_string(index) + " is \"" + name + "\"");
+        running.expect(asked.get(index) == cases[index].default_value,
+                       name + " starts at " + std::to_string(asked.get(index)));
+        running.expect(asked.ask(effCanBeAutomated, index) == 1, name + " is not automatable");
+    }
+}
+
+void displays(trial& running) {
+    instrument asked(running);
+    for (VstInt32 index = 0; index < nb_parameters; ++index) {
+        const parameter_case& wanted = cases[index];
+        const std::pair<float, std::string> texts[]{{0.0f, wanted.zero},  {-0.0f, wanted.zero},
+                                                    {-1.0f, wanted.zero}, {0.5f, wanted.half},
+                                                    {1.0f, wanted.one},   {2.0f, wanted.above}};
+        for (const auto& [value, text] : texts) {
+            asked.set(index, value);
+            const std::string got = asked.text(effGetParamDisplay, display_size, index);
+            running.expect(got == text, std::string(wanted.name) + " at " + std::to_string(value)
+                                            + " shows \"" + got + "\", wanted \"" + text + "\"");
+        }
+    }
+}
+
+/// The text ends within its memory, whatever the value; instrument::text checks that.
+void display_of_any_value(trial& running) {
+    instrument asked(running);
+    std::mt19937 random(running.seed);
+    for (int i = 0; i < 20000; ++i) {
+        const float value = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
+        const auto index = static_cast<VstInt32>(random() % nb_parameters);
+        running.doing = "parameter " + std::to_string(index) + " at " + std::to_string(value);
+        asked.set(index, value);
+        const std::string text = asked.text(effGetParamDisplay, display_size, index);
+        running.expect(!text.empty()
+                           && std::ranges::all_of(
+                               text, [](char letter) { return letter >= ' ' && letter <= '~'; }),
+                       running.doing + " shows \"" + text + "\"");
+    }
+}
+
+void values_are_kept(trial& running) {
+    instrument asked(running);
+    const std::pair<float, float> kept[]{
+        {0.25f, 0.25f}, {1.0f, 1.0f}, {3.0f, 3.0f}, {-0.2f, 0.0f}, {0.7f, 0.7f}};
+    for (VstInt32 index = 0; index < nb_parameters; ++index)
+        for (const auto& [given, wanted] : kept) {
+            asked.set(index, given);
+            running.expect(asked.get(index) == wanted, std::string(cases[index].name) + " set to "
+                                                           + std::to_string(given) + " is "
+                                                           + std::to_string(asked.get(index)));
+        }
+}
+
+void values_that_are_no_numbers(trial& running) {
+    instrument asked(running);
+    using limits = std::numeric_limits<float>;
+    for (VstInt32 index = 0; index < nb_parameters; ++index)
+        for (const float odd : {limits::quiet_NaN(), limits::infinity(), -limits::infinity()}) {
+            asked.set(index, 0.75f);
+            asked.set(index, odd);
+            running.expect(asked.get(index) == 0.75f,
+                           std::string(cases[index].name) + " takes " + std::to_string(odd));
+        }
+}
+
+void indices_outside(trial& running) {
+    instrument asked(running);
+    const guarded_memory text(display_size);
+    for (const VstInt32 index :
+         {-1, static_cast<VstInt32>(nb_parameters), 255, 256, 100000,
+          std::numeric_limits<VstInt32>::max(), std::numeric_limits<VstInt32>::min()}) {
+        running.doing = "parameter " + std::to_string(index);
+        asked.set(index, 0.3f);
+        running.expect(asked.get(index) == 0.0f, running.doing + " has a value");
+        asked.ask(effGetParamName, index, 0, text.data());
+        asked.ask(effGetParamDisplay, index, 0, text.data());
+        running.expect(text.is_untouched(), running.doing + " has a text");
+    }
+    for (VstInt32 index = 0; index < nb_parameters; ++index)
+        running.expect(asked.get(index) == cases[index].default_value,
+                       std::string(cases[index].name) + " changes with another's index");
+}
+
+void labels_are_left_alone(trial& running) {
+    instrument asked(running);
+    const guarded_memory text(8);
+    for (VstInt32 index = -1; index <= nb_parameters; ++index)
+        asked.ask(effGetParamLabel, index, 0, text.data());
+    running.expect(text.is_untouched(), "a label is written");
+}
+
+} // namespace
+
+table parameter_rows() {
+    return {{"parameters/names and defaults", names_and_defaults},
+            {"parameters/displays", displays},
+            {"parameters/display of any value", display_of_any_value},
+            {"parameters/values are kept", values_are_kept},
+            {"parameters/values that are no numbers", values_that_are_no_numbers},
+            {"parameters/indices outside", indices_outside},
+            {"parameters/labels are left alone", labels_are_left_alone}};
+}

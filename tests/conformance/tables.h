@@ -1,0 +1,23 @@
+#pragma once
+/// The suite's tables, one a subject.
+
+#include "conformance/trial.h"
+
+table entry_rows();
+table lifecycle_rows();
+table opcode_rows();
+table identity_rows();
+table parameter_rows();
+table program_rows();
+table event_rows();
+table onset_rows();
+table pitch_rows();
+table voice_rows();
+table vibrato_rows();
+table control_rows();
+table bass_rows();
+table block_rows();
+table set_up_rows();
+table storm_rows();
+table instance_rows();
+table processor_rows();

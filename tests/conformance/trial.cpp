@@ -1,0 +1,12 @@
+#include "conformance/trial.h"
+
+void trial::expect(bool holds, const std::string& what) const {
+    if (!holds)
+        throw mismatch{what};
+}
+
+std::string trial_text(const trial& current) {
+    return "row \"" + current.row + "\", rate " + std::to_string(current.rate) + ", block "
+           + std::to_string(current.block) + ", frame " + std::to_string(current.frame) + ", seed "
+           + std::to_string(current.seed);
+}
