@@ -2,7 +2,7 @@
 
 #include "korvel/korvel.h"
 #include "organ/midi.h"
-#include "vst/aeffeditor.h"
+#include "vst/editor/editor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -69,6 +69,7 @@ Organ::Organ(audioMasterCallback host, VstInt32 nbPrograms, VstInt32 nbParams, o
     isSynth(true);
     setUniqueID(unique_id(p_control->name));
     programsAreChunks(false);
+    p_editor = new Editor(this, p_control);
     p_prog_bank = program_bank_create("DEFAULT PROG BANK",
                                       static_cast<unsigned>(std::max(nbPrograms, 0)), p_control);
     for (std::size_t j = 0; j < p_control->parameters.size(); ++j)
@@ -207,10 +208,11 @@ void Organ::setParameter(VstInt32 index, float value) {
     if (!std::isfinite(value))
         return;
     value = std::max(value, 0.0f);
-    if (!findParameter(index))
-        return;
-    control_set_parameter(p_control, index, value);
-    p_control_update->last_ui_control_changed_index.store(index, std::memory_order_relaxed);
+    if (findParameter(index)) {
+        control_set_parameter(p_control, index, value);
+        p_control_update->last_ui_control_changed_index.store(index, std::memory_order_relaxed);
+    }
+    p_editor->setParameter(index, value); // the other indices are the panel's actions
 }
 
 float Organ::getParameter(VstInt32 index) {
@@ -251,6 +253,7 @@ void Organ::setProgram(VstInt32 program) {
     const std::vector<float>& values = currentProgram()->parameter_value;
     for (std::size_t j = 0; j < values.size(); ++j)
         setParameter(static_cast<VstInt32>(j), values[j]);
+    p_editor->setProgram(program);
 }
 
 void Organ::setProgramName(char* name) {

@@ -18,6 +18,8 @@
 #include <array>
 #include <atomic>
 
+class Editor;
+
 class Organ final : public AudioEffectX {
 public:
     static constexpr int max_piece_frames = 64;
@@ -78,6 +80,7 @@ private:
     organ* p_organ;
     control* p_control;
     control_update* p_control_update;
+    Editor* p_editor; ///< the base's editor, by its own type
     program_bank* p_prog_bank;
     NoteQueue notes{};
     std::atomic<bool> panicAsked = false;

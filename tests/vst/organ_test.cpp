@@ -31,7 +31,7 @@ TEST(PlugIn, SaysWhatItIs) {
     EXPECT_EQ(record.numOutputs, 2);
     EXPECT_EQ(record.numParams, 10);
     EXPECT_EQ(record.numPrograms, 0);
-    EXPECT_EQ(record.flags, effFlagsCanReplacing | effFlagsIsSynth);
+    EXPECT_EQ(record.flags, effFlagsHasEditor | effFlagsCanReplacing | effFlagsIsSynth);
     char text[64];
     EXPECT_TRUE(p_effect->getEffectName(text));
     EXPECT_STREQ(text, "Tindelwax");

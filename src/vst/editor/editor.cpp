@@ -1,0 +1,263 @@
+#include "vst/editor/editor.h"
+
+#include "control/control.h"
+#include "vst/editor/file_choice.h"
+#include "vst/editor/tags.h"
+#include "vst/organ.h"
+#include "vstgui/canimknob.h"
+#include "vstgui/ckickbutton.h"
+#include "vstgui/cmoviebitmap.h"
+#include "vstgui/conoffbutton.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+namespace {
+
+/// Resource numbers of the panel's bitmaps.
+constexpr int background_bitmap = 128;
+constexpr int learn_bitmap = 129;
+constexpr int lamp_bitmap = 130;
+constexpr int panic_bitmap = 132;
+
+struct panel_place {
+    int tag;
+    int bitmap; ///< resource number
+    CPoint corner;
+};
+
+constexpr int nb_knob_pictures = 32;
+constexpr panel_place knobs[] = {{8, 150, {216, 274}}, {7, 151, {90, 274}}, {6, 152, {341, 274}}};
+
+constexpr panel_place switches[] = {{4, 153, {71, 112}},  {5, 154, {128, 112}},
+                                    {0, 155, {184, 112}}, {1, 156, {240, 112}},
+                                    {2, 157, {297, 112}}, {3, 158, {353, 112}}};
+
+constexpr CPoint learn_corner{306, 11}, lamp_corner{351, 11}, panic_corner{398, 11};
+
+constexpr float highest_program = 1e9f; ///< within the integers
+
+CReference<CBitmap> load(int number) { return CReference<CBitmap>::adopt(new CBitmap(number)); }
+
+/// The place of a control whose bitmap stacks that many pictures.
+CRect picture_area(const CBitmap& bitmap, int nb_pictures, CPoint corner) {
+    return {corner.x, corner.y, corner.x + bitmap.getWidth(),
+            corner.y + bitmap.getHeight() / nb_pictures};
+}
+
+} // namespace
+
+Editor::Editor(Organ* owner, control* registry)
+    : AEffGUIEditor(owner),
+      p_effect(owner),
+      p_control(registry),
+      hBackground(load(background_bitmap)),
+      changes(registry->nb_parameters) {
+    rect.bottom = static_cast<VstInt16>(hBackground->getHeight());
+    rect.right = static_cast<VstInt16>(hBackground->getWidth());
+}
+
+Editor::~Editor() { Editor::close(); }
+
+bool Editor::open(void* parent) {
+    close();
+    setKnobMode(kRelativeCircularMode);
+    const CRect size{0, 0, hBackground->getWidth(), hBackground->getHeight()};
+    auto opened = CReference<CFrame>::adopt(new CFrame(size, parent, this));
+    if (!opened->isOpen())
+        return false;
+    opened->setBackground(hBackground.get());
+    addParameterControls(*opened);
+    addActionControls(*opened);
+    systemWindow = parent;
+    frame = std::move(opened);
+    showParameters();
+    return true;
+}
+
+void Editor::close() {
+    AEffGUIEditor::close();
+    controls.clear();
+}
+
+/// A registry with fewer parameters than the panel leaves places empty.
+void Editor::addParameterControls(CFrame& panel) {
+    controls.assign(p_control->nb_parameters, nullptr);
+    const auto add = [&](const panel_place& place, auto create) {
+        if (!isParameter(place.tag))
+            return;
+        const auto index = static_cast<std::size_t>(place.tag);
+        std::unique_ptr<CControl> created = create(load(place.bitmap));
+        created->setDefaultValue(p_control->parameters[index]->default_value);
+        controls[index] = created.get();
+        panel.addView(std::move(created));
+    };
+    for (const panel_place& place : knobs)
+        add(place, [&](const CReference<CBitmap>& bitmap) {
+            const CRect area = picture_area(*bitmap, nb_knob_pictures, place.corner);
+            return std::make_unique<CAnimKnob>(area, this, place.tag, nb_knob_pictures,
+                                               area.height(), bitmap.get());
+        });
+    for (const panel_place& place : switches)
+        add(place, [&](const CReference<CBitmap>& bitmap) {
+            return std::make_unique<COnOffButton>(picture_area(*bitmap, 2, place.corner), this,
+                                                  place.tag, bitmap.get());
+        });
+}
+
+void Editor::addActionControls(CFrame& panel) {
+    const auto learn = load(learn_bitmap), lamp = load(lamp_bitmap), panic = load(panic_bitmap);
+    const CRect lamp_area = picture_area(*lamp, 2, lamp_corner);
+    const CRect panic_area = picture_area(*panic, 2, panic_corner);
+    auto learn_button = std::make_unique<COnOffButton>(picture_area(*learn, 2, learn_corner), this,
+                                                       MIDI_LEARN_TAG, learn.get());
+    auto midi_lamp = std::make_unique<CMovieBitmap>(lamp_area, this, MIDI_IN_TAG, 2,
+                                                    lamp_area.height(), lamp.get());
+    cMidiLearnButton = learn_button.get();
+    cMidiInLED = midi_lamp.get();
+    panel.addView(std::move(learn_button));
+    panel.addView(std::move(midi_lamp));
+    panel.addView(std::make_unique<CKickButton>(panic_area, this, PANIC_TAG, panic_area.height(),
+                                                panic.get()));
+}
+
+/// What was put while the panel was closed is in the registry too.
+void Editor::showParameters() {
+    for (std::size_t i = 0; i < controls.size(); ++i) {
+        changes[i].take();
+        if (controls[i])
+            controls[i]->setValue(control_get_parameter(p_control, static_cast<int>(i)));
+    }
+}
+
+void Editor::idle() {
+    if (!frame)
+        return;
+    takeChanges();
+    AEffGUIEditor::idle();
+    if (!frame) // a gesture made the host close the panel
+        return;
+    showMidiLearn();
+    showMidiActivity();
+}
+
+void Editor::takeChanges() {
+    for (std::size_t i = 0; i < controls.size(); ++i)
+        if (const auto value = changes[i].take(); value && controls[i])
+            controls[i]->setValue(*value);
+}
+
+/// The engine has learned a controller, or the user gave up.
+void Editor::showMidiLearn() {
+    const auto& learning = p_control->p_control_update->midi_learning;
+    if (!midi_learn_active || learning.load(std::memory_order_relaxed) != 0)
+        return;
+    midi_learn_active = false;
+    cMidiLearnButton->setValue(0);
+}
+
+void Editor::showMidiActivity() {
+    const bool active = p_effect->midiNumEvents.exchange(0, std::memory_order_relaxed) != 0;
+    cMidiInLED->setValue(active ? 1.0f : 0.0f);
+}
+
+void Editor::valueChanged(CDrawContext*, CControl* changed) {
+    const int tag = changed->getTag();
+    if (isParameter(tag))
+        p_effect->setParameterAutomated(tag, changed->getValue());
+    else
+        p_effect->setParameter(tag, changed->getValue());
+    changed->setDirty();
+}
+
+void Editor::beginEdit(VstInt32 index) {
+    if (isParameter(index))
+        AEffGUIEditor::beginEdit(index);
+}
+
+void Editor::endEdit(VstInt32 index) {
+    if (isParameter(index))
+        AEffGUIEditor::endEdit(index);
+}
+
+bool Editor::isParameter(VstInt32 index) const {
+    return static_cast<std::uint32_t>(index) < changes.size();
+}
+
+void Editor::setParameter(VstInt32 index, float value) {
+    if (isParameter(index)) {
+        changes[static_cast<std::size_t>(index)].put(value);
+        return;
+    }
+    if (index < MIDI_LEARN_TAG || !frame)
+        return;
+    switch (index) {
+    case MIDI_LEARN_TAG:
+        toggleMidiLearn();
+        break;
+    case PANIC_TAG:
+        p_effect->panic();
+        break;
+    case MENU_TAG:
+        runMenuAction(value);
+        break;
+    case PROGRAM_TAG:
+        p_effect->setProgram(static_cast<VstInt32>(std::clamp(value, -1.0f, highest_program)));
+        break;
+    default:
+        break;
+    }
+}
+
+void Editor::toggleMidiLearn() {
+    auto& learning = p_control->p_control_update->midi_learning;
+    int armed = 1;
+    if (learning.compare_exchange_strong(armed, 0, std::memory_order_relaxed))
+        return;
+    learning.store(1, std::memory_order_relaxed);
+    midi_learn_active = true;
+}
+
+void Editor::runMenuAction(float value) {
+    const auto action = static_cast<int>(std::clamp(value, -1.0f, 100.0f));
+    if (static_cast<float>(action) != value)
+        return;
+    switch (action) {
+    case BASS_R_TAG:
+    case BASS_L_TAG:
+    case BASS_MIXED_TAG:
+        p_effect->setOutputMode(action);
+        break;
+    case BANK_LOAD_TAG:
+        useFile(kVstFileLoad, file_content::bank, &Organ::ProgBankLoad);
+        break;
+    case BANK_SAVE_TAG:
+        useFile(kVstFileSave, file_content::bank, &Organ::ProgBankSave);
+        break;
+    case PATCH_LOAD_TAG:
+        useFile(kVstFileLoad, file_content::patch, &Organ::ProgLoad);
+        break;
+    case PATCH_SAVE_TAG:
+        useFile(kVstFileSave, file_content::patch, &Organ::ProgSave);
+        break;
+    case PATCH_STORE_CURRENT:
+        p_effect->storeCurrentProg();
+        break;
+    default:
+        break;
+    }
+}
+
+/// One question at a time: the panel goes on while the user chooses.
+void Editor::useFile(VstFileSelectCommand command, file_content content,
+                     void (Organ::*use)(const char* path)) {
+    if (std::exchange(choosingFile, true))
+        return;
+    const auto path = choose_file(p_effect, command, content);
+    choosingFile = false;
+    if (path)
+        (p_effect->*use)(path->c_str());
+}

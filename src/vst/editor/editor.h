@@ -1,0 +1,74 @@
+#pragma once
+/// The instrument's panel: it turns the user's gestures into parameter changes of the plug-in,
+/// shows the changes that come from elsewhere, and carries out the actions that reach it as
+/// parameters.
+///
+/// setParameter is [any] for parameters: values wait in slots, which live as long as the editor,
+/// until the panel is idle. All else is [ui].
+
+#include "vst/editor/value_slot.h"
+#include "vstgui/aeffguieditor.h"
+#include "vstgui/cbitmap.h"
+#include "vstgui/ccontrollistener.h"
+
+#include <vector>
+
+class CControl;
+class CMovieBitmap;
+class COnOffButton;
+class Organ;
+struct control;
+enum class file_content;
+
+class Editor final : public AEffGUIEditor, public CControlListener {
+public:
+    /// Becomes the plug-in's editor. Plug-in and registry outlive it.
+    Editor(Organ* owner, control* registry);
+    ~Editor() override;
+
+    /// Returns whether the panel can be shown in the host's window `parent`. Knobs turn in circles
+    /// until the host asks for another mode.
+    bool open(void* parent) override;
+    void close() override;
+    void idle() override;
+
+    /// Keys are taken and ignored, so that a host does not play its own commands on them.
+    bool onKeyDown(VstKeyCode&) override { return true; }
+
+    /// Index and value are a parameter's, or an action's (see vst/editor/tags.h). Actions wait for
+    /// an open panel in vain.
+    void setParameter(VstInt32 index, float value) override;
+
+    /// The program's values come through setParameter; there is no more to show.
+    void setProgram(VstInt32) {}
+
+    /// Actions are no parameters of the host's.
+    void beginEdit(VstInt32 index) override;
+    void endEdit(VstInt32 index) override;
+
+    void valueChanged(CDrawContext* context, CControl* changed) override;
+
+private:
+    [[nodiscard]] bool isParameter(VstInt32 index) const;
+    void addParameterControls(CFrame& panel);
+    void addActionControls(CFrame& panel);
+    void showParameters();
+    void toggleMidiLearn();
+    void runMenuAction(float value);
+    void useFile(VstFileSelectCommand command, file_content content,
+                 void (Organ::*use)(const char* path));
+    void takeChanges();
+    void showMidiLearn();
+    void showMidiActivity();
+
+    Organ* p_effect;
+    control* p_control;
+    /// One for each parameter, null where the panel has none; all controls are the frame's.
+    std::vector<CControl*> controls{};
+    COnOffButton* cMidiLearnButton = nullptr;
+    CMovieBitmap* cMidiInLED = nullptr;
+    CReference<CBitmap> hBackground;
+    std::vector<ValueSlot> changes; ///< one for each parameter
+    bool midi_learn_active = false; ///< armed here, and not yet seen to have ended
+    bool choosingFile = false;
+};

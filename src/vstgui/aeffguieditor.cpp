@@ -1,0 +1,49 @@
+#include "vstgui/aeffguieditor.h"
+
+#include <utility>
+
+namespace {
+
+AudioEffectX& effect_of(AudioEffect* effect) { return static_cast<AudioEffectX&>(*effect); }
+
+} // namespace
+
+AEffGUIEditor::AEffGUIEditor(AudioEffectX* owner) : AEffEditor(owner) { owner->setEditor(this); }
+
+bool AEffGUIEditor::getRect(ERect** size) {
+    if (size == nullptr)
+        return false;
+    *size = &rect;
+    return true;
+}
+
+void AEffGUIEditor::close() {
+    if (const CReference<CFrame> closing = std::exchange(frame, {}))
+        closing->detach();
+    AEffEditor::close();
+}
+
+void AEffGUIEditor::idle() {
+    if (!frame || std::exchange(inIdle, true))
+        return;
+    frame->idle();
+    inIdle = false;
+}
+
+bool AEffGUIEditor::onWheel(float distance) { return frame && frame->onWheel(distance); }
+
+bool AEffGUIEditor::setKnobMode(VstInt32 mode) {
+    knobMode = mode;
+    return true;
+}
+
+void AEffGUIEditor::beginEdit(VstInt32 index) { effect_of(effect).beginEdit(index); }
+void AEffGUIEditor::endEdit(VstInt32 index) { effect_of(effect).endEdit(index); }
+
+void AEffGUIEditor::doIdleStuff() {
+    if (frame)
+        frame->redraw();
+    const bool wasInIdle = std::exchange(inIdle, true);
+    effect->masterIdle();
+    inIdle = wasInIdle;
+}

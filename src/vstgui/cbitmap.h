@@ -1,0 +1,30 @@
+#pragma once
+/// A bitmap resource of the library, shown where it lies: nothing is copied or converted before it
+/// is drawn, so that many panels cost no more than one.
+
+#include "vstgui/cdrawcontext.h"
+#include "vstgui/creferencecounter.h"
+#include "vstgui/geometry.h"
+
+#include <span>
+
+class CBitmap final : public CReferenceCounter {
+public:
+    /// A number without a bitmap, or one that is not of 24 bits and uncompressed, gives an empty
+    /// picture.
+    explicit CBitmap(int resourceNumber);
+
+    [[nodiscard]] int getWidth() const { return width; }
+    [[nodiscard]] int getHeight() const { return height; }
+
+    /// Fills `rect` from the bitmap's pixel at `offset` on, as far as the bitmap and the context's
+    /// clip go. [ui]
+    void draw(CDrawContext& context, const CRect& rect, CPoint offset = {}) const;
+
+private:
+    ~CBitmap() override = default;
+
+    std::span<const unsigned char> pixels{}; ///< blue, green, red; rows from the bottom
+    int width = 0;
+    int height = 0;
+};

@@ -1,0 +1,42 @@
+#include "vstgui/ccontrol.h"
+
+#include "vstgui/aeffguieditor.h"
+#include "vstgui/cframe.h"
+
+#include <algorithm>
+
+CControl::CControl(const CRect& area, CControlListener* hearer, int number, int pictures,
+                   int height, CBitmap* shown, CPoint start)
+    : nbPictures(pictures),
+      viewSize(area),
+      listener(hearer),
+      tag(number),
+      pictureHeight(height),
+      bitmap(shown),
+      offset(start) {}
+
+void CControl::setValue(float newValue) {
+    newValue = std::clamp(newValue, 0.0f, 1.0f);
+    if (newValue == value)
+        return;
+    value = newValue;
+    dirty = true;
+}
+
+void CControl::draw(CDrawContext& context) const {
+    bitmap->draw(context, viewSize, {offset.x, offset.y + shownPicture() * pictureHeight});
+}
+
+void CControl::beginEdit() { editor().beginEdit(tag); }
+void CControl::endEdit() { editor().endEdit(tag); }
+
+void CControl::notifyListener() { listener->valueChanged(&frame->getContext(), this); }
+
+void CControl::changeTo(float newValue) {
+    beginEdit();
+    setValue(newValue);
+    notifyListener();
+    endEdit();
+}
+
+AEffGUIEditor& CControl::editor() const { return frame->getEditor(); }

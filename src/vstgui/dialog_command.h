@@ -1,0 +1,12 @@
+#pragma once
+/// The command lines of the desktops' file dialogs, which print the chosen path.
+
+#include "vst/interface.h"
+
+#include <string>
+#include <vector>
+
+using command_line = std::vector<std::string>;
+
+/// The dialogs to try, the first that is installed to be used.
+[[nodiscard]] std::vector<command_line> file_dialog_commands(const VstFileSelect& request);

@@ -1,0 +1,69 @@
+#pragma once
+/// What the toolkit needs of a system: a window inside the host's, pictures on it, the mouse, a
+/// file dialog and the library's bitmaps. Each system's sources stand beside this page, by its
+/// name: xcb and posix, win32, and headless, which tests put in their place. All is [ui].
+
+#include "vst/interface.h"
+#include "vstgui/cdrawcontext.h"
+#include "vstgui/geometry.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <span>
+
+/// The button that an event is about and the keys held with it, as bits.
+enum CButton : int {
+    kLButton = 1 << 0,
+    kMButton = 1 << 1,
+    kRButton = 1 << 2,
+    kShift = 1 << 3,
+    kControl = 1 << 4,
+    kAlt = 1 << 5,
+    kDoubleClick = 1 << 6, ///< a press soon after another at the same place
+};
+
+/// Whom a window tells what happens on it. Any of these calls may end the window.
+class PlatformWindowListener {
+public:
+    virtual void onExpose(const CRect& area) = 0;
+    virtual void onMouseDown(CPoint where, int buttons) = 0;
+    virtual void onMouseUp(CPoint where, int buttons) = 0;
+    /// While a button is down the pointer is followed beyond the window's edges.
+    virtual void onMouseMoved(CPoint where, int buttons) = 0;
+    virtual void onMouseWheel(CPoint where, float notches, int buttons) = 0; ///< up is positive
+    virtual void onMouseLost() = 0; ///< no onMouseUp will follow
+
+protected:
+    ~PlatformWindowListener() = default;
+};
+
+/// A window inside the host's; destruction closes it. It never takes the keyboard. When its parent
+/// or the display goes first it stays silent, and what is put on it is lost.
+class PlatformWindow {
+public:
+    virtual ~PlatformWindow() = default;
+
+    /// Shows an area of the picture at the same place of the window.
+    virtual void put(const CDrawContext& picture, const CRect& area) = 0;
+
+    /// Tells the listener what has happened. A window whose system calls by itself has nothing to
+    /// do here.
+    virtual void handleEvents() = 0;
+};
+
+/// Returns null when the system can show no window there. `parent` is the host's own window, as the
+/// host's system knows it: an X11 window's number, or a HWND. The listener outlives the window.
+[[nodiscard]] std::unique_ptr<PlatformWindow>
+open_platform_window(void* parent, CPoint size, PlatformWindowListener& listener);
+
+constexpr std::size_t file_path_size = 1024; ///< bytes with the terminating zero
+
+/// Lets the user choose a file to load or save, and stores its full path at `request.returnPath`,
+/// which holds file_path_size bytes. `parent` may be null. Where the dialog runs outside of this
+/// process, `keep_alive` is called meanwhile; false from it cancels. Returns false when cancelled.
+[[nodiscard]] bool run_file_dialog(const VstFileSelect& request, void* parent,
+                                   const std::function<bool()>& keep_alive);
+
+/// Returns the library's bitmap of that number, from its 40-byte information header on, or nothing.
+[[nodiscard]] std::span<const unsigned char> find_bitmap_resource(int number);

@@ -1,0 +1,50 @@
+#include "vstgui/platform_headless.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+class HeadlessWindow final : public PlatformWindow {
+public:
+    HeadlessWindow(headless_parent& host, PlatformWindowListener& listener) : parent(host) {
+        parent.listener = &listener;
+    }
+    ~HeadlessWindow() override { parent.listener = nullptr; }
+
+    void put(const CDrawContext& picture, const CRect& area) override {
+        parent.puts.push_back(area);
+        const CRect shown = area.intersection(picture.bounds());
+        const auto left = static_cast<std::size_t>(shown.left);
+        const auto width = static_cast<std::size_t>(shown.width());
+        for (int y = shown.top; y < shown.bottom; ++y)
+            std::ranges::copy(picture.row(y).subspan(left, width),
+                              parent.screen.row(y).begin() + shown.left);
+    }
+
+    void handleEvents() override {
+        if (parent.at_events)
+            parent.at_events();
+    }
+
+private:
+    headless_parent& parent;
+};
+
+} // namespace
+
+std::unique_ptr<PlatformWindow> open_platform_window(void* parent, CPoint,
+                                                     PlatformWindowListener& listener) {
+    auto* host = static_cast<headless_parent*>(parent);
+    return host->refuses ? nullptr : std::make_unique<HeadlessWindow>(*host, listener);
+}
+
+bool run_file_dialog(const VstFileSelect& request, void* parent,
+                     const std::function<bool()>& keep_alive) {
+    auto* host = static_cast<headless_parent*>(parent);
+    host->dialogs.push_back(request);
+    if (!keep_alive() || host->chosen_path.empty())
+        return false;
+    std::strcpy(request.returnPath, host->chosen_path.c_str());
+    return true;
+}

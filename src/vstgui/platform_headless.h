@@ -1,0 +1,20 @@
+#pragma once
+/// A system without a display, for tests: the host's "window" is a record of theirs, in which they
+/// see what is shown and from which they move the mouse.
+
+#include "vstgui/platform.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+/// Its address is the parent window.
+struct headless_parent {
+    bool refuses = false; ///< to show windows
+    CDrawContext screen{640, 480};
+    std::vector<CRect> puts{};                  ///< areas shown, in order
+    PlatformWindowListener* listener = nullptr; ///< of the window in it; null without one
+    std::function<void()> at_events{};          ///< what happens when the window handles events
+    std::string chosen_path{};                  ///< what the file dialog answers; empty: cancelled
+    std::vector<VstFileSelect> dialogs{};       ///< requests, in order; their pointers are stale
+};

@@ -1,0 +1,15 @@
+#include "vst/vstplugmain.h"
+#include "vstgui/platform.h"
+
+#include <windows.h>
+
+std::span<const unsigned char> find_bitmap_resource(int number) {
+    const auto library = static_cast<HMODULE>(hInstance);
+    HRSRC found =
+        FindResourceW(library, MAKEINTRESOURCEW(number), MAKEINTRESOURCEW(2)); // RT_BITMAP
+    HGLOBAL loaded = found ? LoadResource(library, found) : nullptr;
+    if (!loaded)
+        return {};
+    return {static_cast<const unsigned char*>(LockResource(loaded)),
+            SizeofResource(library, found)};
+}

@@ -1,0 +1,176 @@
+#include "vst/vstplugmain.h"
+#include "vstgui/platform.h"
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <windows.h>
+#include <windowsx.h>
+
+namespace {
+
+constexpr wchar_t class_name[] = L"vstgui frame";
+
+HINSTANCE library() { return static_cast<HINSTANCE>(hInstance); }
+
+int keys_held() {
+    const auto held = [](int key) { return GetKeyState(key) < 0; };
+    return (held(VK_SHIFT) ? kShift : 0) | (held(VK_CONTROL) ? kControl : 0)
+           | (held(VK_MENU) ? kAlt : 0);
+}
+
+CPoint point_of(LPARAM place) { return {GET_X_LPARAM(place), GET_Y_LPARAM(place)}; }
+
+class Win32Window final : public PlatformWindow {
+public:
+    explicit Win32Window(PlatformWindowListener& hearer) : listener(hearer) {}
+    ~Win32Window() override;
+
+    /// Returns whether the window is there.
+    bool create(HWND parent, CPoint size);
+
+    void put(const CDrawContext& picture, const CRect& area) override;
+    void handleEvents() override {} // the host's message loop brings them
+
+private:
+    static LRESULT CALLBACK receive(HWND receiver, UINT message, WPARAM detail, LPARAM place);
+    LRESULT handle(UINT message, WPARAM detail, LPARAM place);
+    void paint();
+    void press(int clicks, LPARAM place);
+    void release(LPARAM place);
+    void wheel(WPARAM detail, LPARAM place);
+
+    PlatformWindowListener& listener;
+    HWND window = nullptr; ///< null once the parent has gone
+    bool pressed = false;  ///< the left button; meanwhile the mouse is captured
+};
+
+bool Win32Window::create(HWND parent, CPoint size) {
+    WNDCLASSEXW kind{};
+    kind.cbSize = sizeof kind;
+    kind.style = CS_DBLCLKS;
+    kind.lpfnWndProc = receive;
+    kind.hInstance = library();
+    kind.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512)); // IDC_ARROW
+    kind.lpszClassName = class_name;
+    RegisterClassExW(&kind); // fails when another panel has done it
+    window = CreateWindowExW(0, class_name, L"", WS_CHILD | WS_CLIPSIBLINGS, 0, 0, size.x, size.y,
+                             parent, nullptr, library(), nullptr);
+    if (!window)
+        return false;
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    ShowWindow(window, SW_SHOWNA); // without taking the keyboard
+    return true;
+}
+
+/// The class must go before the library is unloaded. While another panel has a window of it, the
+/// system refuses, and that panel's end takes it away.
+Win32Window::~Win32Window() {
+    if (const HWND closing = std::exchange(window, nullptr)) {
+        SetWindowLongPtrW(closing, GWLP_USERDATA, 0);
+        DestroyWindow(closing);
+    }
+    UnregisterClassW(class_name, library());
+}
+
+void Win32Window::put(const CDrawContext& picture, const CRect& area) {
+    const CRect shown = area.intersection(picture.bounds());
+    if (!window || shown.empty())
+        return;
+    BITMAPINFO layout{};
+    layout.bmiHeader.biSize = sizeof layout.bmiHeader;
+    layout.bmiHeader.biWidth = picture.bounds().width();
+    layout.bmiHeader.biHeight = -shown.height(); // rows from the top
+    layout.bmiHeader.biPlanes = 1;
+    layout.bmiHeader.biBitCount = 32;
+    layout.bmiHeader.biCompression = BI_RGB;
+    const HDC surface = GetDC(window);
+    SetDIBitsToDevice(surface, shown.left, shown.top, static_cast<DWORD>(shown.width()),
+                      static_cast<DWORD>(shown.height()), shown.left, 0, 0,
+                      static_cast<UINT>(shown.height()), picture.row(shown.top).data(), &layout,
+                      DIB_RGB_COLORS);
+    ReleaseDC(window, surface);
+}
+
+LRESULT CALLBACK Win32Window::receive(HWND receiver, UINT message, WPARAM detail, LPARAM place) {
+    auto* self = reinterpret_cast<Win32Window*>(GetWindowLongPtrW(receiver, GWLP_USERDATA));
+    if (!self)
+        return DefWindowProcW(receiver, message, detail, place);
+    return self->handle(message, detail, place);
+}
+
+/// A call to the listener may end this object: each is the last that its message does here.
+LRESULT Win32Window::handle(UINT message, WPARAM detail, LPARAM place) {
+    switch (message) {
+    case WM_ERASEBKGND:
+        return 1;
+    case WM_PAINT:
+        paint();
+        return 0;
+    case WM_LBUTTONDOWN:
+        press(0, place);
+        return 0;
+    case WM_LBUTTONDBLCLK:
+        press(kDoubleClick, place);
+        return 0;
+    case WM_LBUTTONUP:
+        release(place);
+        return 0;
+    case WM_MOUSEMOVE:
+        listener.onMouseMoved(point_of(place), keys_held());
+        return 0;
+    case WM_MOUSEWHEEL:
+        wheel(detail, place);
+        return 0;
+    case WM_CAPTURECHANGED:
+        if (std::exchange(pressed, false))
+            listener.onMouseLost();
+        return 0;
+    case WM_DESTROY:
+        SetWindowLongPtrW(std::exchange(window, nullptr), GWLP_USERDATA, 0);
+        listener.onMouseLost();
+        return 0;
+    default:
+        return DefWindowProcW(window, message, detail, place);
+    }
+}
+
+void Win32Window::paint() {
+    PAINTSTRUCT damage;
+    BeginPaint(window, &damage);
+    EndPaint(window, &damage);
+    const RECT& area = damage.rcPaint;
+    listener.onExpose({static_cast<int>(area.left), static_cast<int>(area.top),
+                       static_cast<int>(area.right), static_cast<int>(area.bottom)});
+}
+
+void Win32Window::press(int clicks, LPARAM place) {
+    pressed = true;
+    SetCapture(window);
+    listener.onMouseDown(point_of(place), kLButton | clicks | keys_held());
+}
+
+void Win32Window::release(LPARAM place) {
+    pressed = false;
+    ReleaseCapture();
+    listener.onMouseUp(point_of(place), kLButton | keys_held());
+}
+
+/// The wheel's place is on the screen.
+void Win32Window::wheel(WPARAM detail, LPARAM place) {
+    POINT where{GET_X_LPARAM(place), GET_Y_LPARAM(place)};
+    ScreenToClient(window, &where);
+    const float notches = static_cast<float>(GET_WHEEL_DELTA_WPARAM(detail)) / WHEEL_DELTA;
+    listener.onMouseWheel({static_cast<int>(where.x), static_cast<int>(where.y)}, notches,
+                          keys_held());
+}
+
+} // namespace
+
+std::unique_ptr<PlatformWindow> open_platform_window(void* parent, CPoint size,
+                                                     PlatformWindowListener& listener) {
+    auto window = std::make_unique<Win32Window>(listener);
+    if (!window->create(static_cast<HWND>(parent), size))
+        return nullptr;
+    return window;
+}

@@ -1,0 +1,53 @@
+#pragma once
+/// A display of the test's own and a host with a window on it, whose user has real hands: the
+/// server makes the events.
+
+#include "vstgui/cdrawcontext.h"
+
+#include <csignal>
+#include <cstdint>
+#include <sys/types.h>
+#include <xcb/xcb.h>
+
+/// Xvfb, and this process's DISPLAY, until it is stopped.
+class XServer {
+public:
+    explicit XServer(int depth = 24);
+    ~XServer() { stop(); }
+    XServer(const XServer&) = delete;
+    XServer& operator=(const XServer&) = delete;
+
+    void stop(int signal = SIGTERM); ///< with SIGKILL it tells no client
+
+private:
+    pid_t pid = 0;
+};
+
+class XHost {
+public:
+    XHost();
+    ~XHost();
+    XHost(const XHost&) = delete;
+    XHost& operator=(const XHost&) = delete;
+
+    /// Returns what effEditOpen gets: a window of 480 by 400.
+    void* makeWindow(CPoint corner);
+    void destroyWindow(void* window);
+
+    [[nodiscard]] CDrawContext picture(void* window); ///< with its children's pictures
+    [[nodiscard]] unsigned nbChildren(void* window);
+
+    void takeKeys(void* window);
+    [[nodiscard]] int nextKey(); ///< the code of the key that reached that window; 0 for none
+
+    void move(CPoint onScreen);
+    void button(int number, bool down);
+    void key(std::uint8_t keycode, bool down);
+    void sync();
+
+private:
+    void fake(std::uint8_t type, std::uint8_t detail, CPoint where);
+
+    xcb_connection_t* connection;
+    xcb_screen_t* screen;
+};
