@@ -135,6 +135,7 @@ int run(const arguments& given) {
         return list_rows(given);
     report_crashes();
     discard_standard_output();
+    keep_system_libraries();
     if (!given.write_file && !given.compare_file)
         return judge(given);
     trial running{.plugin_file = given.plugin_file, .row = "reference", .seed = given.seed};

@@ -46,5 +46,8 @@ void set_environment(const char* name, const std::string& value);
 /// The plug-in writes lines of its own there; the suite reports on the standard error stream.
 void discard_standard_output();
 
+/// Loads what a host of this system has loaded anyway, for good.
+void keep_system_libraries();
+
 /// A crash ends the process at once, without asking anyone.
 void silence_crash_dialogs();

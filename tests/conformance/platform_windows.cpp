@@ -94,6 +94,9 @@ void discard_standard_output() {
         throw mismatch{"there is no NUL"};
 }
 
+// Wine loses a handle each time that the file dialogs' library comes and goes.
+void keep_system_libraries() { LoadLibraryW(L"comdlg32.dll"); }
+
 void silence_crash_dialogs() {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
 }
