@@ -1,7 +1,7 @@
 #pragma once
 /// A WAV or FLAC file being written. The same samples give the same bytes: no dates are put in.
 
-#include "audio_file/output_file.h"
+#include "output_file/output_file.h"
 
 #include <cstdint>
 #include <memory>

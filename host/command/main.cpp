@@ -1,5 +1,6 @@
 #include "command/arguments.h"
 #include "command/info_command.h"
+#include "command/panel_command.h"
 #include "command/render_command.h"
 #include "platform/streams.h"
 
@@ -27,7 +28,9 @@ CLI::Validator within(double low, double high) {
 }
 
 void add_plugin_option(CLI::App& app, std::filesystem::path& file) {
-    app.add_option("--plugin", file, "the instrument (tindelwax.so beside this program)")
+    app.add_option("--plugin", file,
+                   "the instrument (tindelwax.so beside this program, or\n"
+                   "installed with it)")
         ->option_text("FILE");
 }
 
@@ -48,9 +51,12 @@ void add_file_options(CLI::App& app, render_request& request) {
     app.add_option("--rate", request.rate_hz, "frames a second (48000)")
         ->option_text("HZ")
         ->check(within(8000, 192000));
+    app.add_option("--block", request.block_frames, "frames that are asked for at once (64)")
+        ->option_text("FRAMES")
+        ->check(within(1, 65536));
 }
 
-void add_instrument_options(CLI::App& app, render_request& request) {
+void add_instrument_options(CLI::App& app, instrument_request& request) {
     add_plugin_option(app, request.plugin_file);
     app.add_option("--set", request.settings,
                    "set a parameter to a value from 0 to 1, or on or off;\n"
@@ -62,9 +68,6 @@ void add_instrument_options(CLI::App& app, render_request& request) {
                    "start of the instrument's random numbers (1): the same\n"
                    "command gives the same bytes on every run")
         ->option_text("N");
-    app.add_option("--block", request.block_frames, "frames that are asked for at once (64)")
-        ->option_text("FRAMES")
-        ->check(within(1, 65536));
 }
 
 void add_music_options(CLI::App& app, render_request& request) {
@@ -107,6 +110,19 @@ CLI::App* add_render(CLI::App& app, render_request& request) {
     return render;
 }
 
+CLI::App* add_panel(CLI::App& app, panel_request& request) {
+    CLI::App* panel = app.add_subcommand("panel", "Picture a plug-in's editor");
+    panel->footer("Where there is no display, the editor opens on one that nobody sees (Xvfb).");
+    panel->add_option("-o,--output", request.output, "the picture, named .png")
+        ->option_text("PANEL.png")
+        ->required();
+    panel->add_option("--scale", request.scale, "make each pixel a square of N by N, 1 to 8 (1)")
+        ->option_text("N")
+        ->check(within(1, 8));
+    add_instrument_options(*panel, request);
+    return panel;
+}
+
 std::string complaint_text(const CLI::App& app, const CLI::ParseError& error) {
     if (!app.get_subcommands().empty())
         return error.what();
@@ -126,17 +142,31 @@ void print(std::FILE* p_output, const std::string& text) {
                       std::string{"cannot write to standard output: "} + std::strerror(errno)};
 }
 
+/// Beside the program where both are built; else in the VST folder where both are installed.
+std::filesystem::path own_plugin_file() {
+    const std::filesystem::path folder = executable_path().parent_path();
+    const auto beside = folder / "tindelwax.so";
+    const auto installed = folder.parent_path() / "lib/vst/tindelwax.so";
+    std::error_code ignored;
+    return !exists(beside, ignored) && exists(installed, ignored) ? installed : beside;
+}
+
 void run(std::vector<std::string> arguments, std::FILE* p_output) {
-    CLI::App app{"Plays MIDI songs on Tindelwax or any other VST 2.4 instrument.\n"
+    CLI::App app{"Plays MIDI songs on Tindelwax or any other VST 2.4 instrument and pictures its\n"
+                 "editor.\n"
                  "tindelwax COMMAND --help tells all about a command.",
                  "tindelwax"};
     app.set_version_flag("--version", "tindelwax " TINDELWAX_VERSION);
     app.require_subcommand(1);
     app.get_formatter()->column_width(24);
-    render_request request{.plugin_file = executable_path().parent_path() / "tindelwax.so"};
-    const CLI::App* render = add_render(app, request);
+    const std::filesystem::path ours = own_plugin_file();
+    render_request to_render{{.plugin_file = ours}};
+    const CLI::App* render = add_render(app, to_render);
+    panel_request to_picture{{.plugin_file = ours}};
+    const CLI::App* panel = add_panel(app, to_picture);
+    instrument_request to_describe{.plugin_file = ours};
     CLI::App* info = app.add_subcommand("info", "Tell what a plug-in says of itself");
-    add_plugin_option(*info, request.plugin_file);
+    add_plugin_option(*info, to_describe.plugin_file);
 
     join_optional_level(arguments);
     std::reverse(arguments.begin(), arguments.end()); // the library takes them from the back
@@ -150,9 +180,11 @@ void run(std::vector<std::string> arguments, std::FILE* p_output) {
         return print(p_output, asked_for.str());
     }
     if (render->parsed())
-        render_run(request, p_output);
+        render_run(to_render, p_output);
+    else if (panel->parsed())
+        panel_run(to_picture);
     else
-        print(p_output, info_text(request.plugin_file));
+        print(p_output, info_text(to_describe.plugin_file));
 }
 
 } // namespace

@@ -3,28 +3,32 @@
 #include "command/arguments.h"
 #include "platform/streams.h"
 
+#include <algorithm>
+
 namespace fs = std::filesystem;
 
 namespace {
 
 [[noreturn]] void misuse(const std::string& sentence) { throw failure{exit_misused, sentence}; }
 
-/// ".wav" or ".flac".
-std::string ending_of(const std::string& output) {
-    if (output == "-")
-        return ".wav";
-    const auto is_known = [](const std::string& text) { return text == ".wav" || text == ".flac"; };
-    const fs::path name = fs::path{output}.filename();
-    if (is_known(lower_case(name.string()))) // a hidden file to the library, without extension
-        misuse("the audio file " + output + " has no name before its ending; call it song"
-               + name.string());
-    std::string ending = lower_case(name.extension().string());
-    if (!is_known(ending))
-        misuse("the name of the audio file " + output + " must end in .wav or .flac");
-    return ending;
-}
-
 } // namespace
+
+std::string ending_of(const file_kind& kind, const std::string& file) {
+    const auto is_known = [&kind](const std::string& text) {
+        return std::find(kind.endings.begin(), kind.endings.end(), text) != kind.endings.end();
+    };
+    const fs::path name = fs::path{file}.filename();
+    if (is_known(lower_case(name.string()))) // a hidden file to the library, without extension
+        misuse(std::string{"the "} + kind.name + " " + file
+               + " has no name before its ending; call it " + kind.example + name.string());
+    std::string ending = lower_case(name.extension().string());
+    if (is_known(ending))
+        return ending;
+    std::string choices;
+    for (const std::string& known : kind.endings)
+        choices += (choices.empty() ? "" : " or ") + known;
+    misuse(std::string{"the name of the "} + kind.name + " " + file + " must end in " + choices);
+}
 
 std::string output_choose(const render_request& request, std::FILE* p_output) {
     std::string output = request.output;
@@ -41,7 +45,8 @@ std::string output_choose(const render_request& request, std::FILE* p_output) {
 }
 
 audio_format output_choose_format(const render_request& request, const std::string& output) {
-    const bool is_flac = ending_of(output) == ".flac";
+    const file_kind kind{"audio file", "song", {".wav", ".flac"}};
+    const bool is_flac = output != "-" && ending_of(kind, output) == ".flac";
     const int finest = is_flac ? 24 : 32;
     if (request.nb_bits > finest)
         misuse("a FLAC file takes --bits 16 or 24; only a WAV file takes 32");

@@ -1,8 +1,18 @@
 #pragma once
-/// Where the audio goes and in which format.
+/// Where the output goes and in which format.
 
 #include "audio_file/audio_file.h"
 #include "command/render_command.h"
+
+struct file_kind {
+    const char* name;    ///< as messages call it
+    const char* example; ///< of a file's name, without its ending
+    std::vector<std::string> endings;
+};
+
+/// The ending of the file's name, one of the kind's, in lower case. Throws a failure of misuse if
+/// the name has none of them, or nothing else.
+[[nodiscard]] std::string ending_of(const file_kind& kind, const std::string& file);
 
 /// "-" or a file's name; `p_output` is the real standard output. Throws a failure of misuse if the
 /// audio would end up in a terminal or in the song.

@@ -7,7 +7,6 @@
 #include "command/song_input.h"
 #include "command/sound_writer.h"
 #include "platform/interrupt.h"
-#include "platform/streams.h"
 #include "render/render.h"
 #include "report/keyboard.h"
 #include "report/report.h"
@@ -48,15 +47,9 @@ render_options options_of(const render_request& request) {
     return {request.rate_hz, request.block_frames, request.tail_seconds};
 }
 
-void set_up(plugin& instrument, const render_request& request) {
-    instrument.prepare(request.rate_hz, request.block_frames);
-    apply_settings(instrument, request.settings);
-}
-
-/// Sets up and plays the song's beginning, unheard.
+/// Plays the song's beginning, unheard.
 void rehearse(plugin& instrument, const score& music, const midi_song& song,
               const render_request& request) {
-    set_up(instrument, request);
     const auto goes_on = [&request, seconds = 0.0](double) mutable {
         const double before = seconds; // so that one block is played, however long
         seconds += static_cast<double>(request.block_frames) / request.rate_hz;
@@ -115,11 +108,10 @@ void render_run(const render_request& request, std::FILE* p_output) {
     check_length(request, song, format);
     const score music = score_arrange(song, arrangement, request.rate_hz);
 
-    set_environment("TINDELWAX_SEED", std::to_string(request.seed).c_str());
-    plugin_try(request.plugin_file,
-               [&](plugin& instrument) { rehearse(instrument, music, song, request); });
+    instrument_try(request,
+                   [&](plugin& instrument) { rehearse(instrument, music, song, request); });
     plugin instrument{request.plugin_file};
-    set_up(instrument, request);
+    instrument_set_up(instrument, request);
     format.nb_channels = std::max(1, instrument.nb_channels());
 
     interrupt_catch();

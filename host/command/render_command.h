@@ -1,22 +1,16 @@
 #pragma once
 /// "tindelwax render": a song becomes an audio file.
 
-#include <cstdint>
+#include "command/instrument.h"
+
 #include <cstdio>
-#include <filesystem>
 #include <optional>
 #include <string>
-#include <vector>
 
-struct render_request {
+struct render_request : instrument_request {
     std::string song{};   ///< "-" for standard input
     std::string output{}; ///< "-" for standard output; empty: named like the song
-    std::filesystem::path plugin_file{};
-    int rate_hz = 48000;
-    int block_frames = 64;
-    int nb_bits = 0; ///< 0: the format's finest
-    std::uint32_t seed = 1;
-    std::vector<std::string> settings{}; ///< "Name=value"
+    int nb_bits = 0;      ///< 0: the format's finest
     double gain_db = 0;
     std::optional<double> peak_db{}; ///< to normalize to
     int transposition = 0;

@@ -1,36 +1,24 @@
+#include "tests/host/command/command_fixture.h"
 #include "tests/host/midi_bytes.h"
-#include "tests/host/process.h"
-#include "tests/temporary_folder.h"
 
-#include <algorithm>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sstream>
 #include <unistd.h>
 
 namespace {
 
 using midi_bytes::song;
-using words = std::vector<std::string>;
-
-std::string test_plugin(const std::string& name) { return TEST_PLUGINS "/" + name + ".so"; }
 
 /// At 480 ticks a quarter and 120 bpm, 83 60 is half a second and 24000 frames at 48 kHz.
 const auto half_second = song(0, 480, {"00 90 45 40 83 60 80 45 40"});
 
-struct Command : testing::Test {
-    temporary_folder folder;
-    process_surroundings surroundings{.folder = folder.path};
-
+struct Command : command_fixture {
     Command() { file_write(folder / "song.mid", half_second); }
 
-    process_result run(words arguments, const std::string& plugin = "sine_main") {
-        arguments.insert(arguments.begin(), TEST_COMMAND);
-        if (!plugin.empty())
-            arguments.insert(arguments.end(), {"--plugin", test_plugin(plugin)});
-        return process_run(arguments, surroundings);
+    process_result run(const words& arguments, const std::string& plugin = "sine_main") {
+        return command_fixture::run(arguments, plugin);
     }
 
     /// What the instrument noted about its host during a render.
@@ -59,12 +47,6 @@ struct Command : testing::Test {
         return size;
     }
 };
-
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != text.npos;
-}
-
-long nb_lines(const std::string& text) { return std::count(text.begin(), text.end(), '\n'); }
 
 TEST_F(Command, RendersBesideTheUserUnderTheSongsName) {
     const process_result result = run({"render", "song.mid"});
@@ -190,7 +172,8 @@ TEST_F(Command, FindsThePluginBesideItself) {
 }
 
 TEST_F(Command, HelpFitsATerminal) {
-    for (const words& arguments : {words{"--help"}, {"render", "--help"}, {"info", "--help"}}) {
+    for (const words& arguments :
+         {words{"--help"}, {"render", "--help"}, {"panel", "--help"}, {"info", "--help"}}) {
         words whole{TEST_COMMAND};
         whole.insert(whole.end(), arguments.begin(), arguments.end());
         const process_result result = process_run(whole);
@@ -216,8 +199,8 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
     file_write(folder / "noise.so", std::string{"no library"});
     const auto before = folder.nb_files();
     const complaint rows[] = {
-        {{}, "", 2, "a command is missing; the commands are render, info"},
-        {{"bogus"}, "", 2, "\"bogus\" is no command; the commands are render, info"},
+        {{}, "", 2, "a command is missing; the commands are render, panel, info"},
+        {{"bogus"}, "", 2, "\"bogus\" is no command; the commands are render, panel, info"},
         {{"--loud"}, "", 2, "\"--loud\" is no command"},
         {{"render"}, "", 2, "song"},
         {{"render", "song.mid", "--rate", "nan"}, "", 2, "--rate"},

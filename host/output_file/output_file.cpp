@@ -1,4 +1,4 @@
-#include "audio_file/output_file.h"
+#include "output_file/output_file.h"
 
 #include "failure/failure.h"
 #include "platform/streams.h"

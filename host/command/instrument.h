@@ -1,0 +1,23 @@
+#pragma once
+/// The instrument that the user named, and how it is to be set up.
+
+#include "plugin/plugin.h"
+
+#include <cstdint>
+
+struct instrument_request {
+    std::filesystem::path plugin_file{};
+    int rate_hz = 48000;
+    int block_frames = 64;
+    std::uint32_t seed = 1;
+    std::vector<std::string> settings{}; ///< "Name=value"
+};
+
+/// Rehearses in a child process what is planned with the instrument. Throws a failure as plugin_try
+/// does.
+void instrument_try(const instrument_request& request,
+                    const std::function<void(plugin&)>& rehearse);
+
+/// Announces rate and block and sets the parameters. Throws a failure of misuse for settings that
+/// cannot be.
+void instrument_set_up(plugin& instrument, const instrument_request& request);

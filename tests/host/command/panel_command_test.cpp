@@ -1,0 +1,140 @@
+#include "tests/host/command/command_fixture.h"
+#include "tests/host/picture_content.h"
+#include "tests/vstgui/x_host.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+
+namespace {
+
+constexpr unsigned red = 0xFF0000, green = 0x00FF00, blue = 0x0000FF;
+
+struct PanelCommand : command_fixture {
+    PanelCommand() { surroundings.environment["DISPLAY"] = ""; }
+
+    picture pictured(words options, const std::string& plugin) {
+        options.insert(options.begin(), {"panel", "-o", "panel.png"});
+        const process_result result = run(options, plugin);
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(result.out + result.err, "");
+        return picture_content(folder / "panel.png");
+    }
+};
+
+TEST_F(PanelCommand, ShowsOurOwnPanelAndItsSwitches) {
+    const picture plain = pictured({}, TEST_INSTRUMENT);
+    EXPECT_EQ(plain.width, 480);
+    EXPECT_EQ(plain.height, 400);
+    const picture large = pictured({"--scale", "3"}, TEST_INSTRUMENT);
+    ASSERT_EQ(large.width, 1440);
+    ASSERT_EQ(large.height, 1200);
+    const picture turned = pictured({"--set", "Vibrato=on"}, TEST_INSTRUMENT);
+    int nb_different = 0;
+    for (int y = 0; y < plain.height; ++y)
+        for (int x = 0; x < plain.width; ++x) {
+            ASSERT_EQ(colour_at(large, 3 * x + 1, 3 * y + 2), colour_at(plain, x, y));
+            nb_different += colour_at(plain, x, y) != colour_at(turned, x, y);
+        }
+    EXPECT_GT(nb_different, 100);
+    EXPECT_LE(nb_different, 56 * 128) << "more than one switch";
+}
+
+TEST_F(PanelCommand, WaitsUntilThePictureStandsStillAndClosesTheEditor) {
+    surroundings.environment["TINDELWAX_TEST_LOG"] = folder / "log";
+    for (const auto& [options, colour] :
+         {std::pair{words{}, blue}, {words{"--set", "Green=1"}, green}}) {
+        const picture shown = pictured(options, "painter");
+        ASSERT_EQ(shown.width, 40);
+        ASSERT_EQ(shown.height, 30);
+        for (int y = 0; y < 30; ++y)
+            for (int x = 0; x < 40; ++x)
+                ASSERT_EQ(colour_at(shown, x, y), x < 20 ? red : colour) << x << ", " << y;
+    }
+    EXPECT_EQ(nb_lines(file_content(folder / "log")), 4) << "each in the trial run and for good";
+}
+
+TEST_F(PanelCommand, AnEditorThatMovesOrGrowsIsPicturedToo) {
+    for (const char* mood : {"is restless", "grows"}) {
+        surroundings.environment["TINDELWAX_TEST_EDITOR"] = mood;
+        const picture shown = pictured({}, "painter");
+        ASSERT_EQ(shown.width, 40) << mood;
+        EXPECT_EQ(colour_at(shown, 19, 29), red) << mood;
+    }
+}
+
+TEST_F(PanelCommand, UsesTheUsersDisplayOfAnyDepth) {
+    surroundings.environment["PATH"] = folder.path; // without another server
+    for (const int depth : {16, 24, 30}) {
+        const XServer server{depth};
+        surroundings.environment["DISPLAY"] = std::getenv("DISPLAY");
+        const picture shown = pictured({}, "painter");
+        ASSERT_EQ(shown.width, 40) << "depth " << depth;
+        EXPECT_EQ(colour_at(shown, 0, 0), red) << "depth " << depth;
+        EXPECT_EQ(colour_at(shown, 39, 29), blue) << "depth " << depth;
+    }
+}
+
+TEST_F(PanelCommand, TheDisplayThatItStartedEndsWithIt) {
+    file_write(folder / "Xvfb", "#!/bin/sh\necho $$ >\"" + (folder / "server")
+                                    + "\"\nPATH=${PATH#*:}\nexec Xvfb \"$@\"\n");
+    std::filesystem::permissions(folder / "Xvfb", std::filesystem::perms::owner_all);
+    surroundings.environment["PATH"] = folder.path.string() + ":" + std::getenv("PATH");
+    surroundings.environment["DISPLAY"] = ":no such display";
+    (void)pictured({}, "painter");
+    const int server = std::atoi(file_content(folder / "server").c_str());
+    ASSERT_GT(server, 0);
+    EXPECT_NE(kill(server, 0), 0);
+}
+
+struct complaint {
+    words arguments;
+    std::string plugin;
+    const char* mood;
+    int status;
+    std::string part; ///< of the one sentence
+};
+
+TEST_F(PanelCommand, EveryFaultGetsOneSentenceAndLeavesNoFile) {
+    const complaint rows[] = {
+        {{}, "", "", 2, "--output is required"},
+        {{"-o", "a.jpg"}, "painter", "", 2, "picture a.jpg must end in .png"},
+        {{"-o", "./.png"}, "painter", "", 2, "call it panel.png"},
+        {{"-o", "a.png", "--scale", "0"}, "painter", "", 2, "--scale"},
+        {{"-o", "a.png", "--scale", "1.5"}, "painter", "", 2, "--scale"},
+        {{"-o", "a.png", "--set", "Blue=1"}, "painter", "", 2, "no parameter \"Blue\""},
+        {{"-o", "no/folder/a.png"}, "painter", "", 1, "cannot write no/folder/a.png: No such"},
+        {{"-o", "a.png"}, "no_such_plugin", "", 1, "is missing"},
+        {{"-o", "a.png"}, "sine_main", "", 1, "the plug-in has no editor"},
+        {{"-o", "a.png"}, "painter", "refuses", 1, "refuses to open its editor"},
+        {{"-o", "a.png"}, "painter", "aborts", 1, "crashes in a trial run (Aborted)"},
+        {{"-o", "a.png"}, "painter", "tells no size", 1, "size of its editor"},
+        {{"-o", "a.png"}, "painter", "is too large", 1, "20000 by 30 pixels"},
+    };
+    for (const complaint& row : rows) {
+        surroundings.environment["TINDELWAX_TEST_EDITOR"] = row.mood;
+        words arguments{"panel"};
+        arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+        const process_result result = run(arguments, row.plugin);
+        EXPECT_EQ(result.status, row.status) << row.part;
+        EXPECT_TRUE(result.err.starts_with("tindelwax: ")) << result.err;
+        EXPECT_TRUE(contains(result.err, row.part)) << row.part << " expected in " << result.err;
+        EXPECT_EQ(nb_lines(result.err), 1) << result.err;
+        EXPECT_EQ(folder.nb_files(), 0u) << row.part;
+    }
+}
+
+TEST_F(PanelCommand, WithoutAnyDisplayTheNextStepIsNamed) {
+    surroundings.environment["PATH"] = folder.path;
+    const auto complains = [this](const char* part) {
+        const process_result result = run({"panel", "-o", "a.png"}, "painter");
+        EXPECT_EQ(result.status, 1);
+        EXPECT_TRUE(contains(result.err, part)) << result.err;
+        EXPECT_EQ(nb_lines(result.err), 1) << result.err;
+    };
+    complains("install the package xvfb");
+    std::filesystem::create_symlink("/bin/false", folder / "Xvfb");
+    complains("Xvfb does not start");
+}
+
+} // namespace
