@@ -38,6 +38,9 @@ public:
     [[nodiscard]] void* getSystemWindow() const { return systemWindow; }
 
 protected:
+    /// Whether a gesture is under way that let the host have this turn.
+    [[nodiscard]] bool isInIdle() const { return inIdle; }
+
     ERect rect{};
     CReference<CFrame> frame{}; ///< null while closed
 

@@ -165,7 +165,11 @@ void XcbWindow::handle(const xcb_generic_event_t& event) {
     }
     case XCB_MOTION_NOTIFY: {
         const auto& motion = reinterpret_cast<const xcb_motion_notify_event_t&>(event);
-        listener.onMouseMoved({motion.event_x, motion.event_y}, buttons_of(motion.state));
+        // A grab of others ends a drag without a word; the button's absence tells.
+        if ((motion.state & XCB_BUTTON_MASK_1) != 0)
+            listener.onMouseMoved({motion.event_x, motion.event_y}, buttons_of(motion.state));
+        else
+            listener.onMouseLost();
         break;
     }
     case XCB_DESTROY_NOTIFY:

@@ -61,7 +61,8 @@ void unmap_guarded_pages(char* mapping, std::size_t nb_pages) {
 }
 
 resources resources_in_use() {
-    return {.nb_bytes = mallinfo2().uordblks,
+    const auto heap = mallinfo2();
+    return {.nb_bytes = heap.uordblks + heap.hblkhd,
             .nb_threads = nb_entries("/proc/self/task"),
             .nb_handles = nb_entries("/proc/self/fd"),
             .nb_slots = next_slot(),

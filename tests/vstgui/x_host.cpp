@@ -66,12 +66,14 @@ XServer::XServer(int depth) {
         posix_spawnp(&pid, "Xvfb", &files, nullptr, const_cast<char**>(arguments.data()), environ);
     posix_spawn_file_actions_destroy(&files);
     close(ends[1]);
-    char text[16] = {};
-    const bool started = error == 0 && read(ends[0], text, sizeof text - 1) > 0;
+    std::string number;
+    char next = 0; // to the line's end: the server ends when it cannot write all of it
+    while (error == 0 && read(ends[0], &next, 1) == 1 && next != '\n')
+        number += next;
     close(ends[0]);
-    if (!started)
+    if (number.empty())
         throw std::runtime_error("Xvfb does not start: install xvfb");
-    setenv("DISPLAY", (":" + std::to_string(std::atoi(text))).c_str(), 1);
+    setenv("DISPLAY", (":" + number).c_str(), 1);
 }
 
 void XServer::stop(int signal) {

@@ -136,7 +136,8 @@ void Editor::showParameters() {
 void Editor::idle() {
     if (!frame)
         return;
-    takeChanges();
+    if (!isInIdle()) // else a value set before would undo what the hand has just done
+        takeChanges();
     AEffGUIEditor::idle();
     if (!frame) // a gesture made the host close the panel
         return;

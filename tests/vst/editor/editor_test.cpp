@@ -38,6 +38,17 @@ struct EditorTest : testing::Test {
     headless_parent window{};
 };
 
+TEST_F(EditorTest, AClickCountsThoughTheHostIdlesInIt) {
+    constexpr CPoint flute{212, 176};
+    host.at_idle = [this] { host.idle(); }; // what was set before waits for an idle turn
+    ASSERT_TRUE(host.open(&window));
+    host.plugin->setParameter(0, 1.0f);
+    click(flute);
+    EXPECT_EQ(host.plugin->getParameter(0), 0.0f);
+    click(flute);
+    EXPECT_EQ(host.plugin->getParameter(0), 1.0f);
+}
+
 TEST_F(EditorTest, TellsItsSizeBeforeItOpens) {
     EXPECT_NE(host.plugin->getAeffect()->flags & effFlagsHasEditor, 0);
     ERect* size = nullptr;
