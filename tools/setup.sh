@@ -4,28 +4,45 @@ set -euo pipefail
 here=$PWD
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+# The prefix of a command that needs root; ends the script where there is none.
+as_root=()
+need_root() {
+    ((EUID == 0)) && return
+    if ! command -v sudo >/dev/null; then
+        echo "Missing: $*. Install them as root with apt-get, then run this again." >&2
+        exit 1
+    fi
+    as_root=(sudo)
+}
+
+is_installed() { [[ $(dpkg-query -W -f '${Status}' "$1" 2>/dev/null) == *" installed" ]]; }
+
 # Installs those of the named packages that are missing, and says which.
 need() {
-    local missing=() package as_root=()
+    local missing=() package
     for package in "$@"; do
-        [[ $(dpkg-query -W -f '${Status}' "$package" 2>/dev/null) == *" installed" ]] ||
-            missing+=("$package")
+        is_installed "$package" || missing+=("$package")
     done
     ((${#missing[@]} == 0)) && return
-    if ((EUID != 0)); then
-        if ! command -v sudo >/dev/null; then
-            echo "Missing: ${missing[*]}. Install them as root with apt-get, then run this again." >&2
-            exit 1
-        fi
-        as_root=(sudo)
-    fi
+    need_root "${missing[@]}"
     echo "Installing ${missing[*]}" >&2
     "${as_root[@]}" apt-get -qq update >&2
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get -qq -y --no-install-recommends install "${missing[@]}" >/dev/null
 }
 
-build_packages=(g++ cmake ninja-build pkg-config libcli11-dev libsndfile1-dev)
+# Installs Wine for 32-bit and 64-bit programs.
+need_wine() {
+    is_installed wine64 && is_installed wine32:i386 && return
+    need_root wine
+    echo "Installing wine64 wine32" >&2
+    "${as_root[@]}" tools/install_wine >/dev/null
+}
+
+build_packages=(
+    g++ cmake ninja-build pkg-config libcli11-dev libsndfile1-dev libxcb1-dev libpng-dev)
+windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
+package_packages=(nsis dpkg-dev file fakeroot)
 
 # Configures and builds a preset, quietly unless it fails: build PRESET [cmake options]
 build() {
