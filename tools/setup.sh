@@ -26,7 +26,8 @@ need() {
     ((${#missing[@]} == 0)) && return
     need_root "${missing[@]}"
     echo "Installing ${missing[*]}" >&2
-    "${as_root[@]}" apt-get -qq update >&2
+    "${as_root[@]}" apt-get -qq update >&2 ||
+        echo "Some package lists are out of date; going on with those there are." >&2
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get -qq -y --no-install-recommends install "${missing[@]}" >/dev/null
 }

@@ -35,14 +35,14 @@ constexpr int oversampling = 8;
 constexpr int korvel_nb_oscs = 61; ///< "C_2" to "C_7"
 
 /// Returns an oscillator with a silent table of floor((nb_period / root_freq) / (1 /
-/// sampling_freq)) samples, its frequency and name from the spec. `squared` marks a bank whose
-/// tables are filled with square waves later, which takes nothing else from the spec.
+/// sampling_freq)) samples, its frequency and name as described. `squared` marks a bank whose
+/// tables are filled with square waves later, which takes nothing else of the description.
 [[nodiscard]] oscillator oscillator_create_from_spec(int osc_number, int nb_period,
                                                      const oscillator_spec* spec, int sampling_freq,
                                                      int squared);
 
 /// Returns a bank of `nb_spec` silent oscillators of one period; `config` has for each the
-/// frequency that takes the place of the spec's. Free with oscillators_bank_free.
+/// frequency that takes the place of the described one. Free with oscillators_bank_free.
 [[nodiscard]] oscillators_bank* oscillators_bank_create_from_specs(const oscillator_spec* specs,
                                                                    const tuned_frequency* config,
                                                                    int nb_spec, int sampling_freq,
