@@ -1,6 +1,6 @@
 #include "vstgui/cframe.h"
 
-#include <ranges>
+#include <algorithm>
 #include <utility>
 
 CFrame::CFrame(const CRect& size, void* parent, AEffGUIEditor* editor_)
@@ -120,8 +120,8 @@ void CFrame::releaseMouse() {
 }
 
 CControl* CFrame::viewAt(CPoint where) const {
-    for (const auto& view : std::views::reverse(views))
-        if (view->getViewSize().contains(where))
-            return view.get();
-    return nullptr;
+    const auto found = std::find_if(views.rbegin(), views.rend(), [where](const auto& view) {
+        return view->getViewSize().contains(where);
+    });
+    return found == views.rend() ? nullptr : found->get();
 }

@@ -38,6 +38,7 @@ std::vector<char*> clean_environment() {
 
 std::vector<char*> arguments_of(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str())); // the call's type; not written
     arguments.push_back(nullptr);

@@ -1,7 +1,7 @@
 #include "vstgui/platform_headless.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstdio>
 
 namespace {
 
@@ -45,6 +45,6 @@ bool run_file_dialog(const VstFileSelect& request, void* parent,
     host->dialogs.push_back(request);
     if (!keep_alive() || host->chosen_path.empty())
         return false;
-    std::strcpy(request.returnPath, host->chosen_path.c_str());
+    std::snprintf(request.returnPath, file_path_size, "%s", host->chosen_path.c_str());
     return true;
 }
