@@ -2,51 +2,19 @@
 
 #include "control/control.h"
 #include "vst/editor/file_choice.h"
+#include "vst/editor/panel_layout.h"
 #include "vst/editor/tags.h"
 #include "vst/organ.h"
-#include "vstgui/canimknob.h"
-#include "vstgui/ckickbutton.h"
 #include "vstgui/cmoviebitmap.h"
 #include "vstgui/conoffbutton.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
-#include <memory>
 #include <utility>
 
 namespace {
 
-/// Resource numbers of the panel's bitmaps.
-constexpr int background_bitmap = 128;
-constexpr int learn_bitmap = 129;
-constexpr int lamp_bitmap = 130;
-constexpr int panic_bitmap = 132;
-
-struct panel_place {
-    int tag;
-    int bitmap; ///< resource number
-    CPoint corner;
-};
-
-constexpr int nb_knob_pictures = 32;
-constexpr panel_place knobs[] = {{8, 150, {216, 274}}, {7, 151, {90, 274}}, {6, 152, {341, 274}}};
-
-constexpr panel_place switches[] = {{4, 153, {71, 112}},  {5, 154, {128, 112}},
-                                    {0, 155, {184, 112}}, {1, 156, {240, 112}},
-                                    {2, 157, {297, 112}}, {3, 158, {353, 112}}};
-
-constexpr CPoint learn_corner{306, 11}, lamp_corner{351, 11}, panic_corner{398, 11};
-
 constexpr float highest_program = 1e9f; ///< within the integers
-
-CReference<CBitmap> load(int number) { return CReference<CBitmap>::adopt(new CBitmap(number)); }
-
-/// The place of a control whose bitmap stacks that many pictures.
-CRect picture_area(const CBitmap& bitmap, int nb_pictures, CPoint corner) {
-    return {corner.x, corner.y, corner.x + bitmap.getWidth(),
-            corner.y + bitmap.getHeight() / nb_pictures};
-}
 
 } // namespace
 
@@ -54,7 +22,7 @@ Editor::Editor(Organ* owner, control* registry)
     : AEffGUIEditor(owner),
       p_effect(owner),
       p_control(registry),
-      hBackground(load(background_bitmap)),
+      hBackground(load_background()),
       changes(registry->nb_parameters) {
     rect.bottom = static_cast<VstInt16>(hBackground->getHeight());
     rect.right = static_cast<VstInt16>(hBackground->getWidth());
@@ -70,8 +38,10 @@ bool Editor::open(void* parent) {
     if (!opened->isOpen())
         return false;
     opened->setBackground(hBackground.get());
-    addParameterControls(*opened);
-    addActionControls(*opened);
+    controls = add_parameter_controls(*opened, this, *p_control);
+    cMidiLearnButton = add_learn_switch(*opened, this);
+    cMidiInLED = add_midi_lamp(*opened, this);
+    add_panic_button(*opened, this);
     systemWindow = parent;
     frame = std::move(opened);
     showParameters();
@@ -81,47 +51,6 @@ bool Editor::open(void* parent) {
 void Editor::close() {
     AEffGUIEditor::close();
     controls.clear();
-}
-
-/// A registry with fewer parameters than the panel leaves places empty.
-void Editor::addParameterControls(CFrame& panel) {
-    controls.assign(p_control->nb_parameters, nullptr);
-    const auto add = [&](const panel_place& place, auto create) {
-        if (!isParameter(place.tag))
-            return;
-        const auto index = static_cast<std::size_t>(place.tag);
-        std::unique_ptr<CControl> created = create(load(place.bitmap));
-        created->setDefaultValue(p_control->parameters[index]->default_value);
-        controls[index] = created.get();
-        panel.addView(std::move(created));
-    };
-    for (const panel_place& place : knobs)
-        add(place, [&](const CReference<CBitmap>& bitmap) {
-            const CRect area = picture_area(*bitmap, nb_knob_pictures, place.corner);
-            return std::make_unique<CAnimKnob>(area, this, place.tag, nb_knob_pictures,
-                                               area.height(), bitmap.get());
-        });
-    for (const panel_place& place : switches)
-        add(place, [&](const CReference<CBitmap>& bitmap) {
-            return std::make_unique<COnOffButton>(picture_area(*bitmap, 2, place.corner), this,
-                                                  place.tag, bitmap.get());
-        });
-}
-
-void Editor::addActionControls(CFrame& panel) {
-    const auto learn = load(learn_bitmap), lamp = load(lamp_bitmap), panic = load(panic_bitmap);
-    const CRect lamp_area = picture_area(*lamp, 2, lamp_corner);
-    const CRect panic_area = picture_area(*panic, 2, panic_corner);
-    auto learn_button = std::make_unique<COnOffButton>(picture_area(*learn, 2, learn_corner), this,
-                                                       MIDI_LEARN_TAG, learn.get());
-    auto midi_lamp = std::make_unique<CMovieBitmap>(lamp_area, this, MIDI_IN_TAG, 2,
-                                                    lamp_area.height(), lamp.get());
-    cMidiLearnButton = learn_button.get();
-    cMidiInLED = midi_lamp.get();
-    panel.addView(std::move(learn_button));
-    panel.addView(std::move(midi_lamp));
-    panel.addView(std::make_unique<CKickButton>(panic_area, this, PANIC_TAG, panic_area.height(),
-                                                panic.get()));
 }
 
 /// What was put while the panel was closed is in the registry too.

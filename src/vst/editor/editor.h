@@ -50,8 +50,6 @@ public:
 
 private:
     [[nodiscard]] bool isParameter(VstInt32 index) const;
-    void addParameterControls(CFrame& panel);
-    void addActionControls(CFrame& panel);
     void showParameters();
     void toggleMidiLearn();
     void runMenuAction(float value);
