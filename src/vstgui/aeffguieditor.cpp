@@ -24,10 +24,8 @@ void AEffGUIEditor::close() {
 }
 
 void AEffGUIEditor::idle() {
-    if (!frame || std::exchange(inIdle, true))
-        return;
-    frame->idle();
-    inIdle = false;
+    if (frame && !inIdle)
+        takeIdleTurn([this] { frame->idle(); });
 }
 
 bool AEffGUIEditor::onWheel(float distance) { return frame && frame->onWheel(distance); }
@@ -43,7 +41,15 @@ void AEffGUIEditor::endEdit(VstInt32 index) { effect_of(effect).endEdit(index); 
 void AEffGUIEditor::doIdleStuff() {
     if (frame)
         frame->redraw();
+    takeIdleTurn([this] { effect->masterIdle(); });
+}
+
+/// The turn may end the editor.
+template <typename Turn>
+void AEffGUIEditor::takeIdleTurn(Turn turn) {
+    const auto life = getLife();
     const bool wasInIdle = std::exchange(inIdle, true);
-    effect->masterIdle();
-    inIdle = wasInIdle;
+    turn();
+    if (!life.expired())
+        inIdle = wasInIdle;
 }

@@ -5,6 +5,8 @@
 #include "vst/audioeffectx.h"
 #include "vstgui/cframe.h"
 
+#include <memory>
+
 /// How a drag turns a knob.
 enum CKnobMode : VstInt32 {
     kCircularMode = 0,         ///< it points to the mouse
@@ -34,6 +36,10 @@ public:
     /// Redraws and gives the host a turn, in the middle of a gesture.
     virtual void doIdleStuff();
 
+    /// Expires with the editor. A host that gets a turn may close the effect: whoever gave it looks
+    /// here afterwards.
+    [[nodiscard]] std::weak_ptr<void> getLife() const { return ownLife; }
+
     [[nodiscard]] VstInt32 getKnobMode() const { return knobMode; } ///< CKnobMode
     [[nodiscard]] void* getSystemWindow() const { return systemWindow; }
 
@@ -45,6 +51,10 @@ protected:
     CReference<CFrame> frame{}; ///< null while closed
 
 private:
+    template <typename Turn>
+    void takeIdleTurn(Turn turn);
+
     VstInt32 knobMode = kRelativeCircularMode;
     bool inIdle = false;
+    std::shared_ptr<void> ownLife = std::make_shared<char>();
 };

@@ -30,8 +30,8 @@ void CAnimKnob::onMouseDown(CPoint where, int buttons) {
     dragging = true;
     last = where;
     lastAngle = angleOf(where);
-    beginEdit();
-    if (editor().getKnobMode() == kCircularMode)
+    beginEdit(); // which may end the drag, and the editor
+    if (dragging && editor()->getKnobMode() == kCircularMode)
         turnTo(static_cast<float>(0.5 + lastAngle / sweep));
 }
 
@@ -46,7 +46,7 @@ void CAnimKnob::onMouseMoved(CPoint where, int buttons) {
 
 double CAnimKnob::follow(CPoint where, double angle, int buttons) const {
     const double now = getValue();
-    switch (editor().getKnobMode()) {
+    switch (editor()->getKnobMode()) {
     case kLinearMode:
         return now + (last.y - where.y) / linear_travel * fineness(buttons);
     case kCircularMode: {

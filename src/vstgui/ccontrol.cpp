@@ -27,10 +27,25 @@ void CControl::draw(CDrawContext& context) const {
     bitmap->draw(context, viewSize, {offset.x, offset.y + shownPicture() * pictureHeight});
 }
 
-void CControl::beginEdit() { editor().beginEdit(tag); }
-void CControl::endEdit() { editor().endEdit(tag); }
+void CControl::beginEdit() {
+    if (editor())
+        editor()->beginEdit(tag);
+}
 
-void CControl::notifyListener() { listener->valueChanged(&frame->getContext(), this); }
+void CControl::endEdit() {
+    if (editor())
+        editor()->endEdit(tag);
+}
+
+void CControl::doIdleStuff() {
+    if (editor())
+        editor()->doIdleStuff();
+}
+
+void CControl::notifyListener() {
+    if (editor())
+        listener->valueChanged(&frame->getContext(), this);
+}
 
 void CControl::changeTo(float newValue) {
     beginEdit();
@@ -39,4 +54,4 @@ void CControl::changeTo(float newValue) {
     endEdit();
 }
 
-AEffGUIEditor& CControl::editor() const { return frame->getEditor(); }
+AEffGUIEditor* CControl::editor() const { return frame->getEditor(); }

@@ -13,7 +13,7 @@ class CFrame;
 class CControl {
 public:
     /// The first of `pictures`, each of that height, begins at `start` in the bitmap. The control
-    /// shares the bitmap; the listener outlives it.
+    /// shares the bitmap; the listener lives as long as the editor.
     CControl(const CRect& area, CControlListener* hearer, int number, int pictures, int height,
              CBitmap* shown, CPoint start = {});
     virtual ~CControl() = default;
@@ -47,16 +47,20 @@ public:
 protected:
     [[nodiscard]] virtual int shownPicture() const = 0; ///< counted from 0
 
+    // In each of these the host may get a turn, and close the effect: when the editor has gone they
+    // do nothing.
+
     /// The brackets around a user's change, which reach the host through the editor.
     void beginEdit();
     void endEdit();
 
+    void doIdleStuff(); ///< the editor's
     void notifyListener();
 
     /// A whole gesture: begin, change, end.
     void changeTo(float newValue);
 
-    [[nodiscard]] AEffGUIEditor& editor() const;
+    [[nodiscard]] AEffGUIEditor* editor() const; ///< null once it has gone
 
     const int nbPictures;
 

@@ -4,16 +4,31 @@
 #include "vstgui/aeffguieditor.h"
 #include "vstgui/platform.h"
 
-int CFileSelector::run(VstFileSelect* request) {
-    if (effect->canHostDo("openFileSelector") && effect->canHostDo("closeFileSelector"))
-        return effect->openFileSelector(request);
+CFileSelector::CFileSelector(AudioEffectX* owner)
+    : effect(owner), editor(static_cast<AEffGUIEditor*>(owner->getEditor())) {}
 
-    auto* const editor = dynamic_cast<AEffGUIEditor*>(effect->getEditor());
-    if (!editor || !editor->isOpen())
-        return run_file_dialog(*request, nullptr, [] { return true; });
-    return run_file_dialog(*request, editor->getSystemWindow(), [this, editor] {
+int CFileSelector::run(VstFileSelect* request) {
+    const bool hostHasDialog =
+        effect->canHostDo("openFileSelector") && effect->canHostDo("closeFileSelector");
+    return hostHasDialog ? runHostsDialog(request) : runSystemsDialog(*request);
+}
+
+/// Hosts keep something of an answered request until it is closed. Some answer yes to a user who
+/// chose nothing.
+bool CFileSelector::runHostsDialog(VstFileSelect* request) {
+    const auto life = editor->getLife();
+    if (!effect->openFileSelector(request) || life.expired())
+        return false;
+    const bool chosen = request->returnPath[0] != '\0';
+    effect->closeFileSelector(request);
+    return chosen;
+}
+
+bool CFileSelector::runSystemsDialog(const VstFileSelect& request) {
+    return run_file_dialog(request, editor->getSystemWindow(), [this, life = editor->getLife()] {
         editor->idle();
-        effect->masterIdle();
-        return editor->isOpen();
+        if (!life.expired())
+            effect->masterIdle();
+        return !life.expired() && editor->isOpen();
     });
 }

@@ -3,17 +3,23 @@
 
 #include "vst/interface.h"
 
+class AEffGUIEditor;
 class AudioEffectX;
 
 class CFileSelector {
 public:
-    /// `effect` outlives the selector; its editor's panel, when it is open, goes on meanwhile.
-    explicit CFileSelector(AudioEffectX* owner) : effect(owner) {}
+    /// The effect's editor is an AEffGUIEditor with an open panel, which goes on during the
+    /// system's dialog. A host that closes the panel meanwhile, or the effect, cancels the dialog.
+    explicit CFileSelector(AudioEffectX* owner);
 
     /// Returns non-zero when a file was chosen, whose full path is then at `request->returnPath`,
     /// which holds file_path_size bytes.
     int run(VstFileSelect* request);
 
 private:
+    bool runHostsDialog(VstFileSelect* request);
+    bool runSystemsDialog(const VstFileSelect& request);
+
     AudioEffectX* effect;
+    AEffGUIEditor* editor;
 };

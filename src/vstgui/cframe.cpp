@@ -1,10 +1,13 @@
 #include "vstgui/cframe.h"
 
+#include "vstgui/aeffguieditor.h"
+
 #include <algorithm>
 #include <utility>
 
 CFrame::CFrame(const CRect& size, void* parent, AEffGUIEditor* editor_)
     : editor(editor_),
+      life(editor_->getLife()),
       context(size.width(), size.height()),
       window(open_platform_window(parent, {size.width(), size.height()}, *this)) {}
 
@@ -98,9 +101,9 @@ void CFrame::onMouseMoved(CPoint where, int buttons) {
         mouseOwner->onMouseMoved(where, buttons);
 }
 
-void CFrame::onMouseWheel(CPoint where, float notches, int buttons) {
+bool CFrame::onMouseWheel(CPoint where, float notches, int buttons) {
     pointer = where;
-    turnWheel(notches, buttons);
+    return turnWheel(notches, buttons);
 }
 
 void CFrame::onMouseLost() {

@@ -2,8 +2,8 @@
 /// The panel: a window inside the host's, a background and the controls on it. It composes what
 /// changed in memory, shows each area at once, and hands the mouse to the control that has it.
 ///
-/// A gesture may make the host close the panel while the frame is still at work: whoever lets it go
-/// detaches it first, and it lives until that work is done. All is [ui].
+/// A gesture may make the host close the panel, and the effect with it, while the frame is still at
+/// work: whoever lets it go detaches it first, and it lives until that work is done. All is [ui].
 
 #include "vstgui/cbitmap.h"
 #include "vstgui/ccontrol.h"
@@ -18,7 +18,7 @@ class AEffGUIEditor;
 
 class CFrame final : public CReferenceCounter, private PlatformWindowListener {
 public:
-    /// `parent` is the host's window. The editor outlives the frame.
+    /// `parent` is the host's window.
     CFrame(const CRect& size, void* parent, AEffGUIEditor* editor);
 
     [[nodiscard]] bool isOpen() const { return window != nullptr; } ///< false: it cannot be shown
@@ -40,7 +40,8 @@ public:
     /// Ends what the user is doing. The frame does nothing any more.
     void detach();
 
-    [[nodiscard]] AEffGUIEditor& getEditor() const { return *editor; }
+    /// Null once it has gone, and with it the listener of the views.
+    [[nodiscard]] AEffGUIEditor* getEditor() const { return life.expired() ? nullptr : editor; }
     [[nodiscard]] CDrawContext& getContext() { return context; }
 
 private:
@@ -50,7 +51,7 @@ private:
     void onMouseDown(CPoint where, int buttons) override;
     void onMouseUp(CPoint where, int buttons) override;
     void onMouseMoved(CPoint where, int buttons) override;
-    void onMouseWheel(CPoint where, float notches, int buttons) override;
+    bool onMouseWheel(CPoint where, float notches, int buttons) override;
     void onMouseLost() override;
 
     [[nodiscard]] CControl* viewAt(CPoint where) const;
@@ -60,6 +61,7 @@ private:
     void releaseMouse();
 
     AEffGUIEditor* editor;
+    std::weak_ptr<void> life; ///< the editor's
     CDrawContext context;
     CReference<CBitmap> background{};
     std::vector<std::unique_ptr<CControl>> views{};

@@ -31,7 +31,8 @@ public:
     virtual void onMouseUp(CPoint where, int buttons) = 0;
     /// While a button is down the pointer is followed beyond the window's edges.
     virtual void onMouseMoved(CPoint where, int buttons) = 0;
-    virtual void onMouseWheel(CPoint where, float notches, int buttons) = 0; ///< up is positive
+    /// Up is positive. Returns whether the turn is taken, and not for whatever lies behind.
+    virtual bool onMouseWheel(CPoint where, float notches, int buttons) = 0;
     virtual void onMouseLost() = 0; ///< no onMouseUp will follow
 
 protected:

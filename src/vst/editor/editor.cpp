@@ -67,8 +67,9 @@ void Editor::idle() {
         return;
     if (!isInIdle()) // else a value set before would undo what the hand has just done
         takeChanges();
+    const auto life = getLife();
     AEffGUIEditor::idle();
-    if (!frame) // a gesture made the host close the panel
+    if (life.expired() || !frame) // a gesture made the host close the effect, or the panel
         return;
     showMidiLearn();
     showMidiActivity();
@@ -181,12 +182,15 @@ void Editor::runMenuAction(float value) {
     }
 }
 
-/// One question at a time: the panel goes on while the user chooses.
+/// One question at a time: the panel goes on while the user chooses, and may be closed.
 void Editor::useFile(VstFileSelectCommand command, file_content content,
                      void (Organ::*use)(const char* path)) {
     if (std::exchange(choosingFile, true))
         return;
+    const auto life = getLife();
     const auto path = choose_file(p_effect, command, content);
+    if (life.expired())
+        return;
     choosingFile = false;
     if (path)
         (p_effect->*use)(path->c_str());

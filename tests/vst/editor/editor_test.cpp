@@ -2,6 +2,7 @@
 #include "tests/vst/editor/panel_host.h"
 #include "tests/vst/editor/panel_picture.h"
 #include "vst/editor/tags.h"
+#include "vstgui/aeffguieditor.h"
 #include "vstgui/platform_headless.h"
 
 #include <cmath>
@@ -40,7 +41,9 @@ struct EditorTest : testing::Test {
 
 TEST_F(EditorTest, AClickCountsThoughTheHostIdlesInIt) {
     constexpr CPoint flute{212, 176};
-    host.at_idle = [this] { host.idle(); }; // what was set before waits for an idle turn
+    host.at[audioMasterIdle] = [this] {
+        host.idle();
+    }; // what was set before waits for an idle turn
     ASSERT_TRUE(host.open(&window));
     host.plugin->setParameter(0, 1.0f);
     click(flute);
@@ -260,6 +263,7 @@ TEST_F(EditorTest, AsksTheHostForAFile) {
             EXPECT_STREQ(host.types.back().name, r.name);
             EXPECT_STREQ(host.types.back().unixType, r.extension);
             EXPECT_STREQ(host.types.back().mimeType2, r.mime);
+            EXPECT_EQ(std::exchange(host.nb_closed_requests, 0), host.chosen.empty() ? 0 : 1);
         }
     }
     host.plugin->setParameter(MENU_TAG, PATCH_STORE_CURRENT);
@@ -269,7 +273,7 @@ TEST_F(EditorTest, ThePanelGoesOnDuringTheSystemsDialogAndAsksOnce) {
     ASSERT_TRUE(host.open(&window));
     host.idle();
     host.plugin->setParameter(6, 1.0f);
-    host.at_idle = [&] { host.plugin->setParameter(MENU_TAG, BANK_SAVE_TAG); };
+    host.at[audioMasterIdle] = [&] { host.plugin->setParameter(MENU_TAG, BANK_SAVE_TAG); };
     host.plugin->setParameter(MENU_TAG, BANK_LOAD_TAG);
     EXPECT_EQ(window.dialogs.size(), 1u);
     EXPECT_EQ(differs(), "");
@@ -335,6 +339,66 @@ TEST(EditorSound, IsTheSameWithAndWithoutAPanel) {
         ASSERT_EQ(sound[0], sound[1]) << "block " << block;
     }
     EXPECT_NE(sound[0], std::vector<float>(256));
+}
+
+TEST(EditorClosing, TheHostMayCloseTheEffectInAnyTurnItGets) {
+    using hand = void (*)(panel_host&, headless_parent&);
+    const hand press_knob = [](panel_host&, headless_parent& window) {
+        window.listener->onMouseDown(volume_knob, kLButton);
+    };
+    const hand turn_knob = [](panel_host&, headless_parent& window) {
+        window.listener->onMouseWheel(volume_knob, 1, 0);
+    };
+    const hand press_switch = [](panel_host&, headless_parent& window) {
+        window.listener->onMouseDown(flute_switch, kLButton);
+    };
+    const hand ask_for_file = [](panel_host& host, headless_parent&) {
+        host.plugin->setParameter(MENU_TAG, BANK_LOAD_TAG);
+    };
+    struct row {
+        const char* when;
+        VstInt32 turn;
+        hand use;
+    };
+    for (const row& r : {row{"a knob is taken", audioMasterBeginEdit, press_knob},
+                         {"a knob is turned", audioMasterAutomate, turn_knob},
+                         {"a knob is let go", audioMasterEndEdit, turn_knob},
+                         {"a switch is pressed", audioMasterBeginEdit, press_switch},
+                         {"a switch shows itself", audioMasterIdle, press_switch},
+                         {"a switch is set", audioMasterAutomate, press_switch},
+                         {"the system asks for a file", audioMasterIdle, ask_for_file},
+                         {"the host asks for a file", audioMasterOpenFileSelector, ask_for_file},
+                         {"the host has asked", audioMasterCloseFileSelector, ask_for_file}})
+        for (const char* where : {"outside of idle", "in idle", "while a file is asked for"}) {
+            SCOPED_TRACE(std::string(r.when) + " " + where);
+            panel_host host;
+            headless_parent window;
+            host.chosen = window.chosen_path = "/nowhere/at all";
+            host.has_file_selector =
+                r.turn == audioMasterOpenFileSelector || r.turn == audioMasterCloseFileSelector;
+            ASSERT_TRUE(host.open(&window));
+            host.ask(effSetEditKnobMode, 0, kCircularMode); // turns it as it is taken
+            host.at[r.turn] = [&] { host.end(); };
+            if (where[0] != 'o')
+                window.at_events = [&] { r.use(host, window); };
+            if (where[0] == 'i')
+                host.idle();
+            else if (where[0] == 'o')
+                r.use(host, window);
+            else
+                ask_for_file(host, window);
+            EXPECT_EQ(host.plugin, nullptr);
+            EXPECT_EQ(window.listener, nullptr) << "its window stays";
+        }
+}
+
+TEST_F(EditorTest, APanelClosedWhileASwitchShowsItselfStillSetsIt) {
+    ASSERT_TRUE(host.open(&window));
+    host.at[audioMasterIdle] = [this] { host.close(); };
+    press(flute_switch);
+    EXPECT_EQ(host.plugin->getParameter(0), 0.0f);
+    EXPECT_EQ(host.gestures.size(), 3u);
+    EXPECT_EQ(window.listener, nullptr);
 }
 
 TEST_F(EditorTest, TheEffectMayGoWithItsPanelOpenAndAKnobInHand) {

@@ -4,6 +4,7 @@
 #include "tests/vst/playing.h"
 
 #include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -49,39 +50,38 @@ struct panel_host {
     organ* engine; ///< the plug-in's, and its registry
     control* p_control;
     std::vector<gesture> gestures{};
-    std::function<void()> at_idle{};  ///< what the host does when the panel gives it a turn
-    std::function<void()> at_begin{}; ///< and when a gesture begins
+    std::map<VstInt32, std::function<void()>> at{}; ///< what the host does when asked that
     bool has_file_selector = false;
     std::string chosen{};                  ///< what its file selector answers; empty: cancelled
     std::vector<VstFileSelect> requests{}; ///< that its file selector got; their pointers are stale
-    std::vector<VstFileType> types{};      ///< the first of each
+    int nb_closed_requests = 0;
+    std::vector<VstFileType> types{}; ///< the first of each
 
 private:
     static VstIntPtr VSTCALLBACK callback(AEffect* effect, VstInt32 opcode, VstInt32 index,
                                           VstIntPtr, void* ptr, float value) {
         auto* self = static_cast<panel_host*>(effect->user);
-        return self ? self->answer(opcode, index, ptr, value) : 0;
+        if (!self)
+            return 0;
+        if (self->at.contains(opcode))
+            self->at[opcode]();
+        return self->answer(opcode, index, ptr, value);
     }
 
     VstIntPtr answer(VstInt32 opcode, VstInt32 index, void* ptr, float value) {
         switch (opcode) {
         case audioMasterBeginEdit:
-            gestures.push_back({opcode, index, 0});
-            if (at_begin)
-                at_begin();
-            return 1;
         case audioMasterAutomate:
         case audioMasterEndEdit:
             gestures.push_back({opcode, index, value});
             return 1;
-        case audioMasterIdle:
-            if (at_idle)
-                at_idle();
-            return 0;
         case audioMasterCanDo:
             return has_file_selector ? 1 : 0;
         case audioMasterOpenFileSelector:
             return selectFile(*static_cast<VstFileSelect*>(ptr));
+        case audioMasterCloseFileSelector:
+            ++nb_closed_requests;
+            return 1;
         default:
             return 0;
         }
