@@ -9,22 +9,48 @@
 #include <spawn.h>
 #include <string_view>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
+using namespace std::chrono_literals;
+
 namespace {
 
-/// What a desktop program needs to find its display, its settings and its language. Everything else
-/// of the host's (preloaded libraries, library paths of a bundle, toolkit modules) stays away.
+constexpr std::chrono::milliseconds patience = 500ms; ///< with a program that is about to end
+
+/// What a desktop program needs to find its display, its settings and its language: the beginnings
+/// of its variables. Everything else of the host's stays away: preloaded libraries, library paths
+/// of a bundle, toolkit modules, and the tokens of the host's own start.
+constexpr std::string_view passed_on[] = {
+    "HOME=",
+    "USER=",
+    "LOGNAME=",
+    "PATH=",
+    "DISPLAY=",
+    "WAYLAND_DISPLAY=",
+    "XAUTHORITY=",
+    "DBUS_SESSION_BUS_ADDRESS=",
+    "LANG=",
+    "LANGUAGE=",
+    "LC_",
+    "DESKTOP_SESSION=",
+    "KDE_FULL_SESSION=",
+    "KDE_SESSION_",
+    "XDG_CACHE_HOME=",
+    "XDG_CONFIG_",
+    "XDG_CURRENT_DESKTOP=",
+    "XDG_DATA_",
+    "XDG_MENU_PREFIX=",
+    "XDG_RUNTIME_DIR=",
+    "XDG_SESSION_",
+    "XDG_STATE_HOME=",
+};
+
 bool is_passed_on(std::string_view variable) {
-    constexpr std::array<std::string_view, 10> names{"HOME=",       "USER=",
-                                                     "LOGNAME=",    "PATH=",
-                                                     "DISPLAY=",    "WAYLAND_DISPLAY=",
-                                                     "XAUTHORITY=", "DBUS_SESSION_BUS_ADDRESS=",
-                                                     "LANG=",       "LANGUAGE="};
-    constexpr std::array<std::string_view, 4> families{"XDG_", "LC_", "KDE_", "DESKTOP_"};
-    const auto begins = [&](std::string_view start) { return variable.starts_with(start); };
-    return std::ranges::any_of(names, begins) || std::ranges::any_of(families, begins);
+    return std::ranges::any_of(passed_on, [variable](std::string_view beginning) {
+        return variable.starts_with(beginning);
+    });
 }
 
 std::vector<char*> clean_environment() {
@@ -86,29 +112,47 @@ std::optional<ChildProcess> ChildProcess::run(const std::vector<std::string>& co
 }
 
 ChildProcess::ChildProcess(ChildProcess&& other) noexcept
-    : pid(std::exchange(other.pid, 0)), output_fd(other.output_fd), finished(other.finished) {}
+    : pid(std::exchange(other.pid, 0)),
+      output_fd(std::exchange(other.output_fd, -1)),
+      status(other.status) {}
 
 ChildProcess::~ChildProcess() {
-    if (pid == 0)
+    if (output_fd >= 0)
+        close(output_fd);
+    if (endsWithin(0ms))
         return;
-    close(output_fd);
-    if (!finished) // where the host has its children reaped, a finished one's number may be
-                   // another's
-        kill(pid, SIGTERM);
-    while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
-    }
+    kill(pid, SIGTERM);
+    if (endsWithin(patience))
+        return;
+    kill(pid, SIGKILL);
+    endsWithin(patience); // not for ever: a disk that hangs holds up even this
 }
 
 bool ChildProcess::read(std::string& text, int timeout_ms) {
+    // Asked first: all that an ended one has printed can then be seen.
+    const bool ended = endsWithin(0ms);
     pollfd ready{.fd = output_fd, .events = POLLIN, .revents = 0};
     if (poll(&ready, 1, timeout_ms) <= 0)
-        return true;
+        return !ended; // a program that it started may keep the output open
     std::array<char, 512> piece;
     const ssize_t nb_read = ::read(output_fd, piece.data(), piece.size());
     if (nb_read < 0 && errno == EINTR)
         return true;
-    finished = nb_read <= 0;
-    if (!finished)
+    if (nb_read > 0)
         text.append(piece.data(), static_cast<std::size_t>(nb_read));
-    return !finished;
+    return nb_read > 0;
+}
+
+bool ChildProcess::succeeds() { return endsWithin(patience) && status == 0; }
+
+/// A host that reaps its children itself makes waitpid fail once this one has ended.
+bool ChildProcess::endsWithin(std::chrono::milliseconds time) {
+    const auto deadline = std::chrono::steady_clock::now() + time;
+    while (pid != 0 && waitpid(pid, &status, WNOHANG) == 0) {
+        if (std::chrono::steady_clock::now() >= deadline)
+            return false;
+        std::this_thread::sleep_for(5ms);
+    }
+    pid = 0;
+    return true;
 }

@@ -1,7 +1,9 @@
 #pragma once
-/// Another program, run beside the host and apart from it: it gets a clean environment, no files of
-/// the host's and untouched signals; what it prints can be read.
+/// Another program, run beside the host and apart from it: it gets a clean environment, untouched
+/// signals and, for its complaints, the host's standard error, but no other file of the host's.
+/// What it prints can be read.
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <sys/types.h>
@@ -14,16 +16,22 @@ public:
 
     ChildProcess(ChildProcess&& other) noexcept;
     ChildProcess& operator=(ChildProcess&&) = delete;
-    ~ChildProcess(); ///< ends it, unless it has closed its output
+    ~ChildProcess(); ///< ends it, within a second, if need be by force
 
     /// Adds to `text` what it prints within the next `timeout_ms`. Returns false once it has closed
-    /// its output.
+    /// its output or ended.
     bool read(std::string& text, int timeout_ms);
+
+    /// Whether it ends well, now that it prints no more: with status 0, and within half a second.
+    /// Where the host reaps its children itself the status is lost, and taken to be 0.
+    [[nodiscard]] bool succeeds();
 
 private:
     ChildProcess(pid_t id, int output) : pid(id), output_fd(output) {}
 
-    pid_t pid; ///< 0 once moved from
-    int output_fd;
-    bool finished = false;
+    bool endsWithin(std::chrono::milliseconds time);
+
+    pid_t pid;      ///< 0 once it has ended, when the number may be another's, or once moved from
+    int output_fd;  ///< -1 once moved from
+    int status = 0; ///< waitpid's
 };

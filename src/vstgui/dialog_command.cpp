@@ -1,21 +1,16 @@
 #include "vstgui/dialog_command.h"
 
-#include <cstddef>
-#include <span>
+#include "vstgui/file_types.h"
 
 namespace {
 
 bool saves(const VstFileSelect& request) { return request.command == kVstFileSave; }
 
-std::span<const VstFileType> types_of(const VstFileSelect& request) {
-    return {request.fileTypes, static_cast<std::size_t>(request.nbFileTypes)};
-}
-
 command_line zenity(const VstFileSelect& request) {
     command_line line{"zenity", "--file-selection", std::string("--title=") + request.title};
     if (saves(request))
         line.insert(line.end(), {"--save", "--confirm-overwrite"});
-    for (const VstFileType& type : types_of(request))
+    for (const VstFileType& type : offered_types(request))
         line.push_back(std::string("--file-filter=") + type.name + " (*." + type.unixType + ") | *."
                        + type.unixType);
     line.push_back("--file-filter=* | *");
@@ -24,7 +19,7 @@ command_line zenity(const VstFileSelect& request) {
 
 command_line kdialog(const VstFileSelect& request) {
     std::string filter;
-    for (const VstFileType& type : types_of(request))
+    for (const VstFileType& type : offered_types(request))
         filter += std::string("*.") + type.unixType + " ";
     const char* action = saves(request) ? "--getsavefilename" : "--getopenfilename";
     return {"kdialog", "--title", request.title, action, ".", filter};

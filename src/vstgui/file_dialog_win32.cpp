@@ -1,15 +1,18 @@
+#include "vstgui/file_types.h"
 #include "vstgui/platform.h"
 
+#include <cstdio>
 #include <span>
 #include <string>
 #include <windows.h>
 // The common dialogs come after the system's own header.
+#include <cderr.h>
 #include <commdlg.h>
 
 namespace {
 
 /// Pairs of name and pattern, each ended by a zero byte, the list by one more.
-std::string filters_of(const VstFileSelect& request) {
+std::string filters_of(std::span<const VstFileType> types) {
     std::string filters;
     const auto add = [&](const std::string& name, const std::string& pattern) {
         filters += name + " (" + pattern + ")";
@@ -17,18 +20,28 @@ std::string filters_of(const VstFileSelect& request) {
         filters += pattern;
         filters += '\0';
     };
-    for (const VstFileType& type :
-         std::span(request.fileTypes, static_cast<std::size_t>(request.nbFileTypes)))
+    for (const VstFileType& type : types)
         add(type.name, std::string("*.") + type.dosType);
     add("All files", "*.*");
     return filters;
+}
+
+/// Nothing when the user has cancelled.
+void report_failure(const char* title) {
+    const DWORD error = CommDlgExtendedError();
+    if (error == FNERR_BUFFERTOOSMALL)
+        std::fprintf(stderr, "%s the path is longer than %zu bytes\n", title, file_path_size - 1);
+    else if (error != 0)
+        std::fprintf(stderr, "%s the file dialog failed: error 0x%lx\n", title, error);
 }
 
 } // namespace
 
 /// Paths are in the system's code page, as the interface and the C library have them.
 bool run_file_dialog(const VstFileSelect& request, void* parent, const std::function<bool()>&) {
-    const std::string filters = filters_of(request);
+    const std::span<const VstFileType> types = offered_types(request);
+    const std::string filters = filters_of(types);
+    const bool saves = request.command == kVstFileSave;
     OPENFILENAMEA dialog{};
     dialog.lStructSize = sizeof dialog;
     dialog.hwndOwner = static_cast<HWND>(parent);
@@ -37,12 +50,11 @@ bool run_file_dialog(const VstFileSelect& request, void* parent, const std::func
     dialog.nMaxFile = file_path_size;
     dialog.lpstrInitialDir = request.initialPath;
     dialog.lpstrTitle = request.title;
-    dialog.lpstrDefExt = request.fileTypes[0].dosType;
-    dialog.Flags = OFN_EXPLORER | OFN_NOCHANGEDIR | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY;
-    if (request.command == kVstFileSave) {
-        dialog.Flags |= OFN_OVERWRITEPROMPT;
-        return GetSaveFileNameA(&dialog) != 0;
-    }
-    dialog.Flags |= OFN_FILEMUSTEXIST;
-    return GetOpenFileNameA(&dialog) != 0;
+    dialog.lpstrDefExt = types.empty() ? nullptr : types.front().dosType;
+    dialog.Flags = OFN_EXPLORER | OFN_NOCHANGEDIR | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY
+                   | (saves ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST);
+    if ((saves ? GetSaveFileNameA(&dialog) : GetOpenFileNameA(&dialog)) != 0)
+        return true;
+    report_failure(request.title);
+    return false;
 }

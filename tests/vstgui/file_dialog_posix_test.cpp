@@ -3,11 +3,15 @@
 #include "tests/temporary_folder.h"
 
 #include <array>
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/wait.h>
 
 namespace {
 
@@ -29,8 +33,23 @@ struct FileDialog : testing::Test {
         fs::permissions(folder / name, fs::perms::owner_all);
     }
 
+    void installTool(const std::string& name) const {
+        fs::create_symlink("/bin/" + name, folder / name);
+    }
+
     bool run() {
         return run_file_dialog(request, nullptr, [this] { return ++nb_turns < turns; });
+    }
+
+    /// Closes the panel once the dialog has made the file.
+    bool runUntil(const std::string& file) {
+        return run_file_dialog(request, nullptr, [&] { return !fs::exists(file); });
+    }
+
+    /// What is chosen when the dialog prints `path`; nothing when it is refused.
+    std::string choose(const std::string& path) {
+        install("zenity", "echo '" + path + "'");
+        return run() ? chosen.data() : "";
     }
 
     std::string path_before = std::getenv("PATH");
@@ -64,10 +83,25 @@ TEST_F(FileDialog, TriesTheOtherDesktopsToo) {
     EXPECT_STREQ(chosen.data(), "/b*.fxb ");
 }
 
-TEST_F(FileDialog, CancelsWhenItPrintsNothing) {
-    install("zenity", "exit 1");
-    EXPECT_FALSE(run());
-    EXPECT_STREQ(chosen.data(), "");
+TEST_F(FileDialog, OnlyAPathFromADialogThatEndsWellIsChosen) {
+    struct row {
+        const char* script;
+        bool is_chosen, is_chosen_unwatched; ///< where the host's children are reaped by themselves
+    };
+    installTool("sleep");
+    for (const row r : {row{"echo /x", true, true},
+                        {"echo /x; exit 1", false, true},
+                        {"echo /x; kill -9 $$", false, true},
+                        {"exit 1", false, false},
+                        {"exit 0", false, false},
+                        {"echo /x; sleep 8 2>&- &", true, true}}) { // what it started goes on
+        install("zenity", r.script);
+        turns = nb_turns + 200; // some four seconds
+        EXPECT_EQ(run(), r.is_chosen) << r.script;
+        std::signal(SIGCHLD, SIG_IGN);
+        EXPECT_EQ(run(), r.is_chosen_unwatched) << r.script;
+        std::signal(SIGCHLD, SIG_DFL);
+    }
 }
 
 TEST_F(FileDialog, CancelsWithOneLineWhereThereIsNone) {
@@ -77,41 +111,111 @@ TEST_F(FileDialog, CancelsWithOneLineWhereThereIsNone) {
               "Load bank ...  no file dialog found: install zenity or kdialog\n");
 }
 
-TEST_F(FileDialog, RefusesAPathThatDoesNotFit) {
-    install("zenity", "printf '/%01100d' 7");
-    testing::internal::CaptureStderr();
-    EXPECT_FALSE(run());
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("longer than 1023 bytes"),
-              std::string::npos);
-    EXPECT_STREQ(chosen.data(), "");
+TEST_F(FileDialog, SavesUnderANameThatItsFilterFindsAndThatHarmsNoOtherFile) {
+    struct row {
+        const char *typed, *existing, *saved;
+    };
+    request.command = kVstFileSave;
+    for (const row r : {row{"new", "other", "new.fxb"},
+                        {"new.fxb", "other", "new.fxb"},
+                        {"new.FXB", "other", "new.FXB"},
+                        {"new.2", "other", "new.2.fxb"},
+                        {"mine", "mine", "mine"},
+                        {"mine", "mine.fxb", "mine"}}) {
+        std::ofstream(folder / r.existing) << "a bank";
+        EXPECT_EQ(choose(folder / r.typed), folder / r.saved) << "beside " << r.existing;
+        fs::remove(folder / r.existing);
+    }
+    request.command = kVstFileLoad;
+    EXPECT_EQ(choose("/new"), "/new");
 }
 
-TEST_F(FileDialog, ClosingThePanelEndsIt) {
-    install("zenity", "echo /half; exec sleep 60");
-    fs::create_symlink("/bin/sleep", folder / "sleep");
-    turns = 3;
-    EXPECT_FALSE(run());
-    EXPECT_EQ(nb_turns, 3);
+TEST_F(FileDialog, NeedsNoFileTypes) {
+    request.command = kVstFileSave;
+    request.nbFileTypes = 0;
+    EXPECT_EQ(choose("/new"), "/new");
+    request.nbFileTypes = -1;
+    EXPECT_EQ(choose("/new"), "/new");
+    request.nbFileTypes = 1;
+    request.fileTypes = nullptr;
+    EXPECT_EQ(choose("/new"), "/new");
+}
+
+TEST_F(FileDialog, RefusesAPathThatDoesNotFit) {
+    struct row {
+        VstFileSelectCommand command;
+        std::size_t length;
+        bool fits;
+    };
+    for (const row r : {row{kVstFileLoad, 1023, true},
+                        {kVstFileLoad, 1024, false},
+                        {kVstFileSave, 1019, true}, // with the extension
+                        {kVstFileSave, 1020, false}}) {
+        request.command = r.command;
+        chosen.fill('\0');
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(choose(std::string("/").append(r.length - 1, 'x')).empty(), !r.fits) << r.length;
+        EXPECT_EQ(testing::internal::GetCapturedStderr().find("longer than 1023 bytes")
+                      == std::string::npos,
+                  r.fits);
+        EXPECT_EQ(std::strlen(chosen.data()), r.fits ? 1023 : 0);
+    }
+}
+
+TEST_F(FileDialog, ClosingThePanelAsksItToEnd) {
+    const std::string ready = folder / "ready", asked = folder / "asked";
+    install("zenity", "trap ': > " + asked + "; exit' TERM; echo /half; : > " + ready
+                          + "; while :; do :; done");
+    EXPECT_FALSE(runUntil(ready));
+    EXPECT_TRUE(fs::exists(asked));
+}
+
+TEST_F(FileDialog, NothingIsLeftOfOneThatWillNotEnd) {
+    const std::string ready = folder / "ready";
+    installTool("sleep");
+    for (const char* output : {"", " >&-"})
+        for (const auto children : {SIG_DFL, SIG_IGN}) {
+            install("zenity", "trap '' TERM; echo /x; : > " + ready + "; exec sleep 60" + output);
+            fs::remove(ready);
+            std::signal(SIGCHLD, children);
+            const auto start = std::chrono::steady_clock::now();
+            EXPECT_FALSE(runUntil(ready));
+            EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+            EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child is left";
+            std::signal(SIGCHLD, SIG_DFL);
+        }
 }
 
 TEST_F(FileDialog, GetsNothingOfTheHostsButItsDesktop) {
-    setenv("LD_LIBRARY_PATH", "/host/lib", 1);
-    setenv("GTK_MODULES", "host", 1);
-    setenv("XDG_RUNTIME_DIR", "/run", 1);
-    setenv("HOME", "/home/player", 1);
+    struct row {
+        const char* variable;
+        bool is_passed_on;
+    };
+    constexpr row rows[] = {{"HOME", true},
+                            {"LC_TIME", true},
+                            {"XDG_RUNTIME_DIR", true},
+                            {"DESKTOP_SESSION", true},
+                            {"LD_LIBRARY_PATH", false},
+                            {"GTK_MODULES", false},
+                            {"DESKTOP_STARTUP_ID", false},
+                            {"XDG_ACTIVATION_TOKEN", false},
+                            {"WAYLAND_SOCKET", false}};
+    for (const row& r : rows)
+        setenv(r.variable, "/host", 1);
     const std::string seen = folder / "seen";
-    install("zenity", "ls /proc/self/fd | wc -l > '" + seen
-                          + "'; echo \"$LD_LIBRARY_PATH"
-                            "|$GTK_MODULES|$XDG_RUNTIME_DIR|$HOME\" >> '"
-                          + seen + "'");
-    for (const char* tool : {"ls", "wc"})
-        fs::create_symlink(std::string("/bin/") + tool, folder / tool);
+    install("zenity", "ls /proc/self/fd | wc -l > '" + seen + "'; env >> '" + seen + "'");
+    for (const char* tool : {"ls", "wc", "env"})
+        installTool(tool);
     const std::ofstream of_the_host(folder / "open file");
     EXPECT_FALSE(run());
-    unsetenv("LD_LIBRARY_PATH");
-    unsetenv("GTK_MODULES");
-    EXPECT_EQ(file_content(folder / "seen"),
-              "4\n||/run|/home/player\n"); // three, and the folder that ls reads
+    const std::string lines = file_content(seen);
+    EXPECT_TRUE(lines.starts_with("4\n")) << lines; // three, and the folder that ls reads
+    for (const row& r : rows) {
+        EXPECT_EQ(lines.find(std::string("\n") + r.variable + "=/host\n") != std::string::npos,
+                  r.is_passed_on)
+            << r.variable;
+        unsetenv(r.variable);
+    }
 }
 
 } // namespace
