@@ -38,7 +38,7 @@ private:
     void paint();
     void press(int clicks, LPARAM place);
     void release(LPARAM place);
-    void wheel(WPARAM detail, LPARAM place);
+    LRESULT wheel(WPARAM detail, LPARAM place);
 
     PlatformWindowListener& listener;
     HWND window = nullptr; ///< null once the parent has gone
@@ -53,14 +53,18 @@ bool Win32Window::create(HWND parent, CPoint size) {
     kind.hInstance = library();
     kind.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512)); // IDC_ARROW
     kind.lpszClassName = class_name;
-    RegisterClassExW(&kind); // fails when another panel has done it
+    if (RegisterClassExW(&kind) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS)
+        return false; // the class may be another panel's work
     window = CreateWindowExW(0, class_name, L"", WS_CHILD | WS_CLIPSIBLINGS, 0, 0, size.x, size.y,
                              parent, nullptr, library(), nullptr);
     if (!window)
         return false;
-    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     ShowWindow(window, SW_SHOWNA); // without taking the keyboard
-    return true;
+    // Only now does the listener get messages: it is being made itself. Those that came earlier
+    // are no loss, for it shows the whole picture at its first turn anyway; but the host may have
+    // answered the news of the window by destroying it.
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    return IsWindow(window) != 0;
 }
 
 /// The class must go before the library is unloaded. While another panel has a window of it, the
@@ -120,8 +124,7 @@ LRESULT Win32Window::handle(UINT message, WPARAM detail, LPARAM place) {
         listener.onMouseMoved(point_of(place), keys_held());
         return 0;
     case WM_MOUSEWHEEL:
-        wheel(detail, place);
-        return 0;
+        return wheel(detail, place);
     case WM_CAPTURECHANGED:
         if (std::exchange(pressed, false))
             listener.onMouseLost();
@@ -145,8 +148,9 @@ void Win32Window::paint() {
 }
 
 void Win32Window::press(int clicks, LPARAM place) {
-    pressed = true;
+    pressed = false; // the window may still have the mouse, and taking it again is no loss
     SetCapture(window);
+    pressed = true;
     listener.onMouseDown(point_of(place), kLButton | clicks | keys_held());
 }
 
@@ -156,13 +160,16 @@ void Win32Window::release(LPARAM place) {
     listener.onMouseUp(point_of(place), kLButton | keys_held());
 }
 
-/// The wheel's place is on the screen.
-void Win32Window::wheel(WPARAM detail, LPARAM place) {
+/// The wheel's place is on the screen. A turn that nobody takes here goes on to the parent.
+LRESULT Win32Window::wheel(WPARAM detail, LPARAM place) {
+    const HWND receiver = window; // survives this object
     POINT where{GET_X_LPARAM(place), GET_Y_LPARAM(place)};
-    ScreenToClient(window, &where);
+    ScreenToClient(receiver, &where);
     const float notches = static_cast<float>(GET_WHEEL_DELTA_WPARAM(detail)) / WHEEL_DELTA;
-    listener.onMouseWheel({static_cast<int>(where.x), static_cast<int>(where.y)}, notches,
-                          keys_held());
+    if (listener.onMouseWheel({static_cast<int>(where.x), static_cast<int>(where.y)}, notches,
+                              keys_held()))
+        return 0;
+    return DefWindowProcW(receiver, WM_MOUSEWHEEL, detail, place);
 }
 
 } // namespace
