@@ -71,6 +71,7 @@ private:
     reply_ptr<xcb_generic_event_t> nextEvent();
     void handle(const xcb_generic_event_t& event);
     void lose();
+    [[nodiscard]] bool isShown() const;
     void press(const xcb_button_press_event_t& event);
     bool isSecondClick(const xcb_button_press_event_t& event);
 
@@ -90,7 +91,8 @@ bool XcbWindow::create(xcb_window_t parent, const xcb_screen_t& screen, CPoint s
     const std::uint32_t values[] = {
         screen.black_pixel,
         XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE
-            | XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+            | XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW
+            | XCB_EVENT_MASK_STRUCTURE_NOTIFY,
         screen.default_colormap};
     window = xcb_generate_id(c);
     gc = xcb_generate_id(c);
@@ -105,9 +107,9 @@ bool XcbWindow::create(xcb_window_t parent, const xcb_screen_t& screen, CPoint s
 
 XcbWindow::~XcbWindow() {
     const SigpipeGuard guard;
-    if (window != XCB_NONE) {
-        xcb_destroy_window(connection.get(), window);
-        xcb_flush(connection.get());
+    if (window != XCB_NONE) { // waits, so that the host's window is empty once the panel is closed
+        const auto destroyed = xcb_destroy_window_checked(connection.get(), window);
+        const reply_ptr<xcb_generic_error_t> error(xcb_request_check(connection.get(), destroyed));
     }
     connection.reset();
 }
@@ -172,11 +174,24 @@ void XcbWindow::handle(const xcb_generic_event_t& event) {
             listener.onMouseLost();
         break;
     }
+    case XCB_LEAVE_NOTIFY:
+        // Hiding the window, or one that it lies in, ends a drag without a release. All that is
+        // heard of the latter is that the pointer leaves, wherever it is.
+        if (!isShown())
+            listener.onMouseLost();
+        break;
     case XCB_DESTROY_NOTIFY:
         lose();
         break;
     default:; // errors too: what fails here has lost its window
     }
+}
+
+bool XcbWindow::isShown() const {
+    const SigpipeGuard guard;
+    const reply_ptr<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        connection.get(), xcb_get_window_attributes(connection.get(), window), nullptr));
+    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 void XcbWindow::press(const xcb_button_press_event_t& event) {

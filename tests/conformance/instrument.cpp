@@ -32,7 +32,21 @@ instrument::instrument(trial& running_, const set_up& wanted) : instrument(runni
     prepare(wanted);
 }
 
-instrument::~instrument() { ask(effClose); }
+instrument::~instrument() {
+    if (effect)
+        close();
+}
+
+VstIntPtr instrument::close() {
+    AEffect* const closing = std::exchange(effect, nullptr);
+    return closing->dispatcher(closing, effClose, 0, 0, nullptr, 0);
+}
+
+void instrument::send(const midi& message) {
+    event_list events;
+    events.add(message, 0);
+    send(events);
+}
 
 void instrument::prepare(const set_up& wanted) {
     running.rate = wanted.rate;

@@ -49,7 +49,7 @@ public:
     /// The same, ready to play.
     instrument(trial& running, const set_up& wanted);
 
-    ~instrument(); ///< closes the effect and unloads the library
+    ~instrument(); ///< closes the effect, unless that was done, and unloads the library
     instrument(const instrument&) = delete;
     instrument& operator=(const instrument&) = delete;
 
@@ -61,7 +61,10 @@ public:
     [[nodiscard]] float get(VstInt32 index) { return effect->getParameter(effect, index); }
     [[nodiscard]] std::string text(VstInt32 opcode, std::size_t nb_bytes, VstInt32 index = 0);
 
+    VstIntPtr close(); ///< there is no effect any more
+
     void send(event_list& events) { ask(effProcessEvents, 0, 0, events.record()); }
+    void send(const midi& message); ///< at the start of the next block
 
     /// Plays the next frames in blocks of the lengths set up, the last one cut to fit.
     recording render(const score& played, long nb_frames);

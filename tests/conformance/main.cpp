@@ -66,9 +66,11 @@ std::optional<arguments> parse(std::vector<std::string> words) {
 table all_rows() {
     table rows;
     for (const auto& subject :
-         {entry_rows, lifecycle_rows, opcode_rows, identity_rows, parameter_rows, program_rows,
-          event_rows, onset_rows, pitch_rows, voice_rows, vibrato_rows, control_rows, bass_rows,
-          block_rows, set_up_rows, storm_rows, instance_rows, processor_rows})
+         {entry_rows,       lifecycle_rows, opcode_rows,    identity_rows, parameter_rows,
+          program_rows,     event_rows,     onset_rows,     pitch_rows,    voice_rows,
+          vibrato_rows,     control_rows,   bass_rows,      block_rows,    set_up_rows,
+          storm_rows,       instance_rows,  processor_rows, panel_rows,    panel_action_rows,
+          panel_window_rows})
         std::ranges::copy(subject(), std::back_inserter(rows));
     return rows;
 }
@@ -97,6 +99,13 @@ void report_crashes() {
         std::signal(signal, report_crash);
 }
 
+void report_failure(const trial& failed_trial, const std::string& what) {
+    std::cerr << "FAIL " << trial_text(failed_trial);
+    if (!failed_trial.doing.empty())
+        std::cerr << ", " << failed_trial.doing;
+    std::cerr << ": " << what << std::endl;
+}
+
 bool holds(const row& judged, trial running) {
     running.row = judged.name;
     running_trial = &running;
@@ -104,9 +113,11 @@ bool holds(const row& judged, trial running) {
         judged.judge(running);
         return true;
     } catch (const mismatch& failure) {
-        std::cerr << "FAIL " << trial_text(running) << ": " << failure.what << std::endl;
-        return false;
+        report_failure(running, failure.what);
+    } catch (const std::exception& failure) {
+        report_failure(running, failure.what());
     }
+    return false;
 }
 
 int judge(const arguments& given) {
@@ -146,7 +157,7 @@ int run(const arguments& given) {
         if (given.compare_file)
             compare_reference(running, *given.compare_file);
     } catch (const mismatch& failure) {
-        std::cerr << "FAIL " << trial_text(running) << ": " << failure.what << std::endl;
+        report_failure(running, failure.what);
         return failed;
     }
     return EXIT_SUCCESS;

@@ -11,18 +11,12 @@ namespace {
 
 constexpr int controllers[]{80, 81, 82, 83, 84, 85, 7, 86, 87, 88};
 
-void send(instrument& playing, const midi& message) {
-    event_list events;
-    events.add(message, 0);
-    playing.send(events);
-}
-
 void controllers_set_their_parameters(trial& running) {
     instrument playing(running, set_up{});
     for (VstInt32 index = 0; index < nb_parameters; ++index)
         for (const int value : {0, 1, 63, 64, 127}) {
             const int number = controllers[index];
-            send(playing, controller(0, number, value));
+            playing.send(controller(0, number, value));
             running.expect(playing.get(index) == static_cast<float>(value) / 127.0f,
                            "controller " + std::to_string(number) + " at " + std::to_string(value)
                                + " gives " + std::to_string(playing.get(index)));
@@ -43,7 +37,7 @@ void other_controllers_and_channels(trial& running) {
         for (int number = 0; number < 128; ++number) {
             const bool is_bound = std::ranges::count(controllers, number) > 0;
             if (channel > 1 || !is_bound)
-                send(playing, controller(0, number, 33, channel));
+                playing.send(controller(0, number, 33, channel));
             running.expect(values(playing) == before, "controller " + std::to_string(number)
                                                           + " of channel " + std::to_string(channel)
                                                           + " changes a parameter");
@@ -56,8 +50,8 @@ void nothing_is_learned_without_the_panel(trial& running) {
     instrument playing(running, set_up{});
     playing.set(volume, 0.25f);
     playing.set(learn_tag, 1.0f);
-    send(playing, controller(0, 20, 127, 3));
-    send(playing, controller(0, 20, 127, 3));
+    playing.send(controller(0, 20, 127, 3));
+    playing.send(controller(0, 20, 127, 3));
     running.expect(playing.get(volume) == 0.25f, "a closed panel has learned a controller");
 }
 

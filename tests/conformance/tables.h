@@ -21,3 +21,6 @@ table set_up_rows();
 table storm_rows();
 table instance_rows();
 table processor_rows();
+table panel_rows();
+table panel_action_rows();
+table panel_window_rows();

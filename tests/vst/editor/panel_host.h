@@ -52,10 +52,8 @@ struct panel_host {
     std::vector<gesture> gestures{};
     std::map<VstInt32, std::function<void()>> at{}; ///< what the host does when asked that
     bool has_file_selector = false;
-    std::string chosen{};                  ///< what its file selector answers; empty: cancelled
-    std::vector<VstFileSelect> requests{}; ///< that its file selector got; their pointers are stale
-    int nb_closed_requests = 0;
-    std::vector<VstFileType> types{}; ///< the first of each
+    std::string chosen{}; ///< what its file selector answers; empty: cancelled
+    int nb_requests = 0;  ///< to its file selector
 
 private:
     static VstIntPtr VSTCALLBACK callback(AEffect* effect, VstInt32 opcode, VstInt32 index,
@@ -79,17 +77,13 @@ private:
             return has_file_selector ? 1 : 0;
         case audioMasterOpenFileSelector:
             return selectFile(*static_cast<VstFileSelect*>(ptr));
-        case audioMasterCloseFileSelector:
-            ++nb_closed_requests;
-            return 1;
         default:
             return 0;
         }
     }
 
     bool selectFile(VstFileSelect& request) {
-        requests.push_back(request);
-        types.push_back(request.fileTypes[0]);
+        ++nb_requests;
         chosen.copy(request.returnPath, 1023);
         return !chosen.empty();
     }

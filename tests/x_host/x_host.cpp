@@ -1,4 +1,6 @@
-#include "tests/vstgui/x_host.h"
+#include "tests/x_host/x_host.h"
+
+#include "tests/panel_picture/panel_picture.h"
 
 #include <array>
 #include <bit>
@@ -128,6 +130,20 @@ CDrawContext XHost::picture(void* window) {
     return shown;
 }
 
+std::string XHost::waitFor(void* window, const CDrawContext& expected, int tolerance) {
+    std::string difference = first_difference(picture(window), expected, tolerance);
+    for (int i = 0; i < 100 && !difference.empty(); ++i)
+        difference = first_difference(picture(window), expected, tolerance);
+    return difference;
+}
+
+void XHost::show(void* window, bool whole, bool shown) {
+    const auto request = whole ? (shown ? xcb_map_window : xcb_unmap_window)
+                               : (shown ? xcb_map_subwindows : xcb_unmap_subwindows);
+    request(connection, number_of(window));
+    sync();
+}
+
 unsigned XHost::nbChildren(void* window) {
     return owned(xcb_query_tree_reply(connection, xcb_query_tree(connection, number_of(window)),
                                       nullptr))
@@ -165,7 +181,10 @@ void XHost::fake(std::uint8_t type, std::uint8_t detail, CPoint where) {
     sync();
 }
 
-/// A reply comes after all that was asked before it.
+/// A reply comes after all that was asked before it, and what others are told of that is on its way
+/// to them when the next question is read.
 void XHost::sync() {
-    (void)owned(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    for (int i = 0; i < 2; ++i)
+        (void)owned(
+            xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }

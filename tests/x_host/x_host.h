@@ -6,6 +6,7 @@
 
 #include <csignal>
 #include <cstdint>
+#include <string>
 #include <sys/types.h>
 #include <xcb/xcb.h>
 
@@ -34,7 +35,13 @@ public:
     void* makeWindow(CPoint corner);
     void destroyWindow(void* window);
 
-    [[nodiscard]] CDrawContext picture(void* window); ///< with its children's pictures
+    /// Hides or shows a window, or just what is in it.
+    void show(void* window, bool whole, bool shown);
+
+    /// Takes pictures of the window, with what is in it, for as long as clients may still be heard
+    /// by the server. Returns "" once one shows what is expected, else where the last one differs.
+    [[nodiscard]] std::string waitFor(void* window, const CDrawContext& expected,
+                                      int tolerance = 0);
     [[nodiscard]] unsigned nbChildren(void* window);
 
     void takeKeys(void* window);
@@ -46,6 +53,7 @@ public:
     void sync();
 
 private:
+    [[nodiscard]] CDrawContext picture(void* window);
     void fake(std::uint8_t type, std::uint8_t detail, CPoint where);
 
     xcb_connection_t* connection;

@@ -1,4 +1,4 @@
-#include "tests/vst/editor/panel_picture.h"
+#include "tests/panel_picture/panel_picture.h"
 
 #include <algorithm>
 #include <cstdint>

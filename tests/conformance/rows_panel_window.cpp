@@ -1,0 +1,132 @@
+/// The panel's window: how it comes and goes, and what it leaves.
+
+#include "conformance/given_back.h"
+#include "conformance/panel_player.h"
+#include "conformance/tables.h"
+
+#include <functional>
+#include <memory>
+
+namespace {
+
+void opens_in_windows_alone(trial& running) {
+    panel_player user(running);
+    user.close();
+    user.close();
+    for (void* nothing : {static_cast<void*>(nullptr), reinterpret_cast<void*>(0x7654320)}) {
+        running.expect(user.playing.ask(effEditOpen, 0, 0, nothing) == 0,
+                       "a panel opens in what is no window");
+        user.idle();
+    }
+    running.expect(user.open() == 1 && user.open() == 1, "it does not open in a window, twice");
+    user.idle();
+    user.expect_shown();
+}
+
+void two_at_once(trial& running) {
+    panel_player user(running);
+    auto other = std::make_unique<panel_player>(running, CPoint{310, 190}); // covers a part
+    user.playing.set(brass, 0);
+    other->playing.set(bass, 1);
+    user.click(control_places[vibrato]);
+    user.click(learn_place);
+    for (int i = 0; i < 2; ++i) {
+        other->idle();
+        user.idle();
+    }
+    other->expect_gestures(volume, "");
+    other->expect_shown();
+    other.reset(); // uncovers it
+    user.idle();
+    user.idle();
+    user.expect_shown(true);
+}
+
+void parent_goes_first(trial& running) {
+    panel_player user(running);
+    user.press(control_places[volume]);
+    user.window.destroy();
+    user.idle();
+    user.expect_gestures(volume, "be");
+    user.playing.set(volume, 0.7f);
+    user.idle();
+    user.close();
+    panel_window next;
+    running.expect(user.playing.ask(effEditOpen, 0, 0, next.handle()) == 1,
+                   "it does not open any more");
+    user.close();
+}
+
+/// Its first turns may take something for good.
+void leaves_nothing(trial& running, int nb_rounds, const std::function<void()>& round) {
+    for (int i = 0; i < 20; ++i)
+        round();
+    const resources before = resources_in_use();
+    for (int i = 0; i < nb_rounds; ++i)
+        round();
+    expect_given_back(running, before);
+}
+
+void opens_a_thousand_times(trial& running) {
+    panel_player user(running);
+    user.close();
+    leaves_nothing(running, 1000, [&] {
+        running.expect(user.open() == 1, "it does not open any more");
+        user.idle();
+        user.close();
+    });
+    running.expect(user.window.nb_left() == 0, "a window is left");
+}
+
+/// The library goes, and its windows' code with it, with a knob in the user's hand.
+void goes_with_its_instrument(trial& running) {
+    panel_window window;
+    leaves_nothing(running, 100, [&] {
+        instrument shown(running);
+        running.expect(shown.ask(effEditOpen, 0, 0, window.handle()) == 1, "it does not open");
+        window.move(control_places[volume]);
+        window.press();
+        window.handle_messages();
+        shown.ask(effEditIdle);
+        window.release();
+    });
+    running.expect(window.nb_left() == 0, "a window is left");
+}
+
+/// The host closes the panel, or all of the instrument, in the middle of a click.
+void closed_in_a_click(trial& running) {
+    for (const VstInt32 turn :
+         {audioMasterBeginEdit, audioMasterIdle, audioMasterAutomate, audioMasterEndEdit})
+        for (const VstInt32 closing : {effEditClose, effClose}) {
+            running.doing = "closed with opcode " + std::to_string(closing) + " in a callback with "
+                            + std::to_string(turn);
+            instrument* clicked = nullptr;
+            panel_player user(running, {40, 30}, [&](const host_call& call) {
+                if (clicked && call.opcode == turn) {
+                    instrument& closed = *std::exchange(clicked, nullptr);
+                    closing == effClose ? closed.close() : closed.ask(effEditClose);
+                }
+                return answer_ordinarily(call);
+            });
+            user.window.move(control_places[flute]);
+            user.window.press();
+            clicked = &user.playing;
+            user.window.handle_messages();
+            if (user.playing.effect)
+                user.playing.ask(effEditIdle);
+            running.expect(clicked == nullptr, "the host gets no such turn");
+            running.expect(user.window.nb_left() == 0, "a window is left");
+            user.window.release();
+        }
+}
+
+} // namespace
+
+table panel_window_rows() {
+    return {{"panel-window/opens in windows alone", opens_in_windows_alone},
+            {"panel-window/two at once", two_at_once},
+            {"panel-window/parent goes first", parent_goes_first},
+            {"panel-window/1000 x open, idle, close", opens_a_thousand_times},
+            {"panel-window/goes with its instrument", goes_with_its_instrument},
+            {"panel-window/closed in a click", closed_in_a_click}};
+}
