@@ -66,20 +66,38 @@ FunctionEnd
 !insertmacro remove ""
 !insertmacro remove "un."
 
-Section
-    Call remove
+!macro refuse_folder
+    !insertmacro give_up "Cannot write to $INSTDIR. Choose a folder that is yours."
+!macroend
 
+; The chosen folder, or as much of its path as there is: in $1.
+Function findFolder
     StrCpy $1 $INSTDIR
     ${DoUntil} ${FileExists} "$1\*.*"
         ${GetParent} $1 $1
     ${Loop}
+FunctionEnd
 
+Section
+    ; While an older version is there still.
+    Call findFolder
+    ClearErrors
+    GetTempFileName $2 $1
+    FileOpen $3 $2 w
+    ${If} ${Errors}
+        !insertmacro refuse_folder
+    ${EndIf}
+    FileClose $3
+    Delete $2
+
+    Call remove
+    Call findFolder
     ClearErrors
     CreateDirectory "$INSTDIR\Tindelwax"
     SetOutPath "$INSTDIR\Tindelwax"
     WriteUninstaller "$INSTDIR\Tindelwax\uninstall.exe"
     ${If} ${Errors}
-        !insertmacro give_up "Cannot write to $INSTDIR. Choose a folder that is yours."
+        !insertmacro refuse_folder
     ${EndIf}
     WriteRegStr HKCU "${ENTRY}" "VstFolder" $INSTDIR
     WriteRegStr HKCU "${ENTRY}" "KeptFolder" $1
