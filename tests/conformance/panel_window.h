@@ -39,6 +39,10 @@ public:
     void turn_wheel(int notches);
     void hold(key held, bool down);
 
+    /// As another window takes it, in the middle of a drag.
+    void take_mouse_away();
+    void give_mouse_back();
+
     void handle_messages();
 
 private:

@@ -113,6 +113,9 @@ void panel_window::hold(key held, bool down) {
     SetKeyboardState(keys.data());
 }
 
+void panel_window::take_mouse_away() { SetCapture(p_state->window); }
+void panel_window::give_mouse_back() { ReleaseCapture(); }
+
 void panel_window::handle_messages() {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))

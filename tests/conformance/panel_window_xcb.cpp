@@ -30,7 +30,11 @@ panel_window::panel_window(CPoint corner_on_screen) {
     p_state->screen.takeKeys(handle());
 }
 
-panel_window::~panel_window() { destroy(); }
+/// All windows share the mouse: a row that ended early lets go of it.
+panel_window::~panel_window() {
+    release();
+    destroy();
+}
 
 void* panel_window::handle() const { return p_state->window; }
 
@@ -73,5 +77,8 @@ void panel_window::turn_wheel(int notches) {
 void panel_window::hold(key held, bool down) {
     p_state->screen.key(held == key::shift ? shift_code : control_code, down);
 }
+
+void panel_window::take_mouse_away() { p_state->screen.show(handle(), true, false); }
+void panel_window::give_mouse_back() { p_state->screen.show(handle(), true, true); }
 
 void panel_window::handle_messages() {} // the panel asks the server itself
