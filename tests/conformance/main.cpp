@@ -1,5 +1,6 @@
 /// conformance judges a plug-in's file through the binary interface alone.
 
+#include "conformance/measure.h"
 #include "conformance/platform.h"
 #include "conformance/reference.h"
 #include "conformance/tables.h"
@@ -16,7 +17,7 @@ namespace {
 constexpr std::string_view usage =
     "conformance --plugin FILE [--only START]... [--seed N]  judges the plug-in\n"
     "conformance --plugin FILE --write FILE                  records reference sounds\n"
-    "conformance --plugin FILE --compare FILE                compares its sounds with those\n"
+    "conformance --plugin FILE --compare FILE [--exact]      compares its sounds with those\n"
     "conformance --list                                      names the rows\n"
     "START is the start of rows' names: a group, or all of one.\n";
 
@@ -31,6 +32,7 @@ struct arguments {
     bool lists = false;
     std::optional<std::filesystem::path> write_file{};
     std::optional<std::filesystem::path> compare_file{};
+    double bound_db = between_systems_db; ///< of what is compared
 };
 
 /// Nothing when they are not to be understood.
@@ -39,6 +41,10 @@ std::optional<arguments> parse(std::vector<std::string> words) {
     for (std::size_t i = 0; i < words.size(); ++i) {
         if (words[i] == "--list") {
             given.lists = true;
+            continue;
+        }
+        if (words[i] == "--exact") {
+            given.bound_db = equal_db;
             continue;
         }
         if (i + 1 == words.size())
@@ -155,7 +161,7 @@ int run(const arguments& given) {
         if (given.write_file)
             write_reference(running, *given.write_file);
         if (given.compare_file)
-            compare_reference(running, *given.compare_file);
+            compare_reference(running, *given.compare_file, given.bound_db);
     } catch (const mismatch& failure) {
         report_failure(running, failure.what);
         return failed;

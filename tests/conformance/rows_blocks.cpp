@@ -24,7 +24,9 @@ const score whole{note_on(5, 60),      note_on(700, 31),    note_on(1500, 64),
 recording play(trial& running, const score& played, const std::vector<int>& blocks,
                const std::vector<std::pair<VstInt32, float>>& parameters) {
     instrument playing(running, {.blocks = blocks, .parameters = parameters});
-    return playing.render(played, nb_frames);
+    recording sound = playing.render(played, nb_frames);
+    running.expect(peak(sound.right) > 1e-3, "it is silent");
+    return sound;
 }
 
 std::string lengths_text(const std::vector<int>& blocks) {
@@ -109,10 +111,8 @@ void longer_than_announced(trial& running) {
 void no_frames(trial& running) {
     instrument usual(running, set_up{});
     instrument interrupted(running, set_up{});
-    event_list events;
-    events.add(note_on(0, 60), 0);
-    usual.send(events);
-    interrupted.send(events);
+    for (instrument* played : {&usual, &interrupted})
+        played->send(note_on(0, 60));
     for (const int length : {0, -1, -2147483647}) {
         std::array<float*, 2> outputs{};
         interrupted.effect->processReplacing(interrupted.effect, nullptr, outputs.data(), length);

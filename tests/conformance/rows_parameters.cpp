@@ -2,6 +2,7 @@
 
 #include "conformance/instrument.h"
 #include "conformance/tables.h"
+#include "conformance/text_sizes.h"
 
 #include <algorithm>
 #include <bit>
@@ -10,9 +11,6 @@
 #include <random>
 
 namespace {
-
-constexpr std::size_t display_size = 9;
-constexpr std::size_t name_size = 11;
 
 struct parameter_case {
     const char* name;
@@ -79,7 +77,7 @@ void display_of_any_value(trial& running) {
         running.expect(!text.empty()
                            && std::ranges::all_of(
                                text, [](char letter) { return letter >= ' ' && letter <= '~'; }),
-                       running.doing + " shows \"" + text + "\"");
+                       "it shows \"" + text + "\"");
     }
 }
 
@@ -116,11 +114,12 @@ void indices_outside(trial& running) {
           std::numeric_limits<VstInt32>::max(), std::numeric_limits<VstInt32>::min()}) {
         running.doing = "parameter " + std::to_string(index);
         asked.set(index, 0.3f);
-        running.expect(asked.get(index) == 0.0f, running.doing + " has a value");
+        running.expect(asked.get(index) == 0.0f, "it has a value");
         asked.ask(effGetParamName, index, 0, text.data());
         asked.ask(effGetParamDisplay, index, 0, text.data());
-        running.expect(text.is_untouched(), running.doing + " has a text");
+        running.expect(text.is_untouched(), "it has a text");
     }
+    running.doing.clear();
     for (VstInt32 index = 0; index < nb_parameters; ++index)
         running.expect(asked.get(index) == cases[index].default_value,
                        std::string(cases[index].name) + " changes with another's index");
@@ -128,7 +127,7 @@ void indices_outside(trial& running) {
 
 void labels_are_left_alone(trial& running) {
     instrument asked(running);
-    const guarded_memory text(8);
+    const guarded_memory text(label_size);
     for (VstInt32 index = -1; index <= nb_parameters; ++index)
         asked.ask(effGetParamLabel, index, 0, text.data());
     running.expect(text.is_untouched(), "a label is written");
