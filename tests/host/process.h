@@ -1,8 +1,13 @@
 #pragma once
 /// Runs a program for a test.
 
+#include "tests/temporary_folder.h"
+
+#include <array>
+#include <cstdio>
 #include <map>
 #include <string>
+#include <sys/wait.h>
 #include <vector>
 
 struct process_result {
@@ -14,9 +19,32 @@ struct process_result {
 struct process_surroundings {
     std::string input_file = "/dev/null";
     std::string output_file{}; ///< receives standard output; empty: a pipe, captured in `out`
-    std::string folder{};      ///< to run in; empty: the current one
+    std::string folder = ".";  ///< to run in
     std::map<std::string, std::string> environment{};
 };
 
-[[nodiscard]] process_result process_run(const std::vector<std::string>& arguments,
-                                         const process_surroundings& surroundings = {});
+/// As one word of a shell's line, after a space. The text has no quotation marks.
+inline std::string shell_word(const std::string& text) { return " '" + text + "'"; }
+
+[[nodiscard]] inline process_result process_run(const std::vector<std::string>& arguments,
+                                                const process_surroundings& surroundings = {}) {
+    const temporary_folder own;
+    std::string line = "cd" + shell_word(surroundings.folder) + " && exec env";
+    for (const auto& [name, value] : surroundings.environment)
+        line += shell_word(name + "=" + value);
+    for (const std::string& argument : arguments)
+        line += shell_word(argument);
+    line += " <" + shell_word(surroundings.input_file) + " 2>" + shell_word(own / "err");
+    if (!surroundings.output_file.empty())
+        line += " >" + shell_word(surroundings.output_file);
+
+    process_result result;
+    std::FILE* p_out = popen(line.c_str(), "r");
+    std::array<char, 65536> piece;
+    while (const auto nb_bytes = std::fread(piece.data(), 1, piece.size(), p_out))
+        result.out.append(piece.data(), nb_bytes);
+    const int status = pclose(p_out);
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    result.err = file_content(own / "err");
+    return result;
+}

@@ -119,7 +119,7 @@ TEST_F(AudioFile, ALinkKeepsLeadingToTheFile) {
     EXPECT_EQ(file_content(folder / "real.wav").substr(0, 4), "RIFF");
 }
 
-TEST_F(AudioFile, WhatCannotBeWrittenIsToldByName) {
+TEST_F(AudioFile, WhatCannotBeWrittenIsToldAtOnceByName) {
     for (const std::string& name : {folder / "no/such/folder.wav", folder.path.string()}) {
         try {
             output_file output{std::filesystem::path{name}};

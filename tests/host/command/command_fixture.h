@@ -19,6 +19,14 @@ inline bool contains(const std::string& text, const std::string& part) {
 
 inline long nb_lines(const std::string& text) { return std::count(text.begin(), text.end(), '\n'); }
 
+/// A command that fails.
+struct complaint {
+    words arguments;
+    std::string plugin;
+    int status;
+    std::string part; ///< of the one sentence
+};
+
 struct command_fixture : testing::Test {
     temporary_folder folder;
     process_surroundings surroundings{.folder = folder.path};
@@ -30,5 +38,16 @@ struct command_fixture : testing::Test {
             arguments.insert(arguments.end(),
                              {"--plugin", contains(plugin, "/") ? plugin : test_plugin(plugin)});
         return process_run(arguments, surroundings);
+    }
+
+    void expect_one_sentence_and_no_file(const complaint& row) {
+        const auto before = folder.nb_files();
+        const process_result result = run(row.arguments, row.plugin);
+        EXPECT_EQ(result.status, row.status) << row.part;
+        EXPECT_TRUE(result.err.starts_with("tindelwax: ")) << result.err;
+        EXPECT_TRUE(contains(result.err, row.part)) << row.part << " expected in " << result.err;
+        EXPECT_EQ(nb_lines(result.err), 1) << result.err;
+        EXPECT_EQ(result.out, "") << row.part;
+        EXPECT_EQ(folder.nb_files(), before) << row.part;
     }
 };

@@ -90,24 +90,19 @@ VstIntPtr close(painter& p) {
 
 VstIntPtr VSTCALLBACK dispatch(AEffect* effect, VstInt32 opcode, VstInt32, VstIntPtr, void* ptr,
                                float) {
+    painter& p = self(effect);
+    // A table, one row an opcode.
+    // clang-format off
     switch (opcode) {
-    case effEditGetRect:
-        return tell_rect(self(effect), ptr);
-    case effEditOpen:
-        return open(self(effect), ptr);
-    case effEditIdle:
-        return paint(self(effect));
-    case effEditClose:
-        return close(self(effect));
-    case effGetParamName:
-        std::strcpy(static_cast<char*>(ptr), "Green");
-        return 1;
-    case effClose:
-        delete &self(effect);
-        return 1;
-    default:
-        return 0;
+    case effEditGetRect: return tell_rect(p, ptr);
+    case effEditOpen: return open(p, ptr);
+    case effEditIdle: return paint(p);
+    case effEditClose: return close(p);
+    case effGetParamName: std::strcpy(static_cast<char*>(ptr), "Green"); return 1;
+    case effClose: delete &p; return 1;
+    default: return 0;
     }
+    // clang-format on
 }
 
 } // namespace

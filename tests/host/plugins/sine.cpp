@@ -13,6 +13,8 @@
 namespace {
 
 constexpr std::array parameter_names{"Volume", "Vibrato", "Mix", "MIX"};
+constexpr const char* long_vendor_name =
+    "a vendor whose name is longer than any host of the old days expects, alas";
 constexpr float release_per_100_ms = 1e-4f; // the gain left after so long
 constexpr float inaudible = 1e-6f;
 
@@ -29,15 +31,17 @@ struct sine {
     long frame = 0;
     std::istringstream signals{}; // a frame, and the signals that are raised once it is reached
     long signals_frame = -1;
-    VstIntPtr block_frames = 0;
+    long block_frames = 0;
 };
 
 sine& self(AEffect* effect) { return *static_cast<sine*>(effect->object); }
 
+/// Returns what opcodes answer that have no answer.
 template <typename... Values>
-void log(sine& s, const char* format, Values... values) {
+VstIntPtr log(sine& s, const char* format, Values... values) {
     if (s.p_log)
         std::fprintf(s.p_log, format, values...);
+    return 0;
 }
 
 void receive_midi(sine& s, const VstMidiEvent& event) {
@@ -85,48 +89,27 @@ VstIntPtr finish(sine& s) {
 VstIntPtr VSTCALLBACK dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index, VstIntPtr value,
                                void* ptr, float opt) {
     sine& s = self(effect);
+    const auto position = static_cast<std::size_t>(index);
+    // A table, one row an opcode.
+    // clang-format off
     switch (opcode) {
-    case effOpen:
-        log(s, "open\n");
-        return 0;
-    case effClose:
-        return finish(s);
-    case effSetSampleRate:
-        s.rate = static_cast<double>(opt);
-        log(s, "rate %.0f\n", s.rate);
-        return 0;
-    case effSetBlockSize:
-        s.block_frames = value;
-        log(s, "block %d\n", static_cast<int>(value));
-        return 0;
-    case effMainsChanged:
-        log(s, "mains %d\n", static_cast<int>(value));
-        return 0;
-    case effStartProcess:
-        log(s, "start\n");
-        return 0;
-    case effStopProcess:
-        log(s, "stop\n");
-        return 0;
-    case effProcessEvents:
-        receive(s, *static_cast<const VstEvents*>(ptr));
-        return 1;
-    case effGetParamName:
-        return write(ptr, parameter_names[static_cast<std::size_t>(index)]);
-    case effGetParamDisplay:
-        return write(ptr, s.parameters[static_cast<std::size_t>(index)] > 0.5f ? "ON" : "OFF");
-    case effGetEffectName:
-        return write(ptr, "Sine");
-    case effGetVendorString:
-        return write(ptr,
-                     "a vendor whose name is longer than any host of the old days expects, alas");
-    case effGetPlugCategory:
-        return kPlugCategSynth;
-    case effGetVstVersion:
-        return kVstVersion;
-    default:
-        return 0;
+    case effOpen: return log(s, "open\n");
+    case effClose: return finish(s);
+    case effSetSampleRate: return log(s, "rate %.0f\n", s.rate = static_cast<double>(opt));
+    case effSetBlockSize: return log(s, "block %ld\n", s.block_frames = value);
+    case effMainsChanged: return log(s, "mains %d\n", static_cast<int>(value));
+    case effStartProcess: return log(s, "start\n");
+    case effStopProcess: return log(s, "stop\n");
+    case effProcessEvents: receive(s, *static_cast<const VstEvents*>(ptr)); return 1;
+    case effGetParamName: return write(ptr, parameter_names[position]);
+    case effGetParamDisplay: return write(ptr, s.parameters[position] > 0.5f ? "ON" : "OFF");
+    case effGetEffectName: return write(ptr, "Sine");
+    case effGetVendorString: return write(ptr, long_vendor_name);
+    case effGetPlugCategory: return kPlugCategSynth;
+    case effGetVstVersion: return kVstVersion;
+    default: return 0;
     }
+    // clang-format on
 }
 
 void VSTCALLBACK set_parameter(AEffect* effect, VstInt32 index, float value) {
