@@ -31,28 +31,15 @@ struct Control : testing::Test {
     }
 };
 
-TEST_F(Control, TheCompiledInTextDescribesTenParameters) {
-    control_load_ini(registry.get(), "../control/confs/korvel.ini");
-    EXPECT_EQ(list(), "Flute 80 1 31 a q stop 0 1 bin\n"
-                      "Bright 81 1 31 z s stop 0 1 bin\n"
-                      "Brass 82 1 31 e d stop 0 1 bin\n"
-                      "Mellow 83 1 31 r f stop 0 1 bin\n"
-                      "Vibrato 84 1 31 y h stop -1 0 bin\n"
-                      "BassChords 85 1 31 o l stop -1 1 bin\n"
-                      "Volume 7 1 31 t g knob -1 0.5 db\n"
-                      "Contour 86 1 31 u j knob -1 0.1 !\n"
-                      "Bass 87 1 31 i k knob -1 0.5 db\n"
-                      "Split 88 1 31 w x knob -1 1 !\n");
-    EXPECT_EQ(control_find_parameter(registry.get(), "Split"), 9);
-    EXPECT_EQ(control_find_parameter(registry.get(), "split"), -1);
-}
-
-TEST_F(Control, OtherTextsAreReadByTheRules) {
+TEST_F(Control, TextsAreReadByTheRules) {
     const struct {
         const char* text;
         const char* list;
     } rows[] = {
         {"[organ]\nname=A\n[control\nname=A\n", ""},
+        {"[control]\nname=A\ncc=80\nchannel=1\ncolor=31\nkey_up=a\nkey_down=q\ntype=stop\n"
+         "manual=0\ndefault=1.0\nunit=bin\n",
+         "A 80 1 31 a q stop 0 1 bin\n"},
         {"[control]\ncc=5\ndefault=1\nname=A\n", "A 0 0 0 ! ! ! -1 0 !\n"},
         {"[Control]\nNAME=A\nCc=12\nDEFAULT=.25\n", "A 12 0 0 ! ! ! -1 0.25 !\n"},
         {"[control]\nname=A\nsize=9\ncc=1\ncc=2\nname=B\ncc=x\nchannel= +3x\n",
@@ -81,6 +68,8 @@ TEST_F(Control, ParametersAndConfigsBeyond256AreIgnored) {
     EXPECT_EQ(registry->nb_parameters, 256u);
     EXPECT_EQ(registry->nb_configs, 256u);
     EXPECT_EQ(control_find_parameter(registry.get(), "p256"), -1);
+    EXPECT_EQ(control_find_parameter(registry.get(), "p255"), 255);
+    EXPECT_EQ(control_find_parameter(registry.get(), "P255"), -1);
     EXPECT_EQ(registry->parameters[255]->midi_cc, 255u) << "what follows describes no parameter";
 }
 

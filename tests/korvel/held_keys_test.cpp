@@ -1,5 +1,7 @@
 #include "korvel/held_keys.h"
 
+#include "tests/noise_bank.h"
+
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -36,14 +38,7 @@ struct HeldKeys : testing::Test {
 
     HeldKeys() {
         tg->get_bank = [](int) {
-            auto* p_bank = new oscillators_bank{.nb_oscs = nb_oscs, .oscs = {}, .name = "silent"};
-            p_bank->oscs.resize(nb_oscs, {.wav = {{}, 0},
-                                          .number = 0,
-                                          .nb_periods = 1,
-                                          .root_freq = 1,
-                                          .name = "...",
-                                          .sample_rate = 1});
-            return p_bank;
+            return create_noise_bank(1, std::vector(std::size_t{nb_oscs}, 1));
         };
         tonegenerator_set_sampling_rate(tg.get(), 1);
         held_keys_reserve(held, nb_oscs);
@@ -89,12 +84,6 @@ TEST_F(HeldKeys, SumsDoNotDependOnTheOrderOfPressing) {
         ASSERT_EQ(register_keys(pressed), sum_by_index(pressed)) << "block " << block;
         ASSERT_EQ(register_keys(pressed), sum_by_index(pressed)) << "held on, block " << block;
     }
-}
-
-TEST_F(HeldKeys, AreForgottenAfterTheirBlock) {
-    register_keys({0, 63});
-    EXPECT_EQ(register_keys({}), gains{});
-    EXPECT_EQ(register_keys({63}), sum_by_index({63}));
 }
 
 TEST_F(HeldKeys, WhatCannotBePlayedIsLeftOut) {

@@ -4,10 +4,11 @@
 
 #include "filter/iir_filter.h"
 #include "organ/organ.h"
-#include "tests/noise.h"
+#include "tests/noise_bank.h"
 #include "tests/temporary_folder.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 
 enum manual : std::size_t { upper, lower, nb_manuals };
@@ -27,8 +28,8 @@ inline std::string wiring_text(const std::string& section) {
 
 class two_manual_organ {
 public:
-    explicit two_manual_organ(const char* seed = "1") {
-        setenv("TINDELWAX_SEED", seed, 1);
+    two_manual_organ() {
+        setenv("TINDELWAX_SEED", "1", 1);
         p_organ = organ_create("Twin", nb_manuals, nb_manuals, nb_manuals, 1);
         p_organ->p_control = control_create("Twin");
         const temporary_folder folder;
@@ -92,17 +93,8 @@ public:
 private:
     void add_manual(manual m, int first_note, const char* name, const std::string& wiring) {
         tonegenerator* p_tg = tonegenerator_create(name);
-        p_tg->get_bank = [=](int rate) {
-            constexpr unsigned nb_oscs = 4;
-            auto* p_bank = new oscillators_bank{.nb_oscs = nb_oscs, .oscs = {}, .name = name};
-            for (unsigned osc = 0; osc < nb_oscs; ++osc)
-                p_bank->oscs.push_back({.wav = {noise(100, osc), 100},
-                                        .number = osc,
-                                        .nb_periods = 1,
-                                        .root_freq = static_cast<float>(rate) / 100,
-                                        .name = "...",
-                                        .sample_rate = static_cast<unsigned>(rate)});
-            return p_bank;
+        p_tg->get_bank = [](int rate) {
+            return create_noise_bank(rate, std::array{100, 100, 100, 100});
         };
         harpmatrix* p_matrix = harpmatrix_create(name);
         harpmatrix_load_ini(p_matrix, wiring.c_str(), p_organ->random);

