@@ -57,7 +57,8 @@ public:
     void setOutputMode(int mode);
     void panic(); ///< silences every key with the next piece [any]
 
-    /// The current program's and the bank's; nothing happens while the bank has no program.
+    /// The current program's and the bank's; nothing happens while the bank has no program. Not
+    /// side by side with a program change on another thread.
     void storeCurrentProg();
     void ProgLoad(const char* filename);
     void ProgSave(const char* filename);
@@ -75,7 +76,6 @@ private:
     void receiveMidi(const VstMidiEvent& event);
     void queueNote(const queued_message& message);
     void reservePieces();
-    void processPiece(std::span<float> out_r, std::span<float> out_l);
 
     organ* p_organ;
     control* p_control;

@@ -18,9 +18,10 @@ bool AEffGUIEditor::getRect(ERect** size) {
 }
 
 void AEffGUIEditor::close() {
-    if (const CReference<CFrame> closing = std::exchange(frame, {}))
-        closing->detach();
+    const CReference<CFrame> closing = std::exchange(frame, {});
     AEffEditor::close();
+    if (closing) // last: where that ends a gesture the host may end the editor
+        closing->detach();
 }
 
 void AEffGUIEditor::idle() {

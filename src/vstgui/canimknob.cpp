@@ -39,9 +39,10 @@ void CAnimKnob::onMouseMoved(CPoint where, int buttons) {
     if (!dragging)
         return;
     const double angle = angleOf(where);
-    turnTo(static_cast<float>(follow(where, angle, buttons)));
+    const double turned = follow(where, angle, buttons);
     last = where;
     lastAngle = angle;
+    turnTo(static_cast<float>(turned)); // in which the host may let the next move come
 }
 
 double CAnimKnob::follow(CPoint where, double angle, int buttons) const {

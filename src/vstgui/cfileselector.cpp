@@ -25,10 +25,13 @@ bool CFileSelector::runHostsDialog(VstFileSelect* request) {
 }
 
 bool CFileSelector::runSystemsDialog(const VstFileSelect& request) {
-    return run_file_dialog(request, editor->getSystemWindow(), [this, life = editor->getLife()] {
+    const auto life = editor->getLife();
+    const auto isOpen = [&] { return !life.expired() && editor->isOpen(); };
+    const bool chosen = run_file_dialog(request, editor->getSystemWindow(), [&] {
         editor->idle();
         if (!life.expired())
             effect->masterIdle();
-        return !life.expired() && editor->isOpen();
+        return isOpen();
     });
+    return chosen && isOpen(); // the system's own loop may have brought the end as well
 }

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <utility>
 
-CFrame::CFrame(const CRect& size, void* parent, AEffGUIEditor* editor_)
-    : editor(editor_),
-      life(editor_->getLife()),
+CFrame::CFrame(const CRect& size, void* parent, AEffGUIEditor* owner)
+    : editor(owner),
+      life(owner->getLife()),
       context(size.width(), size.height()),
       window(open_platform_window(parent, {size.width(), size.height()}, *this)) {}
 
@@ -75,7 +75,7 @@ void CFrame::onMouseDown(CPoint where, int buttons) {
     if (detached || (buttons & kLButton) == 0 || !view)
         return;
     releaseMouse(); // a release that never came
-    if (isClaimed(*view, buttons))
+    if (detached || isClaimed(*view, buttons))
         return;
     mouseOwner = view;
     view->onMouseDown(where, buttons);
@@ -113,7 +113,9 @@ void CFrame::onMouseLost() {
 
 bool CFrame::turnWheel(float notches, int buttons) {
     const CReference keep(this);
-    CControl* view = detached || mouseOwner ? nullptr : viewAt(pointer);
+    if (mouseOwner) // in the middle of a drag it is for nobody, and not for what lies behind
+        return true;
+    CControl* view = detached ? nullptr : viewAt(pointer);
     return view && view->onWheel(notches, buttons);
 }
 

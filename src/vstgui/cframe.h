@@ -19,7 +19,7 @@ class AEffGUIEditor;
 class CFrame final : public CReferenceCounter, private PlatformWindowListener {
 public:
     /// `parent` is the host's window.
-    CFrame(const CRect& size, void* parent, AEffGUIEditor* editor);
+    CFrame(const CRect& size, void* parent, AEffGUIEditor* owner);
 
     [[nodiscard]] bool isOpen() const { return window != nullptr; } ///< false: it cannot be shown
 

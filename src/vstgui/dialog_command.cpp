@@ -1,6 +1,6 @@
 #include "vstgui/dialog_command.h"
 
-#include "vstgui/file_types.h"
+#include "vstgui/file_request.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "vstgui/child_process.h"
 #include "vstgui/dialog_command.h"
-#include "vstgui/file_types.h"
+#include "vstgui/file_request.h"
 #include "vstgui/platform.h"
 
 #include <algorithm>
@@ -50,7 +50,8 @@ std::string path_to_save(const std::string& path, std::span<const VstFileType> t
 bool run_file_dialog(const VstFileSelect& request, void*, const std::function<bool()>& keep_alive) {
     auto dialog = start_dialog(request);
     if (!dialog) {
-        std::fprintf(stderr, "%s no file dialog found: install zenity or kdialog\n", request.title);
+        std::fprintf(stderr, "%s no file dialog found: install zenity or kdialog\n",
+                     message_title(request).c_str());
         return false;
     }
     std::string path;
@@ -63,8 +64,8 @@ bool run_file_dialog(const VstFileSelect& request, void*, const std::function<bo
     if (request.command == kVstFileSave)
         path = path_to_save(path, offered_types(request));
     if (path.size() >= file_path_size) {
-        std::fprintf(stderr, "%s %s: the path is longer than %zu bytes\n", request.title,
-                     path.c_str(), file_path_size - 1);
+        std::fprintf(stderr, "%s %s: the path is longer than %zu bytes\n",
+                     message_title(request).c_str(), path.c_str(), file_path_size - 1);
         return false;
     }
     std::memcpy(request.returnPath, path.c_str(), path.size() + 1);

@@ -1,4 +1,4 @@
-#include "vstgui/file_types.h"
+#include "vstgui/file_request.h"
 #include "vstgui/platform.h"
 
 #include <cstdio>
@@ -27,12 +27,14 @@ std::string filters_of(std::span<const VstFileType> types) {
 }
 
 /// Nothing when the user has cancelled.
-void report_failure(const char* title) {
+void report_failure(const VstFileSelect& request) {
     const DWORD error = CommDlgExtendedError();
     if (error == FNERR_BUFFERTOOSMALL)
-        std::fprintf(stderr, "%s the path is longer than %zu bytes\n", title, file_path_size - 1);
+        std::fprintf(stderr, "%s the path is longer than %zu bytes\n",
+                     message_title(request).c_str(), file_path_size - 1);
     else if (error != 0)
-        std::fprintf(stderr, "%s the file dialog failed: error 0x%lx\n", title, error);
+        std::fprintf(stderr, "%s the file dialog failed: error 0x%lx\n",
+                     message_title(request).c_str(), error);
 }
 
 } // namespace
@@ -55,6 +57,6 @@ bool run_file_dialog(const VstFileSelect& request, void* parent, const std::func
                    | (saves ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST);
     if ((saves ? GetSaveFileNameA(&dialog) : GetOpenFileNameA(&dialog)) != 0)
         return true;
-    report_failure(request.title);
+    report_failure(request);
     return false;
 }

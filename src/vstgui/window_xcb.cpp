@@ -168,10 +168,9 @@ void XcbWindow::handle(const xcb_generic_event_t& event) {
     case XCB_MOTION_NOTIFY: {
         const auto& motion = reinterpret_cast<const xcb_motion_notify_event_t&>(event);
         // A grab of others ends a drag without a word; the button's absence tells.
-        if ((motion.state & XCB_BUTTON_MASK_1) != 0)
-            listener.onMouseMoved({motion.event_x, motion.event_y}, buttons_of(motion.state));
-        else
+        if ((motion.state & XCB_BUTTON_MASK_1) == 0)
             listener.onMouseLost();
+        listener.onMouseMoved({motion.event_x, motion.event_y}, buttons_of(motion.state));
         break;
     }
     case XCB_LEAVE_NOTIFY:

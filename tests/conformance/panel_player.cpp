@@ -69,8 +69,7 @@ void panel_player::expect_value(VstInt32 index, float wanted, float tolerance) {
                        + ", wanted " + std::to_string(wanted));
 }
 
-void panel_player::expect_shown(bool learn, bool lamp) {
-    panel_state state{.values = {}, .learn = learn, .lamp = lamp};
+void panel_player::expect_shown(panel_state state) {
     for (VstInt32 index = 0; index < nb_panel_parameters; ++index)
         state.values[static_cast<std::size_t>(index)] = playing.get(index);
     const std::string difference = window.difference(panel_picture(state));

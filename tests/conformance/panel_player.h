@@ -5,11 +5,6 @@
 #include "conformance/panel_window.h"
 #include "tests/panel_picture/panel_picture.h"
 
-/// Places on the panel's controls. Parameters by their index.
-constexpr CPoint control_places[]{{212, 176}, {268, 176}, {325, 176}, {382, 176}, {99, 176},
-                                  {155, 176}, {367, 299}, {116, 299}, {242, 299}};
-constexpr CPoint learn_place{323, 29}, lamp_place{368, 29}, panic_place{415, 29};
-
 constexpr VstInt32 first_knob = volume; ///< what comes before are switches
 constexpr VstInt32 nb_panel_parameters = std::size(control_places);
 
@@ -39,8 +34,8 @@ public:
     /// Expects the parameter to have that value.
     void expect_value(VstInt32 index, float wanted, float tolerance = 1e-6f);
 
-    /// Expects the picture of the parameters as they are.
-    void expect_shown(bool learn = false, bool lamp = false);
+    /// Expects the picture of the parameters as they are, and of the other controls as told.
+    void expect_shown(panel_state state = {});
 
     trial& running;
     instrument playing;

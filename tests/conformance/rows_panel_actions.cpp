@@ -27,7 +27,7 @@ void learn(trial& running) {
     panel_player user(running);
     user.click(learn_place);
     user.idle();
-    user.expect_shown(true);
+    user.expect_shown({.learn = true});
     user.expect_gestures(volume, "");
     user.turn_wheel(control_places[contour], 1);
     user.playing.send(controller(0, 20, 64, 5));
@@ -56,7 +56,9 @@ void panic(trial& running) {
     user.click(lamp_place); // does nothing
     running.expect(peak(user.playing.render({}, 9600).right) > peak(held.right) / 2,
                    "the lamp ends the sound");
-    user.click(panic_place);
+    user.press(panic_place);
+    user.expect_shown({.panic = true});
+    user.release();
     user.playing.render({}, 48000);
     running.expect(peak(user.playing.render({}, 4800).right) < peak(held.right) / 1000,
                    "panic leaves a sound");

@@ -39,7 +39,7 @@ void two_at_once(trial& running) {
     other.reset(); // uncovers it
     user.idle();
     user.idle();
-    user.expect_shown(true);
+    user.expect_shown({.learn = true});
 }
 
 void lost_mouse(trial& running) {

@@ -6,8 +6,13 @@
 #include <array>
 #include <string>
 
+/// A place on each control: of the parameters, by index, and of the actions.
+constexpr CPoint control_places[]{{212, 176}, {268, 176}, {325, 176}, {382, 176}, {99, 176},
+                                  {155, 176}, {367, 299}, {116, 299}, {242, 299}};
+constexpr CPoint learn_place{323, 29}, lamp_place{368, 29}, panic_place{415, 29};
+
 struct panel_state {
-    std::array<float, 9> values; ///< of the parameters on the panel, by index
+    std::array<float, 9> values{}; ///< of the parameters on the panel, by index
     bool learn = false, lamp = false, panic = false;
 };
 

@@ -56,6 +56,18 @@ TEST_F(Controls, ADragTurnsTheKnobAsItsModeSays) {
     }
 }
 
+TEST_F(Controls, AMoveThatComesDuringAnotherCountsOnce) {
+    editor.setKnobMode(kLinearMode);
+    press({126, 125});
+    editor.at_call = [this] {
+        editor.at_call = {};
+        move({126, 85});
+    };
+    move({126, 105});
+    move({126, 85});
+    EXPECT_NEAR(editor.controls[knob_tag]->getValue(), 0.2f, 1e-6f);
+}
+
 TEST_F(Controls, AWheelADoubleClickAndCtrlAreGesturesOfTheirOwn) {
     CControl& knob = *editor.controls[knob_tag];
     knob.setDefaultValue(0.75f);
@@ -81,6 +93,10 @@ TEST_F(Controls, AWheelAwayFromAKnobTellsNothing) {
     EXPECT_TRUE(editor.onWheel(1)); // where the mouse is
     move({10, 10});
     EXPECT_FALSE(editor.onWheel(1));
+    press({126, 125});
+    told();
+    EXPECT_TRUE(editor.onWheel(1)) << "a wheel in a drag reaches the host";
+    EXPECT_EQ(told(), "");
 }
 
 TEST_F(Controls, ASwitchShowsItselfBeforeItTells) {

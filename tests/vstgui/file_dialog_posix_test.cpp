@@ -108,7 +108,7 @@ TEST_F(FileDialog, CancelsWithOneLineWhereThereIsNone) {
     testing::internal::CaptureStderr();
     EXPECT_FALSE(run());
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Load bank ...  no file dialog found: install zenity or kdialog\n");
+              "Load bank ... no file dialog found: install zenity or kdialog\n");
 }
 
 TEST_F(FileDialog, SavesUnderANameThatItsFilterFindsAndThatHarmsNoOtherFile) {

@@ -41,6 +41,14 @@ xcb_visualtype_t visual_of(const xcb_screen_t& screen) {
     throw std::runtime_error("the screen's visual is unknown");
 }
 
+xcb_visualid_t visual_of_depth(const xcb_screen_t& screen, int depth) {
+    for (auto depths = xcb_screen_allowed_depths_iterator(&screen); depths.rem > 0;
+         xcb_depth_next(&depths))
+        if (depths.data->depth == depth && xcb_depth_visuals_length(depths.data) > 0)
+            return xcb_depth_visuals(depths.data)->visual_id;
+    throw std::runtime_error("the screen has no visual of that depth");
+}
+
 /// From 0 to 255.
 std::uint32_t channel(std::uint32_t pixel, std::uint32_t mask) {
     const int shift = std::countr_zero(mask);
@@ -91,13 +99,19 @@ XHost::XHost() : connection(xcb_connect(nullptr, nullptr)) {
 
 XHost::~XHost() { xcb_disconnect(connection); }
 
-void* XHost::makeWindow(CPoint corner) {
+void* XHost::makeWindow(CPoint corner, bool transparent) {
     const xcb_window_t window = xcb_generate_id(connection);
-    const std::uint32_t values[] = {screen->black_pixel, 1};
-    xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, screen->root,
+    const int depth = transparent ? 32 : screen->root_depth;
+    const xcb_visualid_t visual = transparent ? visual_of_depth(*screen, 32) : screen->root_visual;
+    const xcb_colormap_t colours = xcb_generate_id(connection);
+    xcb_create_colormap(connection, XCB_COLORMAP_ALLOC_NONE, colours, screen->root, visual);
+    const std::uint32_t values[] = {screen->black_pixel, screen->black_pixel, 1, colours};
+    xcb_create_window(connection, static_cast<std::uint8_t>(depth), window, screen->root,
                       static_cast<std::int16_t>(corner.x), static_cast<std::int16_t>(corner.y), 480,
-                      400, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+                      400, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
+                      XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT
+                          | XCB_CW_COLORMAP,
+                      values);
     xcb_map_window(connection, window);
     sync();
     return reinterpret_cast<void*>(static_cast<std::uintptr_t>(window));

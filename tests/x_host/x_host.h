@@ -31,8 +31,8 @@ public:
     XHost(const XHost&) = delete;
     XHost& operator=(const XHost&) = delete;
 
-    /// Returns what effEditOpen gets: a window of 480 by 400.
-    void* makeWindow(CPoint corner);
+    /// Returns what effEditOpen gets: a window of 480 by 400, of the screen's depth or transparent.
+    void* makeWindow(CPoint corner, bool transparent = false);
     void destroyWindow(void* window);
 
     /// Hides or shows a window, or just what is in it.

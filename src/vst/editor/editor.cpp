@@ -49,8 +49,8 @@ bool Editor::open(void* parent) {
 }
 
 void Editor::close() {
-    AEffGUIEditor::close();
     controls.clear();
+    AEffGUIEditor::close();
 }
 
 /// What was put while the panel was closed is in the registry too.

@@ -94,9 +94,9 @@ CMovieBitmap* add_midi_lamp(CFrame& frame, CControlListener* listener) {
                                                       bitmap.get()));
 }
 
-CKickButton* add_panic_button(CFrame& frame, CControlListener* listener) {
+void add_panic_button(CFrame& frame, CControlListener* listener) {
     const auto bitmap = load(panic.bitmap);
     const CRect area = picture_area(*bitmap, 2, panic.corner);
-    return give(frame, std::make_unique<CKickButton>(area, listener, panic.tag, area.height(),
-                                                     bitmap.get()));
+    give(frame,
+         std::make_unique<CKickButton>(area, listener, panic.tag, area.height(), bitmap.get()));
 }

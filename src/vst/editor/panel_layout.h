@@ -8,7 +8,6 @@
 
 class CControl;
 class CFrame;
-class CKickButton;
 class CMovieBitmap;
 class COnOffButton;
 struct control;
@@ -16,8 +15,8 @@ struct control;
 /// The picture behind everything, whose size is the panel's.
 [[nodiscard]] CReference<CBitmap> load_background();
 
-// Each makes controls, gives them to the frame and returns them; they are drawn in the order in
-// which they are made.
+// Each makes controls and gives them to the frame, which draws them in the order in which they are
+// made. What the editor has to do with is returned.
 
 /// Returns one for each parameter of the registry, null where the panel has none. A registry with
 /// fewer parameters than the panel leaves places empty.
@@ -26,4 +25,4 @@ add_parameter_controls(CFrame& frame, CControlListener* listener, const control&
 
 COnOffButton* add_learn_switch(CFrame& frame, CControlListener* listener);
 CMovieBitmap* add_midi_lamp(CFrame& frame, CControlListener* listener);
-CKickButton* add_panic_button(CFrame& frame, CControlListener* listener);
+void add_panic_button(CFrame& frame, CControlListener* listener);

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr CPoint volume_knob{367, 299}, flute_switch{212, 176}, learn_switch{323, 29};
+constexpr CPoint volume_knob = control_places[6], flute_switch = control_places[0];
 
 struct EditorTest : testing::Test {
     explicit EditorTest(VstInt32 nbPrograms = 0) : host(nbPrograms) {}
@@ -96,12 +96,12 @@ TEST_F(EditorTest, EachOpeningTurnsKnobsInCirclesAgain) {
 
 TEST_F(EditorTest, LearnStillArmedAtReopeningIsDisarmedByTheFirstClick) {
     ASSERT_TRUE(host.open(&window));
-    click(learn_switch);
+    click(learn_place);
     host.close();
     ASSERT_TRUE(host.open(&window));
     host.idle();
     EXPECT_EQ(differs(), "");
-    click(learn_switch);
+    click(learn_place);
     EXPECT_EQ(learning(), 0);
     host.idle();
     host.idle();
@@ -135,6 +135,14 @@ TEST(EditorClosing, TheHostMayCloseTheEffectInAnyTurnItGets) {
     const hand turn_knob = [](panel_host&, headless_parent& window) {
         window.listener->onMouseWheel(volume_knob, 1, 0);
     };
+    const hand press_twice = [](panel_host&, headless_parent& window) { // the release is lost
+        for (const int keys : {0, static_cast<int>(kShift)})
+            window.listener->onMouseDown(volume_knob, kLButton | keys);
+    };
+    const hand close_in_a_drag = [](panel_host& host, headless_parent& window) {
+        window.listener->onMouseDown(volume_knob, kLButton);
+        host.close();
+    };
     const hand press_switch = [](panel_host&, headless_parent& window) {
         window.listener->onMouseDown(flute_switch, kLButton);
     };
@@ -149,6 +157,8 @@ TEST(EditorClosing, TheHostMayCloseTheEffectInAnyTurnItGets) {
     for (const row& r : {row{"a knob is taken", audioMasterBeginEdit, press_knob},
                          {"a knob is turned", audioMasterAutomate, turn_knob},
                          {"a knob is let go", audioMasterEndEdit, turn_knob},
+                         {"a lost knob is let go", audioMasterEndEdit, press_twice},
+                         {"the panel is closed", audioMasterEndEdit, close_in_a_drag},
                          {"a switch is pressed", audioMasterBeginEdit, press_switch},
                          {"a switch shows itself", audioMasterIdle, press_switch},
                          {"a switch is set", audioMasterAutomate, press_switch},
@@ -185,6 +195,14 @@ TEST_F(EditorTest, APanelClosedWhileASwitchShowsItselfStillSetsIt) {
     EXPECT_EQ(host.plugin->getParameter(0), 0.0f);
     EXPECT_EQ(host.gestures.size(), 3u);
     EXPECT_EQ(window.listener, nullptr);
+}
+
+TEST_F(EditorTest, APanelClosedWhileALostKnobIsLetGoTakesNoOther) {
+    ASSERT_TRUE(host.open(&window));
+    press(volume_knob);
+    host.at[audioMasterEndEdit] = [this] { host.close(); };
+    press(volume_knob);
+    EXPECT_EQ(host.gestures.size(), 2u);
 }
 
 TEST_F(EditorTest, TheEffectMayGoWithItsPanelOpenAndAKnobInHand) {

@@ -1,3 +1,4 @@
+#include "tests/panel_picture/panel_picture.h"
 #include "tests/vst/editor/panel_host.h"
 #include "vst/editor/tags.h"
 #include "vstgui/platform_headless.h"
@@ -37,7 +38,8 @@ TEST(EditorThreads, SoundAutomationAndHandsGoOnSideBySide) {
     for (int opening = 0; opening < 10; ++opening) {
         EXPECT_TRUE(host.open(&window));
         for (int turn = 0; turn < 20; ++turn) {
-            for (const CPoint place : {CPoint{367, 299}, {212, 176}, {323, 29}, {415, 29}}) {
+            for (const CPoint place :
+                 {control_places[6], control_places[0], learn_place, panic_place}) {
                 window.listener->onMouseDown(place, kLButton);
                 window.listener->onMouseMoved({place.x + 5 * turn, place.y - 20}, 0);
                 window.listener->onMouseUp(place, kLButton);

@@ -13,7 +13,7 @@ struct PanelXcb : testing::Test {
         host.idle();
     }
     void take(VstInt32 knob) {
-        moveTo(knob == 6 ? CPoint{367, 299} : CPoint{116, 299});
+        moveTo(control_places[knob]);
         screen.button(1, true);
         host.idle();
     }
@@ -36,6 +36,10 @@ struct PanelXcb : testing::Test {
     void* window = screen.makeWindow(corner);
     panel_host host{};
 };
+
+TEST_F(PanelXcb, AHostsWindowMayBeTransparent) {
+    EXPECT_TRUE(host.open(screen.makeWindow(corner, true)));
+}
 
 TEST_F(PanelXcb, HidingItEndsTheDrag) {
     ASSERT_TRUE(host.open(window));
@@ -73,7 +77,7 @@ TEST_F(PanelXcb, ClosingAfterTheServerHasGoneIsHarmless) {
     ASSERT_TRUE(host.open(window));
     host.idle();
     server.stop();
-    host.close(); // writes to the server before it has seen that there is none
+    host.close();
 }
 
 TEST_F(PanelXcb, WithoutADisplayNothingOpens) {
