@@ -6,11 +6,17 @@
 #include "conformance/tables.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <csignal>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
+#include <mutex>
 #include <optional>
 #include <string_view>
+#include <thread>
 
 namespace {
 
@@ -35,6 +41,10 @@ struct arguments {
     double bound_db = between_systems_db; ///< of what is compared
 };
 
+bool is_number(const std::string& word) {
+    return !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
+}
+
 /// Nothing when they are not to be understood.
 std::optional<arguments> parse(std::vector<std::string> words) {
     arguments given;
@@ -54,7 +64,7 @@ std::optional<arguments> parse(std::vector<std::string> words) {
             given.plugin_file = value;
         else if (words[i] == "--only")
             given.starts.push_back(value);
-        else if (words[i] == "--seed")
+        else if (words[i] == "--seed" && is_number(value))
             given.seed = static_cast<unsigned>(std::strtoul(value.c_str(), nullptr, 10));
         else if (words[i] == "--write")
             given.write_file = value;
@@ -91,19 +101,43 @@ bool is_picked(const row& judged, const std::vector<std::string>& starts) {
 const trial* running_trial = nullptr;
 
 /// The process is lost, so what else could go wrong here does not matter.
-void report_crash(int signal) {
-    std::cerr << "CRASH (signal " << signal << ") " << trial_text(*running_trial);
+[[noreturn]] void report_end(const std::string& how) {
+    std::cerr << how << " " << trial_text(*running_trial);
     if (!running_trial->doing.empty())
-        std::cerr << ": " << running_trial->doing;
+        std::cerr << ", " << running_trial->doing;
     std::cerr << std::endl;
     std::_Exit(crashed);
 }
+
+void report_crash(int signal) { report_end("CRASH (signal " + std::to_string(signal) + ")"); }
 
 void report_crashes() {
     silence_crash_dialogs();
     for (const int signal : {SIGSEGV, SIGILL, SIGFPE, SIGABRT})
         std::signal(signal, report_crash);
 }
+
+/// Ends the process when the plug-in does not come back from a row.
+class watchdog {
+public:
+    void row_begins() { begun = std::chrono::steady_clock::now(); }
+
+private:
+    void watch(const std::stop_token& end) {
+        std::mutex sleep;
+        std::unique_lock lock(sleep);
+        while (!woken.wait_for(lock, end, std::chrono::seconds(1), [] { return false; })
+               && !end.stop_requested())
+            if (std::chrono::steady_clock::now() - begun.load() > patience)
+                report_end("HANG (after four minutes)");
+    }
+
+    static constexpr std::chrono::minutes patience{4};
+
+    std::atomic<std::chrono::steady_clock::time_point> begun = std::chrono::steady_clock::now();
+    std::condition_variable_any woken{};
+    std::jthread watching{[this](const std::stop_token& end) { watch(end); }};
+};
 
 void report_failure(const trial& failed_trial, const std::string& what) {
     std::cerr << "FAIL " << trial_text(failed_trial);
@@ -112,11 +146,10 @@ void report_failure(const trial& failed_trial, const std::string& what) {
     std::cerr << ": " << what << std::endl;
 }
 
-bool holds(const row& judged, trial running) {
-    running.row = judged.name;
+bool holds(trial running, const std::function<void(trial&)>& judge_row) {
     running_trial = &running;
     try {
-        judged.judge(running);
+        judge_row(running);
         return true;
     } catch (const mismatch& failure) {
         report_failure(running, failure.what);
@@ -127,12 +160,16 @@ bool holds(const row& judged, trial running) {
 }
 
 int judge(const arguments& given) {
+    watchdog hangs;
     int nb_rows = 0;
     int nb_failed = 0;
     for (const row& judged : all_rows())
         if (is_picked(judged, given.starts)) {
+            hangs.row_begins();
             ++nb_rows;
-            nb_failed += !holds(judged, {.plugin_file = given.plugin_file, .seed = given.seed});
+            nb_failed +=
+                !holds({.plugin_file = given.plugin_file, .row = judged.name, .seed = given.seed},
+                       judged.judge);
         }
     std::cerr << "conformance: " << nb_rows << " rows, " << nb_rows - nb_failed << " hold, "
               << nb_failed << " fail (" << given.plugin_file.string() << ", seed " << given.seed
@@ -150,23 +187,24 @@ int list_rows(const arguments& given) {
 int run(const arguments& given) {
     if (given.lists)
         return list_rows(given);
+    if (!std::filesystem::is_regular_file(given.plugin_file)) {
+        std::cerr << given.plugin_file.string() << ": there is no such file to judge" << std::endl;
+        return misused;
+    }
     report_crashes();
     discard_standard_output();
     keep_system_libraries();
     if (!given.write_file && !given.compare_file)
         return judge(given);
-    trial running{.plugin_file = given.plugin_file, .row = "reference", .seed = given.seed};
-    running_trial = &running;
-    try {
-        if (given.write_file)
-            write_reference(running, *given.write_file);
-        if (given.compare_file)
-            compare_reference(running, *given.compare_file, given.bound_db);
-    } catch (const mismatch& failure) {
-        report_failure(running, failure.what);
-        return failed;
-    }
-    return EXIT_SUCCESS;
+    const bool done =
+        holds({.plugin_file = given.plugin_file, .row = "reference", .seed = given.seed},
+              [&](trial& running) {
+                  if (given.write_file)
+                      write_reference(running, *given.write_file);
+                  if (given.compare_file)
+                      compare_reference(running, *given.compare_file, given.bound_db);
+              });
+    return done ? EXIT_SUCCESS : failed;
 }
 
 } // namespace

@@ -33,9 +33,8 @@ plugin_library::plugin_library(const std::filesystem::path& file)
 plugin_library::~plugin_library() { dlclose(handle); }
 
 VstPluginMainProc plugin_library::entry() const {
-    for (const char* name : {"main", "VSTPluginMain"})
-        if (void* address = dlsym(handle, name))
-            return reinterpret_cast<VstPluginMainProc>(address);
+    if (void* address = dlsym(handle, "main"))
+        return reinterpret_cast<VstPluginMainProc>(address);
     throw mismatch{"the library exports no main"};
 }
 

@@ -54,9 +54,8 @@ plugin_library::plugin_library(const std::filesystem::path& file)
 plugin_library::~plugin_library() { FreeLibrary(static_cast<HMODULE>(handle)); }
 
 VstPluginMainProc plugin_library::entry() const {
-    for (const char* name : {"main", "VSTPluginMain"})
-        if (const FARPROC address = GetProcAddress(static_cast<HMODULE>(handle), name))
-            return reinterpret_cast<VstPluginMainProc>(reinterpret_cast<void*>(address));
+    if (const FARPROC address = GetProcAddress(static_cast<HMODULE>(handle), "main"))
+        return reinterpret_cast<VstPluginMainProc>(reinterpret_cast<void*>(address));
     throw mismatch{"the library exports no main"};
 }
 

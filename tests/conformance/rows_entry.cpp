@@ -4,7 +4,7 @@
 #include "conformance/measure.h"
 #include "conformance/tables.h"
 
-#include <cstdlib>
+#include <cstdint>
 #include <random>
 
 namespace {
@@ -36,7 +36,7 @@ void expect_sound(instrument& playing) {
 void host_of_garbage(trial& running) {
     std::mt19937 random(running.seed);
     instrument playing(running, [&random](const host_call&) {
-        return static_cast<VstIntPtr>(random() | 1u) * 0x10001;
+        return static_cast<VstIntPtr>(std::uint64_t{random() | 1u} * 0x10001);
     });
     expect_sound(playing);
 }
