@@ -8,10 +8,14 @@ namespace {
 
 constexpr long nb_frames = 96000;
 
-const score manual_alone{note_on(5, 60),      note_on(700, 64),    note_on(701, 67),
-                         note_off(9000, 64),  note_on(9100, 64),   note_on(20011, 36),
-                         note_off(30000, 60), note_off(30001, 67), note_on(47999, 72),
-                         note_off(60000, 36), note_on(60000, 48),  note_off(80000, 72)};
+/// Its 120 comes with the only note that sounds: any other would end up to 64 frames early, where
+/// the host's blocks cut it.
+const score manual_alone{
+    note_on(5, 60),      note_on(700, 64),    note_on(701, 67),    note_off(9000, 64),
+    note_on(9100, 64),   note_on(20011, 36),  note_off(30000, 60), note_off(30001, 67),
+    note_on(47999, 72),  note_off(60000, 36), note_on(60000, 48),  note_off(80000, 72),
+    note_off(80000, 48), note_off(81003, 64), note_on(86011, 60),  controller(86011, 120, 0),
+    note_on(88000, 55)};
 
 /// Far enough apart for the bass's filter to settle, see bass_within_64_frames.
 const score bass_keys{note_on(1000, 31),   note_on(20000, 26),  note_on(40000, 33),
@@ -19,7 +23,8 @@ const score bass_keys{note_on(1000, 31),   note_on(20000, 26),  note_on(40000, 3
 
 const score whole{note_on(5, 60),      note_on(700, 31),    note_on(1500, 64),
                   note_on(20000, 26),  note_off(30000, 60), note_on(40000, 24),
-                  note_off(60000, 26), note_off(60001, 24), note_off(80000, 31)};
+                  note_off(60000, 26), note_off(60001, 24), controller(75011, 120, 0),
+                  note_on(76000, 57),  note_on(76000, 31),  note_off(80000, 31)};
 
 recording play(trial& running, const score& played, const std::vector<int>& blocks,
                const std::vector<std::pair<VstInt32, float>>& parameters) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -92,6 +93,22 @@ void splits_route(trial& running) {
         }
 }
 
+/// Each keyboard sounds the same on whichever output it takes, and in the mix.
+void splits_exchange(trial& running) {
+    const auto play = [&running](float value) {
+        instrument playing(running, {.parameters = {{split, value}}});
+        return playing.render({note_on(0, 28), note_on(700, 60)}, 24000);
+    };
+    const recording bass_right = play(split_bass_right);
+    const recording bass_left = play(0.5f);
+    const recording mixed = play(split_mixed);
+    running.expect(bass_left.left == bass_right.right, "the bass differs between the outputs");
+    running.expect(bass_left.right == bass_right.left, "the manual differs between the outputs");
+    std::vector<float> sum(bass_right.right);
+    std::ranges::transform(sum, bass_right.left, sum.begin(), std::plus<>());
+    running.expect(difference_db(mixed.right, sum) < -120, "the mix is not the sum of both");
+}
+
 constexpr long struck = 100;
 constexpr long silenced = 24000;
 constexpr long ended = 96000;
@@ -115,14 +132,55 @@ void all_sound_off(trial& running) {
     }
 }
 
+/// The manual through Mellow alone, the filter that forgets fastest.
+recording play_mellow(trial& running, const score& played) {
+    instrument playing(
+        running, {.blocks = {512},
+                  .parameters = {{flute, 0.0f}, {bright, 0.0f}, {brass, 0.0f}, {bass, 0.0f}}});
+    return playing.render(played, 2 * silenced);
+}
+
+/// On the grid of 64 frames and off it, without the 30 ms of a release. The keys lose what they
+/// have not yet played of the piece of 64 frames that brings it.
+void all_sound_off_in_time(trial& running) {
+    constexpr long piece = 64;
+    constexpr long forgotten = 240;
+    const recording untouched = play_mellow(running, {note_on(0, 60)});
+    for (const long frame : {10L, silenced, silenced + 17}) {
+        const recording sound = play_mellow(running, {note_on(0, 60), controller(frame, 120, 0)});
+        const auto first = std::ranges::mismatch(sound.right, untouched.right).in1;
+        running.frame = static_cast<long>(first - sound.right.begin());
+        running.expect(running.frame > frame - piece && running.frame <= frame + 1,
+                       "120 of frame " + std::to_string(frame) + " acts at frame "
+                           + std::to_string(running.frame));
+        const signal_span end =
+            signal_span(sound.right).subspan(static_cast<std::size_t>(frame + forgotten));
+        const double db = to_db(peak(end) / peak(untouched.right));
+        running.expect(db < -75, "5 ms after 120 of frame " + std::to_string(frame) + " it has "
+                                     + std::to_string(db) + " dB");
+    }
+}
+
+/// In one frame, a list's order decides.
+void all_sound_off_in_order(trial& running) {
+    const midi off = controller(10, 120, 0);
+    const recording untouched = play_mellow(running, {note_on(10, 60)});
+    running.expect(play_mellow(running, {off, note_on(10, 60)}).right == untouched.right,
+                   "120 changes a note that follows it");
+    running.expect(peak(play_mellow(running, {note_on(10, 60), off}).right) == 0,
+                   "120 leaves a note that precedes it");
+}
+
 /// Both keyboards hear every channel, and such a keyboard ignores "all notes off".
 void ignored_messages(trial& running) {
     const recording untouched = play_until(running, {silenced, {0xE0, 0, 64}});
-    for (const midi& message : {controller(silenced, 123, 0), controller(silenced, 123, 0, 16),
-                                controller(silenced, 123, 5), controller(silenced, 120, 5),
-                                controller(silenced, 121, 0), midi{silenced, {0xD0, 100, 0}},
-                                midi{silenced, {0xA0, 60, 0}}, midi{silenced, {0xF8, 0, 0}},
-                                midi{silenced, {0xFF, 0, 0}}, midi{silenced, {0x3C, 60, 0}}})
+    score ignored{controller(silenced, 123, 5),  controller(silenced, 120, 5),
+                  controller(silenced, 121, 0),  midi{silenced, {0xD0, 100, 0}},
+                  midi{silenced, {0xA0, 60, 0}}, midi{silenced, {0xF8, 0, 0}},
+                  midi{silenced, {0xFF, 0, 0}},  midi{silenced, {0x3C, 60, 0}}};
+    for (int channel = 1; channel <= 16; ++channel)
+        ignored.push_back(controller(silenced, 123, 0, channel));
+    for (const midi& message : ignored)
         running.expect(play_until(running, message).right == untouched.right,
                        "message " + std::to_string(message.bytes[0]) + " "
                            + std::to_string(message.bytes[1]) + " "
@@ -159,8 +217,11 @@ table control_rows() {
             {"controls/other controllers and channels", other_controllers_and_channels},
             {"controls/nothing is learned without the panel", nothing_is_learned_without_the_panel},
             {"controls/split", splits_route},
+            {"controls/split exchanges the outputs", splits_exchange},
             {"controls/notes of every channel", notes_of_every_channel},
             {"controls/notes end", notes_end},
             {"controls/all sound off", all_sound_off},
+            {"controls/all sound off in time", all_sound_off_in_time},
+            {"controls/all sound off in a list's order", all_sound_off_in_order},
             {"controls/ignored messages", ignored_messages}};
 }

@@ -79,6 +79,23 @@ void events_of_other_types(trial& running) {
     running.expect(nb_echoes(played, list) == 0, "an event of an unknown type is echoed");
 }
 
+/// Some hosts send a list for each of a block's events.
+void lists_of_one_block(trial& running) {
+    instrument together(running, set_up{});
+    instrument apart(running, set_up{});
+    event_list both;
+    for (const midi& note : {note_on(10, 48), note_on(40, 60)}) {
+        event_list alone;
+        alone.add(note, static_cast<VstInt32>(note.frame));
+        apart.send(alone);
+        both.add(note, static_cast<VstInt32>(note.frame));
+    }
+    together.send(both);
+    const recording wanted = together.render({}, 4800);
+    running.expect(apart.render({}, 4800).right == wanted.right,
+                   "two lists sound otherwise than one with both events");
+}
+
 void empty_lists(trial& running) {
     instrument played(running, set_up{});
     for (const VstInt32 nb_events : {0, -1, -2147483647}) {
@@ -97,5 +114,6 @@ table event_rows() {
             {"events/SysEx is echoed once a dump", echo_once_a_dump},
             {"events/SysEx of odd records", dump_of_odd_records},
             {"events/other types", events_of_other_types},
+            {"events/two lists for one block", lists_of_one_block},
             {"events/empty lists", empty_lists}};
 }

@@ -38,6 +38,7 @@ double pitch_of(instrument& playing, int note, int rate, double guess_hz) {
     const long settling = rate / 10;
     playing.render({note_on(0, note)}, settling);
     const recording sound = playing.render({}, rate / 2);
+    playing.running.expect(peak(sound.right) > 1e-3, "note " + std::to_string(note) + " is silent");
     playing.render({note_off(0, note)}, settling);
     return frequency(sound.right, rate, guess_hz);
 }

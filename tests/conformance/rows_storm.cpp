@@ -30,6 +30,22 @@ void many_in_a_block(trial& running, int nb_strokes) {
                                  + " strokes end in another sound: " + std::to_string(db) + " dB");
 }
 
+/// A key in the last frame of a block full of notes that are nobody's keeps its frame.
+void last_of_a_full_block(trial& running, int nb_events) {
+    constexpr int block = 2048;
+    constexpr int nobodys = 100;
+    score strokes;
+    for (int i = 0; i < nb_events - 1; ++i)
+        strokes.push_back(note_on(static_cast<long>(i) * block / nb_events, nobodys));
+    strokes.push_back(note_on(block - 1, 60));
+    instrument playing(running, {.blocks = {block}});
+    const recording sound = playing.render(strokes, 2 * block);
+    running.frame = static_cast<long>(first_sound(sound.right));
+    running.expect(running.frame == block,
+                   "the note of frame " + std::to_string(block - 1) + " sounds from frame "
+                       + std::to_string(running.frame) + ", wanted " + std::to_string(block));
+}
+
 /// Every 50th is a message that no keyboard sends; the others are notes and controllers.
 midi random_message(std::mt19937& random) {
     const auto draw = [&random](unsigned below) { return static_cast<int>(random() % below); };
@@ -72,8 +88,13 @@ void million_messages(trial& running) {
 } // namespace
 
 table storm_rows() {
-    return {
-        {"storm/2000 events in a block", [](trial& running) { many_in_a_block(running, 2000); }},
-        {"storm/20000 events in a block", [](trial& running) { many_in_a_block(running, 20000); }},
-        {"storm/a million messages", million_messages}};
+    table rows{{"storm/a million messages", million_messages}};
+    for (const int nb_events : {2000, 20000}) {
+        const std::string events = std::to_string(nb_events) + " events";
+        rows.push_back({"storm/" + events + " in a block",
+                        [nb_events](trial& running) { many_in_a_block(running, nb_events); }});
+        rows.push_back({"storm/the last of " + events + " in a block",
+                        [nb_events](trial& running) { last_of_a_full_block(running, nb_events); }});
+    }
+    return rows;
 }

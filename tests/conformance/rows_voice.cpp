@@ -8,11 +8,20 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace {
 
 constexpr int voiced_notes[]{36, 48, 60, 72};
 constexpr double bound_db = 0.1;
+
+/// Seeds scatter the level by less than 1 dB; a factor of the square root of 2 fails with each.
+constexpr double level_bound_db = 2;
+
+double rms(signal_span sound) {
+    const double energy = std::inner_product(sound.begin(), sound.end(), sound.begin(), 0.0);
+    return std::sqrt(energy / static_cast<double>(sound.size()));
+}
 
 double lowest_hz(int note) { return 440 * std::exp2((note - 57) / 12.0); }
 
@@ -110,6 +119,28 @@ void contour_response(trial& running) {
             }
 }
 
+struct level_case {
+    const char* name;
+    int note;
+    double wanted; ///< RMS at the volumes of a new instrument
+};
+
+constexpr level_case levels[]{{"voice/level of the manual", 60, 0.0745},
+                              {"voice/level of the bass", 30, 0.514}};
+
+/// Each instrument's parts scatter about the design, so the seeds do not agree.
+void absolute_level(trial& running, const level_case& judged) {
+    const unsigned first_seed = running.seed;
+    for (unsigned i = 0; i < 8; ++i) {
+        running.seed = first_seed + i;
+        const std::vector<float> sound =
+            sustained(running, 48000, {{bass_chords, 0.0f}}, judged.note);
+        const double db = to_db(rms(sound) / judged.wanted);
+        running.expect(std::fabs(db) < level_bound_db,
+                       "it is " + std::to_string(db) + " dB off its level");
+    }
+}
+
 struct volume_case {
     const char* name;
     VstInt32 parameter;
@@ -144,6 +175,9 @@ table voice_rows() {
     for (const stop_case& judged : stops)
         rows.push_back(
             {judged.name, [&judged](trial& running) { stop_response(running, judged); }});
+    for (const level_case& judged : levels)
+        rows.push_back(
+            {judged.name, [&judged](trial& running) { absolute_level(running, judged); }});
     for (const volume_case& judged : volumes)
         rows.push_back({judged.name, [&judged](trial& running) { volume_law(running, judged); }});
     return rows;
