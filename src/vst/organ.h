@@ -84,6 +84,5 @@ private:
     program_bank* p_prog_bank;
     NoteQueue notes{};
     std::atomic<bool> panicAsked = false;
-    std::array<char, 4096> sysex_buffer_in{};  ///< the latest payload and a zero byte
-    std::array<char, 4096> sysex_buffer_out{}; ///< for SysEx of the instrument's own
+    std::array<char, 4096> sysex_buffer_in{}; ///< the latest payload and a zero byte
 };
