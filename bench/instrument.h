@@ -3,8 +3,8 @@
 /// the tests hold it to.
 
 #include "korvel/korvel.h"
-#include "tests/plain/bank.h"
-#include "tests/plain/korvel.h"
+#include "plain/bank.h"
+#include "plain/korvel.h"
 #include "vst/organ.h"
 
 #include <array>

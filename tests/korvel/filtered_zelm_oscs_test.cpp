@@ -1,6 +1,6 @@
 #include "korvel/filtered_zelm_oscs.h"
 
-#include "tests/plain/bank.h"
+#include "plain/bank.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "korvel/korvel.h"
 
-#include "tests/plain/korvel.h"
+#include "plain/korvel.h"
 #include "tests/temporary_folder.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "tonegenerator/tonegenerator.h"
 
-#include "tests/plain/tone_generator.h"
+#include "plain/tone_generator.h"
 #include "tests/tonegenerator/tables.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "tonegenerator/wave_reader.h"
 
-#include "tests/plain/tone_generator.h"
+#include "plain/tone_generator.h"
 #include "tests/tonegenerator/tables.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "tests/plain/bank.h"
+#include "plain/bank.h"
 
 #include "filter/fir_filter.h"
 #include "filter/iir_design.h"

@@ -1,8 +1,8 @@
-#include "tests/plain/korvel.h"
+#include "plain/korvel.h"
 
 #include "filter/iir_filter.h"
 #include "korvel/korvel.h"
-#include "tests/plain/tone_generator.h"
+#include "plain/tone_generator.h"
 
 #include <algorithm>
 

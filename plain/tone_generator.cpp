@@ -1,4 +1,4 @@
-#include "tests/plain/tone_generator.h"
+#include "plain/tone_generator.h"
 
 #include <algorithm>
 #include <cmath>
