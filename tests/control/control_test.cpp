@@ -2,39 +2,26 @@
 
 #include "tests/temporary_folder.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
+#include <memory>
 #include <sstream>
 
 namespace {
 
-struct Control : testing::Test {
-    std::unique_ptr<control, decltype(&control_free)> registry{control_create("Tindelwax"),
-                                                               control_free};
-    temporary_folder folder;
+using control_ptr = std::unique_ptr<control, decltype(&control_free)>;
 
-    void load(const std::string& text) {
-        file_write(folder / "c.ini", text);
-        control_load_ini(registry.get(), (folder / "c.ini").c_str());
-    }
+control_ptr load(const std::string& text) {
+    const temporary_folder folder;
+    file_write(folder / "c.ini", text);
+    control_ptr registry{control_create("Tindelwax"), control_free};
+    control_load_ini(registry.get(), (folder / "c.ini").c_str());
+    return registry;
+}
 
-    /// "name cc channel color key_up key_down type manual default unit", a line a parameter.
-    std::string list() const {
-        std::ostringstream text;
-        EXPECT_EQ(registry->parameters.size(), registry->nb_parameters);
-        for (const auto& p : registry->parameters)
-            text << p->name << ' ' << p->midi_cc << ' ' << p->midi_channel << ' ' << p->color << ' '
-                 << p->key_up << ' ' << p->key_down << ' ' << p->type_name << ' '
-                 << static_cast<int>(p->manual) << ' ' << p->default_value << ' ' << p->unit
-                 << '\n';
-        return text.str();
-    }
-};
-
-TEST_F(Control, TextsAreReadByTheRules) {
+TEST(Control, TextsAreReadByTheRules) {
     const struct {
         const char* text;
-        const char* list;
+        const char* list; ///< name cc channel color key_up key_down type manual default unit
     } rows[] = {
         {"[organ]\nname=A\n[control\nname=A\n", ""},
         {"[control]\nname=A\ncc=80\nchannel=1\ncolor=31\nkey_up=a\nkey_down=q\ntype=stop\n"
@@ -52,29 +39,33 @@ TEST_F(Control, TextsAreReadByTheRules) {
         {"[control]\nname=\nkey_up=\nunit=% ; percent\n", " 0 0 0  ! ! -1 0 %\n"},
     };
     for (const auto& row : rows) {
-        registry.reset(control_create("Tindelwax"));
-        load(row.text);
-        EXPECT_EQ(list(), row.list) << row.text;
+        std::ostringstream list;
+        const control_ptr registry = load(row.text);
+        for (const auto& p : registry->parameters)
+            list << p->name << ' ' << p->midi_cc << ' ' << p->midi_channel << ' ' << p->color << ' '
+                 << p->key_up << ' ' << p->key_down << ' ' << p->type_name << ' '
+                 << static_cast<int>(p->manual) << ' ' << p->default_value << ' ' << p->unit
+                 << '\n';
+        EXPECT_EQ(list.str(), row.list) << row.text;
     }
 }
 
-TEST_F(Control, ParametersAndConfigsBeyond256AreIgnored) {
+TEST(Control, ParametersAndConfigsBeyond256AreIgnored) {
     std::string text = "[control]\n";
     for (int i = 0; i < 300; ++i)
         text += "name=p" + std::to_string(i) + "\ncc=" + std::to_string(i) + "\n";
-    load(text);
+    const control_ptr registry = load(text);
     for (int i = 0; i < 300; ++i)
         control_add_config(registry.get(), "control", "c", 0);
     EXPECT_EQ(registry->nb_parameters, 256u);
     EXPECT_EQ(registry->nb_configs, 256u);
-    EXPECT_EQ(control_find_parameter(registry.get(), "p256"), -1);
-    EXPECT_EQ(control_find_parameter(registry.get(), "p255"), 255);
-    EXPECT_EQ(control_find_parameter(registry.get(), "P255"), -1);
+    for (const auto& [name, index] : {std::pair{"p255", 255}, {"P255", -1}, {"p256", -1}})
+        EXPECT_EQ(control_find_parameter(registry.get(), name), index) << name;
     EXPECT_EQ(registry->parameters[255]->midi_cc, 255u) << "what follows describes no parameter";
 }
 
-TEST_F(Control, FiniteValuesGoToThePointerBeforeTheHandlers) {
-    control_add_parameter(registry.get(), "p");
+TEST(Control, ValuesGoToThePointerBeforeTheHandlers) {
+    const control_ptr registry = load("[control]\nname=p\n");
     parameter& param = *registry->parameters[0];
     control_set_parameter(registry.get(), 0, 0.5f);
     EXPECT_EQ(control_get_parameter(registry.get(), 0), 0.0f) << "unbound";
@@ -88,8 +79,6 @@ TEST_F(Control, FiniteValuesGoToThePointerBeforeTheHandlers) {
     std::atomic<float> bound = 0.125f;
     param.value = &bound;
     control_set_parameter(registry.get(), 0, 1.0f);
-    for (float unfit : {std::nanf(""), HUGE_VALF, -HUGE_VALF})
-        control_set_parameter(registry.get(), 0, unfit);
     EXPECT_EQ(control_get_parameter(registry.get(), 0), 1.0f);
     EXPECT_EQ(handled, 0.75f);
 }

@@ -11,55 +11,43 @@ namespace {
 
 struct HarpMatrix : testing::Test {
     std::unique_ptr<harpmatrix, decltype(&harpmatrix_free)> matrix{nullptr, harpmatrix_free};
-    temporary_folder folder;
     random15 random{1};
+    using resistor = std::pair<unsigned, float>; ///< ohms, siemens
+    std::vector<resistor> resistors;             ///< in the order of keys, contacts and voices
 
-    void load(const char* name, const std::string& file) {
+    /// Returns the wiring as "key.contact: oscillators; "; counts and arrays must agree everywhere.
+    std::string load(const char* name, const std::string& file) {
         matrix.reset(harpmatrix_create(name));
         harpmatrix_load_ini(matrix.get(), file.c_str(), random);
-    }
-
-    void load_korvel() { load("KORVEL_MANUAL", "../harpmatrix/korvel.ini"); }
-
-    void load_text(const std::string& text) {
-        file_write(folder / "m.ini", text);
-        load("M", folder / "m.ini");
-    }
-
-    /// The wiring as "key.contact: oscillators; "; counts and arrays must agree everywhere.
-    std::string wiring() const {
         std::ostringstream text;
+        resistors.clear();
         EXPECT_EQ(matrix->p_keys.size(), matrix->nb_keys);
         for (std::size_t k = 0; k < matrix->p_keys.size(); ++k) {
-            const key& wired = matrix->p_keys[k];
-            EXPECT_EQ(wired.p_contacts.size(), wired.nb_contacts);
-            for (std::size_t c = 0; c < wired.p_contacts.size(); ++c) {
-                const contact& closed = wired.p_contacts[c];
-                EXPECT_EQ(closed.oscillators.size(), closed.nb_voices);
-                EXPECT_EQ(closed.tapering.size(), closed.nb_voices);
-                EXPECT_EQ(closed.conductance.size(), closed.nb_voices);
+            EXPECT_EQ(matrix->p_keys[k].p_contacts.size(), matrix->p_keys[k].nb_contacts);
+            for (unsigned c = 0; c < matrix->p_keys[k].nb_contacts; ++c) {
+                const contact& wired = matrix->p_keys[k].p_contacts[c];
+                EXPECT_EQ(wired.oscillators.size(), wired.nb_voices);
+                EXPECT_EQ(wired.tapering.size(), wired.nb_voices);
+                EXPECT_EQ(wired.conductance.size(), wired.nb_voices);
                 text << k << '.' << c << ':';
-                for (unsigned osc : closed.oscillators)
-                    text << ' ' << osc;
+                for (std::size_t v = 0; v < wired.oscillators.size(); ++v) {
+                    text << ' ' << wired.oscillators[v];
+                    resistors.emplace_back(wired.tapering[v], wired.conductance[v]);
+                }
                 text << "; ";
             }
         }
         return text.str();
     }
 
-    /// Every resistor in the order of keys, contacts and voices, with its conductance.
-    std::vector<std::pair<unsigned, float>> resistors() const {
-        std::vector<std::pair<unsigned, float>> all;
-        for (const key& wired : matrix->p_keys)
-            for (const contact& closed : wired.p_contacts)
-                for (std::size_t v = 0; v < closed.nb_voices; ++v)
-                    all.emplace_back(closed.tapering[v], closed.conductance[v]);
-        return all;
+    std::string load_text(const std::string& text) {
+        const temporary_folder folder;
+        file_write(folder / "m.ini", text);
+        return load("M", folder / "m.ini");
     }
 };
 
-TEST_F(HarpMatrix, TheManualIsWiredByItsRule) {
-    load_korvel();
+TEST_F(HarpMatrix, TheManualIsWiredByItsRuleThroughScatteredResistors) {
     std::ostringstream expected;
     for (int k = 0; k < 49; ++k) {
         expected << k << ".0:";
@@ -69,15 +57,11 @@ TEST_F(HarpMatrix, TheManualIsWiredByItsRule) {
         if (k < 12)
             expected << k << ".1: " << k << "; ";
     }
-    EXPECT_EQ(wiring(), expected.str());
-    for (auto [key, contact] : {std::pair{12u, 1u}, {49u, 0u}, {~0u, ~0u}})
+    EXPECT_EQ(load("KORVEL_MANUAL", "../harpmatrix/korvel.ini"), expected.str());
+    for (const auto& [key, contact] : {std::pair{12u, 1u}, {49u, 0u}, {~0u, ~0u}})
         EXPECT_EQ(harpmatrix_find_contact(matrix.get(), key, contact), nullptr) << key;
-}
-
-TEST_F(HarpMatrix, ResistorsScatterByOneDrawEachInOrder) {
-    load_korvel();
     random15 draws{1};
-    for (const auto& [ohms, siemens] : resistors()) {
+    for (const auto& [ohms, siemens] : resistors) {
         const double r = static_cast<double>(random15_unit(draws));
         ASSERT_EQ(ohms, static_cast<unsigned>(100000 + (2 * r - 1) * 0.1 * 100000));
         ASSERT_EQ(siemens, static_cast<float>(1.0 / ohms));
@@ -123,11 +107,9 @@ TEST_F(HarpMatrix, DamagedTextsKeepTheirSoundParts) {
         {"no numbers", sound + "index=\nnb_contacts=x\ncontact=0\n", ""},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        load_text(row.text);
-        EXPECT_EQ(wiring(), row.wiring);
-        for (const auto& [ohms, siemens] : resistors())
-            EXPECT_TRUE(ohms == 0 || (ohms >= 900 && ohms <= 1100)) << ohms;
+        EXPECT_EQ(load_text(row.text), row.wiring) << row.name;
+        for (const auto& [ohms, siemens] : resistors)
+            EXPECT_TRUE(ohms == 0 || (ohms >= 900 && ohms <= 1100)) << row.name << " " << ohms;
     }
 }
 
@@ -135,11 +117,10 @@ TEST_F(HarpMatrix, ExtremeResistorsScatterWithinTheirRange) {
     load_text(contact_0_of_0
               + "nb_voices=3\noscillator=1\ntapering_resistor=2147483647\n"
                 "oscillator=2\ntapering_resistor=-5\noscillator=3\ntapering_resistor=1\n");
-    const auto all = resistors();
-    ASSERT_EQ(all.size(), 3u);
-    EXPECT_NEAR(all[0].first, 2147483647.0, 214748365.0);
-    EXPECT_EQ(all[1], (std::pair{0u, std::numeric_limits<float>::infinity()}));
-    EXPECT_LE(all[2].first, 1u);
+    ASSERT_EQ(resistors.size(), 3u);
+    EXPECT_NEAR(resistors[0].first, 2147483647.0, 214748365.0);
+    EXPECT_EQ(resistors[1], (resistor{0, std::numeric_limits<float>::infinity()}));
+    EXPECT_LE(resistors[2].first, 1u);
 }
 
 } // namespace
