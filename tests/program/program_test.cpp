@@ -8,6 +8,7 @@
 namespace {
 
 using program_ptr = std::unique_ptr<program, decltype(&program_free)>;
+using namespace std::string_literals;
 
 std::string record_of(const program* p_prog) {
     char* data = nullptr;
@@ -16,6 +17,12 @@ std::string record_of(const program* p_prog) {
     const std::unique_ptr<char[]> owner{data};
     return {data, byte_size};
 }
+
+/// The registry's record: little-endian, packed.
+const std::string init_record = "INIT\0\2\0\0\0"
+                                "P\0\0\0Q\0\0\0"
+                                "\1\0\0\0\2\0\0\0"
+                                "\0\0\x80\x3F\0\0\0\x3F"s;
 
 struct Program : testing::Test {
     std::unique_ptr<control, decltype(&control_free)> registry{control_create("c"), control_free};
@@ -30,80 +37,52 @@ struct Program : testing::Test {
             registry->parameters[j]->midi_channel = 1 + j;
         }
     }
-
-    program_ptr snapshot(const char* name, unsigned nb_parameters = 2) const {
-        program_ptr prog{program_create(name, nb_parameters), program_free};
-        program_from_control(prog.get(), registry.get());
-        return prog;
-    }
 };
 
-using namespace std::string_literals;
-
-const std::string init_record = "INIT\0\2\0\0\0"
-                                "P\0\0\0Q\0\0\0"
-                                "\1\0\0\0\2\0\0\0"
-                                "\0\0\x80\x3F\0\0\0\x3F"s;
-
-TEST_F(Program, RecordsAreLittleEndianAndPacked) {
-    EXPECT_EQ(record_of(snapshot("INIT").get()), init_record);
-    EXPECT_EQ(record_of(snapshot("", 0).get()), "\0\0\0\0\0"s);
-    EXPECT_EQ(record_of(snapshot("INIT", 10).get()).size(), 129u) << "more than the registry has";
-    EXPECT_EQ(record_of(snapshot("INIT", 1).get()).size(), 21u) << "fewer than the registry has";
-}
-
-TEST_F(Program, AFileBringsItsProgramBack) {
+TEST_F(Program, ABankOfCopiesOfTheRegistryTravelsThroughFiles) {
+    for (const auto& [nb_parameters, size] : {std::pair{0u, 9u}, {1u, 21u}, {10u, 129u}}) {
+        const program_ptr prog{program_create("INIT", nb_parameters), program_free};
+        program_from_control(prog.get(), registry.get());
+        EXPECT_EQ(record_of(prog.get()).size(), size) << "another number than the registry's";
+    }
+    const std::unique_ptr<program_bank, decltype(&program_bank_free)> bank{
+        program_bank_create("BANK", 3, registry.get()), program_bank_free};
+    EXPECT_EQ(registry->nb_programs, 3u);
+    ASSERT_EQ(bank->programs.size(), 3u);
     const std::string file = folder / "p.fxp";
-    const auto saved = snapshot("INIT");
-    saved->midi_cc[0] = -1;
-    file_write(file, std::string(5000, 'x')); // replaced, not overlaid
-    program_to_file(saved.get(), file.c_str());
-    EXPECT_EQ(file_content(file), record_of(saved.get()));
-
-    const program_ptr loaded{program_create("NONE", 2), program_free};
-    program_from_file(loaded.get(), file.c_str());
-    EXPECT_EQ(record_of(loaded.get()), record_of(saved.get()));
+    for (const auto& saved : bank->programs) {
+        EXPECT_EQ(record_of(&*saved), init_record);
+        file_write(file, std::string(5000, 'x')); // replaced, not overlaid
+        program_to_file(&*saved, file.c_str());
+        EXPECT_EQ(file_content(file), init_record);
+        const program_ptr loaded{program_create("NONE", 2), program_free};
+        program_from_file(loaded.get(), file.c_str());
+        EXPECT_EQ(record_of(loaded.get()), init_record);
+    }
 }
 
 TEST_F(Program, RecordsThatDoNotFitAreRefusedWhole) {
-    const auto with_count = [](std::string count) {
-        return "INIT\0"s + count + init_record.substr(9);
-    };
-    std::vector<std::string> records{with_count("\1\0\0\0"s), with_count("\3\0\0\0"s),
-                                     with_count("\xFF\xFF\xFF\xFF"s), std::string(200, 'x'),
-                                     "A much longer name" + init_record};
+    std::vector<std::string> records{std::string(200, 'x'), "A much longer name" + init_record};
+    for (const std::string& count : {"\1\0\0\0"s, "\3\0\0\0"s, "\xFF\xFF\xFF\xFF"s})
+        records.push_back("INIT\0"s + count + init_record.substr(9));
     for (std::size_t cut = 0; cut < init_record.size(); ++cut)
         records.push_back(init_record.substr(0, cut));
-    const auto prog = snapshot("MINE");
-    prog->midi_cc[1] = 7;
+    const program_ptr prog{program_create("MINE", 2), program_free};
     const std::string before = record_of(prog.get());
-    for (std::size_t i = 0; i < records.size(); ++i) {
-        file_write(folder / "p.fxp", records[i]);
+    for (const std::string& record : records) {
+        file_write(folder / "p.fxp", record);
         program_from_file(prog.get(), (folder / "p.fxp").c_str());
-        ASSERT_EQ(record_of(prog.get()), before) << "file " << i;
-        if (i == 4)
+        ASSERT_EQ(record_of(prog.get()), before) << "file of " << record.size();
+        if (record.starts_with("A much"))
             continue; // whole in memory
-        const std::vector<char> exact(records[i].begin(), records[i].end());
+        const std::vector<char> exact(record.begin(), record.end());
         program_from_memory(prog.get(), exact.data(), exact.size());
-        ASSERT_EQ(record_of(prog.get()), before) << "record " << i;
+        ASSERT_EQ(record_of(prog.get()), before) << "record of " << record.size();
     }
     program_from_file(prog.get(), (folder / "missing").c_str());
     program_from_file(prog.get(), folder.path.c_str());
     program_to_file(prog.get(), folder.path.c_str());
     EXPECT_EQ(record_of(prog.get()), before);
-}
-
-TEST_F(Program, ABankStartsAsCopiesOfTheRegistry) {
-    for (unsigned nb_programs : {0u, 3u}) {
-        const std::unique_ptr<program_bank, decltype(&program_bank_free)> bank{
-            program_bank_create("BANK", nb_programs, registry.get()), program_bank_free};
-        EXPECT_EQ(registry->nb_programs, nb_programs);
-        ASSERT_EQ(bank->programs.size(), nb_programs);
-        for (const program* p_prog : bank->programs)
-            EXPECT_EQ(record_of(p_prog), init_record);
-        bank_to_file(bank.get(), (folder / "b.fxb").c_str());
-        EXPECT_EQ(folder.nb_files(), 0u);
-    }
 }
 
 } // namespace
