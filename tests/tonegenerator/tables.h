@@ -5,14 +5,12 @@
 
 /// Shorter than a chunk, odd and even, and the longest of the instrument.
 constexpr int table_lengths[] = {1, 7, 64, 84, 168, 801, 872, 2000, 5393};
-constexpr unsigned last_osc = 8;
 
 struct rate_pair {
     int engine, table; ///< Hz
 };
 
-/// Whole ratios, the last down to 1, and others.
-constexpr rate_pair whole_ratios[] = {{48000, 384000},  {44100, 352800}, {96000, 384000},
-                                      {192000, 384000}, {11025, 176400}, {384000, 384000}};
-constexpr rate_pair other_ratios[] = {
-    {32000, 176400}, {8000, 176400}, {1000, 176400}, {1000000, 384000}};
+/// Whole ratios, down to 1, and then others.
+constexpr rate_pair rate_pairs[] = {
+    {48000, 384000},  {44100, 352800}, {96000, 384000}, {192000, 384000}, {11025, 176400},
+    {384000, 384000}, {32000, 176400}, {8000, 176400},  {1000, 176400},   {1000000, 384000}};
