@@ -68,6 +68,7 @@ struct ToneGenerator : testing::Test {
         tone_generator_next(tg.get(), fast, 0, last);
         tone_generator_next(tg.get(), fast, last + 1, 1000);
         tonegenerator_reset_sustain(tg.get());
+        EXPECT_EQ(tg->nb_sustained_oscs + tg->nb_non_sustained_oscs, 0);
         for (std::size_t i = 0; i < fast.size(); ++i) // twelve keys, each read to 2e-4
             ASSERT_NEAR(fast[i], plain[i], 2e-3f) << where << ", frame " << i;
     }
