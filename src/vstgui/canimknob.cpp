@@ -1,7 +1,7 @@
 #include "vstgui/canimknob.h"
 
 #include "vstgui/aeffguieditor.h"
-#include "vstgui/platform.h"
+#include "vstgui/window.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "vstgui/cbitmap.h"
 
-#include "vstgui/platform.h"
+#include "vstgui/resource.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,8 @@
 #include "vstgui/cfileselector.h"
 
+#include "platform/file_dialog/file_dialog.h"
 #include "vst/audioeffectx.h"
 #include "vstgui/aeffguieditor.h"
-#include "vstgui/platform.h"
 
 CFileSelector::CFileSelector(AudioEffectX* owner)
     : effect(owner), editor(static_cast<AEffGUIEditor*>(owner->getEditor())) {}

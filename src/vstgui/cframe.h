@@ -9,7 +9,7 @@
 #include "vstgui/ccontrol.h"
 #include "vstgui/cdrawcontext.h"
 #include "vstgui/creferencecounter.h"
-#include "vstgui/platform.h"
+#include "vstgui/window.h"
 
 #include <memory>
 #include <vector>

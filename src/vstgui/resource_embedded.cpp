@@ -1,4 +1,4 @@
-#include "vstgui/platform.h"
+#include "vstgui/resource.h"
 
 #include <cstdint>
 

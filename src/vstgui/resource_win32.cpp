@@ -1,5 +1,5 @@
 #include "vst/vstplugmain.h"
-#include "vstgui/platform.h"
+#include "vstgui/resource.h"
 
 #include <windows.h>
 

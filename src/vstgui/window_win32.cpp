@@ -1,5 +1,5 @@
 #include "vst/vstplugmain.h"
-#include "vstgui/platform.h"
+#include "vstgui/window.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "vstgui/pixel_format.h"
-#include "vstgui/platform.h"
 #include "vstgui/sigpipe_guard.h"
+#include "vstgui/window.h"
 
 #include <algorithm>
 #include <cstdint>

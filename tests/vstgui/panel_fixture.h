@@ -8,7 +8,7 @@
 #include "vstgui/ckickbutton.h"
 #include "vstgui/cmoviebitmap.h"
 #include "vstgui/conoffbutton.h"
-#include "vstgui/platform_headless.h"
+#include "vstgui/window_headless.h"
 
 #include <functional>
 #include <gtest/gtest.h>

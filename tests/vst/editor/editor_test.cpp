@@ -1,9 +1,10 @@
+#include "platform/file_dialog/file_dialog_headless.h"
 #include "tests/panel_picture/panel_picture.h"
 #include "tests/temporary_folder.h"
 #include "tests/vst/editor/panel_host.h"
 #include "vst/editor/tags.h"
 #include "vstgui/aeffguieditor.h"
-#include "vstgui/platform_headless.h"
+#include "vstgui/window_headless.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -121,9 +122,10 @@ TEST_F(EditorTest, ThePanelGoesOnDuringTheSystemsDialogAndAsksOnce) {
     ASSERT_TRUE(host.open(&window));
     host.idle();
     host.plugin->setParameter(6, 1.0f);
+    headless_user::requests.clear();
     host.at[audioMasterIdle] = [&] { host.plugin->setParameter(MENU_TAG, BANK_SAVE_TAG); };
     host.plugin->setParameter(MENU_TAG, BANK_LOAD_TAG);
-    EXPECT_EQ(window.dialogs.size(), 1u);
+    EXPECT_EQ(headless_user::requests.size(), 1u);
     EXPECT_EQ(differs(), "");
 }
 
@@ -169,7 +171,7 @@ TEST(EditorClosing, TheHostMayCloseTheEffectInAnyTurnItGets) {
             SCOPED_TRACE(std::string(r.when) + " " + where);
             panel_host host;
             headless_parent window;
-            host.chosen = window.chosen_path = "/nowhere/at all";
+            host.chosen = headless_user::chosen_path = "/nowhere/at all";
             host.has_file_selector =
                 r.turn == audioMasterOpenFileSelector || r.turn == audioMasterCloseFileSelector;
             ASSERT_TRUE(host.open(&window));

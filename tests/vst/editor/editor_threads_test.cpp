@@ -1,7 +1,7 @@
 #include "tests/panel_picture/panel_picture.h"
 #include "tests/vst/editor/panel_host.h"
 #include "vst/editor/tags.h"
-#include "vstgui/platform_headless.h"
+#include "vstgui/window_headless.h"
 
 #include <atomic>
 #include <gtest/gtest.h>

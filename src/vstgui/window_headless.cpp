@@ -1,7 +1,7 @@
-#include "vstgui/platform_headless.h"
+#include "vstgui/window_headless.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <cstddef>
 
 namespace {
 
@@ -37,14 +37,4 @@ std::unique_ptr<PlatformWindow> open_platform_window(void* parent, CPoint,
                                                      PlatformWindowListener& listener) {
     auto* host = static_cast<headless_parent*>(parent);
     return host->refuses ? nullptr : std::make_unique<HeadlessWindow>(*host, listener);
-}
-
-bool run_file_dialog(const VstFileSelect& request, void* parent,
-                     const std::function<bool()>& keep_alive) {
-    auto* host = static_cast<headless_parent*>(parent);
-    host->dialogs.push_back(request);
-    if (!keep_alive() || host->chosen_path.empty())
-        return false;
-    std::snprintf(request.returnPath, file_path_size, "%s", host->chosen_path.c_str());
-    return true;
 }

@@ -1,5 +1,5 @@
-#include "vstgui/file_request.h"
-#include "vstgui/platform.h"
+#include "platform/file_dialog/file_dialog.h"
+#include "platform/file_dialog/file_request.h"
 
 #include <cstdio>
 #include <span>

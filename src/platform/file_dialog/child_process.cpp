@@ -1,4 +1,4 @@
-#include "vstgui/child_process.h"
+#include "platform/file_dialog/child_process.h"
 
 #include <algorithm>
 #include <array>

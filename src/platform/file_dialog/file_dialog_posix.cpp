@@ -1,7 +1,7 @@
-#include "vstgui/child_process.h"
-#include "vstgui/dialog_command.h"
-#include "vstgui/file_request.h"
-#include "vstgui/platform.h"
+#include "platform/file_dialog/child_process.h"
+#include "platform/file_dialog/dialog_command.h"
+#include "platform/file_dialog/file_dialog.h"
+#include "platform/file_dialog/file_request.h"
 
 #include <algorithm>
 #include <cstdio>

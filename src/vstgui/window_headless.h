@@ -2,10 +2,9 @@
 /// A system without a display, for tests: the host's "window" is a record of theirs, in which they
 /// see what is shown and from which they move the mouse.
 
-#include "vstgui/platform.h"
+#include "vstgui/window.h"
 
 #include <functional>
-#include <string>
 #include <vector>
 
 /// Its address is the parent window.
@@ -15,6 +14,4 @@ struct headless_parent {
     std::vector<CRect> puts{};                  ///< areas shown, in order
     PlatformWindowListener* listener = nullptr; ///< of the window in it; null without one
     std::function<void()> at_events{};          ///< what happens when the window handles events
-    std::string chosen_path{};                  ///< what the file dialog answers; empty: cancelled
-    std::vector<VstFileSelect> dialogs{};       ///< requests, in order; their pointers are stale
 };

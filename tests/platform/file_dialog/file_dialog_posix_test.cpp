@@ -1,4 +1,4 @@
-#include "vstgui/platform.h"
+#include "platform/file_dialog/file_dialog.h"
 
 #include "tests/temporary_folder.h"
 

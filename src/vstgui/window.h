@@ -1,16 +1,11 @@
 #pragma once
-/// What the toolkit needs of a system: a window inside the host's, pictures on it, the mouse, a
-/// file dialog and the library's bitmaps. Each system's sources stand beside this page, by its
-/// name: xcb and posix, win32, and headless, which tests put in their place. All is [ui].
+/// A window inside the host's, pictures on it and the mouse. Each system's source stands beside
+/// this page, by its name: xcb, win32, and headless, which tests put in their place. All is [ui].
 
-#include "vst/interface.h"
 #include "vstgui/cdrawcontext.h"
 #include "vstgui/geometry.h"
 
-#include <cstddef>
-#include <functional>
 #include <memory>
-#include <span>
 
 /// The button that an event is about and the keys held with it, as bits.
 enum CButton : int {
@@ -57,14 +52,3 @@ public:
 /// host's system knows it: an X11 window's number, or a HWND. The listener outlives the window.
 [[nodiscard]] std::unique_ptr<PlatformWindow>
 open_platform_window(void* parent, CPoint size, PlatformWindowListener& listener);
-
-constexpr std::size_t file_path_size = 1024; ///< bytes with the terminating zero
-
-/// Lets the user choose a file to load or save, and stores its full path at `request.returnPath`,
-/// which holds file_path_size bytes. `parent` may be null. Where the dialog runs outside of this
-/// process, `keep_alive` is called meanwhile; false from it cancels. Returns false when cancelled.
-[[nodiscard]] bool run_file_dialog(const VstFileSelect& request, void* parent,
-                                   const std::function<bool()>& keep_alive);
-
-/// Returns the library's bitmap of that number, from its 40-byte information header on, or nothing.
-[[nodiscard]] std::span<const unsigned char> find_bitmap_resource(int number);

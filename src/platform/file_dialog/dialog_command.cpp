@@ -1,6 +1,6 @@
-#include "vstgui/dialog_command.h"
+#include "platform/file_dialog/dialog_command.h"
 
-#include "vstgui/file_request.h"
+#include "platform/file_dialog/file_request.h"
 
 namespace {
 
