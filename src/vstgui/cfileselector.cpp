@@ -4,13 +4,33 @@
 #include "vst/audioeffectx.h"
 #include "vstgui/aeffguieditor.h"
 
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+
+namespace {
+
+/// The record's folder is written as on DOS. Its types' extensions are the same for all systems.
+file_request system_request(const VstFileSelect& record) {
+    file_request request{.saves = record.command == kVstFileSave, .title = record.title};
+    if (record.initialPath)
+        request.folder = record.initialPath;
+    std::ranges::replace(request.folder, '\\',
+                         static_cast<char>(std::filesystem::path::preferred_separator));
+    for (VstInt32 i = 0; record.fileTypes && i < record.nbFileTypes; ++i)
+        request.kinds.push_back({record.fileTypes[i].name, record.fileTypes[i].dosType});
+    return request;
+}
+
+} // namespace
+
 CFileSelector::CFileSelector(AudioEffectX* owner)
     : effect(owner), editor(static_cast<AEffGUIEditor*>(owner->getEditor())) {}
 
 int CFileSelector::run(VstFileSelect* request) {
     const bool hostHasDialog =
         effect->canHostDo("openFileSelector") && effect->canHostDo("closeFileSelector");
-    return hostHasDialog ? runHostsDialog(request) : runSystemsDialog(*request);
+    return hostHasDialog ? runHostsDialog(request) : runSystemsDialog(request);
 }
 
 /// Hosts keep something of an answered request until it is closed. Some answer yes to a user who
@@ -19,19 +39,22 @@ bool CFileSelector::runHostsDialog(VstFileSelect* request) {
     const auto life = editor->getLife();
     if (!effect->openFileSelector(request) || life.expired())
         return false;
-    const bool chosen = request->returnPath[0] != '\0';
+    const std::size_t length = strnlen(request->returnPath, max_path_bytes + 1);
     effect->closeFileSelector(request);
-    return chosen;
+    return length > 0 && length <= max_path_bytes;
 }
 
-bool CFileSelector::runSystemsDialog(const VstFileSelect& request) {
+bool CFileSelector::runSystemsDialog(VstFileSelect* request) {
     const auto life = editor->getLife();
     const auto isOpen = [&] { return !life.expired() && editor->isOpen(); };
-    const bool chosen = run_file_dialog(request, editor->getSystemWindow(), [&] {
+    const auto path = file_dialog_run(system_request(*request), editor->getSystemWindow(), [&] {
         editor->idle();
         if (!life.expired())
             effect->masterIdle();
         return isOpen();
     });
-    return chosen && isOpen(); // the system's own loop may have brought the end as well
+    if (!path || !isOpen()) // the system's own loop may have brought the end as well
+        return false;
+    request->returnPath[path->copy(request->returnPath, max_path_bytes)] = '\0';
+    return true;
 }

@@ -13,12 +13,12 @@ public:
     explicit CFileSelector(AudioEffectX* owner);
 
     /// Returns non-zero when a file was chosen, whose full path is then at `request->returnPath`,
-    /// which holds file_path_size bytes.
+    /// which holds 1024 bytes.
     int run(VstFileSelect* request);
 
 private:
     bool runHostsDialog(VstFileSelect* request);
-    bool runSystemsDialog(const VstFileSelect& request);
+    bool runSystemsDialog(VstFileSelect* request);
 
     AudioEffectX* effect;
     AEffGUIEditor* editor;

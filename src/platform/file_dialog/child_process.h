@@ -1,7 +1,7 @@
 #pragma once
 /// Another program, run beside the host and apart from it: it gets a clean environment, untouched
 /// signals and, for its complaints, the host's standard error, but no other file of the host's.
-/// What it prints can be read.
+/// What it prints can be read. All is [ui], which it holds up no longer than it says.
 
 #include <chrono>
 #include <optional>

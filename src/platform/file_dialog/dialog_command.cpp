@@ -1,32 +1,29 @@
 #include "platform/file_dialog/dialog_command.h"
 
-#include "platform/file_dialog/file_request.h"
-
 namespace {
 
-bool saves(const VstFileSelect& request) { return request.command == kVstFileSave; }
-
-command_line zenity(const VstFileSelect& request) {
-    command_line line{"zenity", "--file-selection", std::string("--title=") + request.title};
-    if (saves(request))
+/// It takes no relative folder to begin in.
+command_line zenity(const file_request& request) {
+    command_line line{"zenity", "--file-selection", "--title=" + request.title};
+    if (request.saves)
         line.insert(line.end(), {"--save", "--confirm-overwrite"});
-    for (const VstFileType& type : offered_types(request))
-        line.push_back(std::string("--file-filter=") + type.name + " (*." + type.unixType + ") | *."
-                       + type.unixType);
+    for (const file_kind& kind : request.kinds)
+        line.push_back("--file-filter=" + kind.name + " (*." + kind.extension + ") | *."
+                       + kind.extension);
     line.push_back("--file-filter=* | *");
     return line;
 }
 
-command_line kdialog(const VstFileSelect& request) {
+command_line kdialog(const file_request& request) {
     std::string filter;
-    for (const VstFileType& type : offered_types(request))
-        filter += std::string("*.") + type.unixType + " ";
-    const char* action = saves(request) ? "--getsavefilename" : "--getopenfilename";
-    return {"kdialog", "--title", request.title, action, ".", filter};
+    for (const file_kind& kind : request.kinds)
+        filter += "*." + kind.extension + " ";
+    const char* action = request.saves ? "--getsavefilename" : "--getopenfilename";
+    return {"kdialog", "--title", request.title, action, request.folder, filter};
 }
 
 } // namespace
 
-std::vector<command_line> file_dialog_commands(const VstFileSelect& request) {
+std::vector<command_line> file_dialog_commands(const file_request& request) {
     return {zenity(request), kdialog(request)};
 }

@@ -1,7 +1,7 @@
 #pragma once
-/// The command lines of the desktops' file dialogs, which print the chosen path.
+/// The command lines of the desktops' file dialogs, which print the chosen path. [any]
 
-#include "vst/interface.h"
+#include "platform/file_dialog/file_dialog.h"
 
 #include <string>
 #include <vector>
@@ -9,4 +9,4 @@
 using command_line = std::vector<std::string>;
 
 /// The dialogs to try, the first that is installed to be used.
-[[nodiscard]] std::vector<command_line> file_dialog_commands(const VstFileSelect& request);
+[[nodiscard]] std::vector<command_line> file_dialog_commands(const file_request& request);

@@ -7,6 +7,6 @@
 #include <vector>
 
 struct headless_user {
-    static inline std::string chosen_path{};             ///< empty: the user cancels
-    static inline std::vector<VstFileSelect> requests{}; ///< in order; their pointers are stale
+    static inline std::string chosen_path{};            ///< empty: the user cancels
+    static inline std::vector<file_request> requests{}; ///< in order
 };

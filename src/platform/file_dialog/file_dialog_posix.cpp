@@ -1,16 +1,13 @@
+#include "platform/file_dialog/file_dialog.h"
+
 #include "platform/file_dialog/child_process.h"
 #include "platform/file_dialog/dialog_command.h"
-#include "platform/file_dialog/file_dialog.h"
-#include "platform/file_dialog/file_request.h"
+#include "platform/file_dialog/dialog_report.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstring>
-#include <optional>
-#include <span>
-#include <string>
 #include <strings.h>
 #include <unistd.h>
+#include <utility>
 
 // A toolkit's dialog would bring that toolkit into the host's process; the desktop's own dialog
 // programs do not.
@@ -19,7 +16,7 @@ namespace {
 
 constexpr int turn_ms = 20; ///< between two signs of life of the panel
 
-std::optional<ChildProcess> start_dialog(const VstFileSelect& request) {
+std::optional<ChildProcess> start_dialog(const file_request& request) {
     for (const command_line& command : file_dialog_commands(request))
         if (auto started = ChildProcess::run(command))
             return started;
@@ -28,46 +25,47 @@ std::optional<ChildProcess> start_dialog(const VstFileSelect& request) {
 
 bool exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
-bool has_extension(const std::string& path, std::span<const VstFileType> types) {
+bool has_extension(const std::string& path, const std::vector<file_kind>& kinds) {
     const char* const extension = path.c_str() + path.rfind('.') + 1;
-    return std::ranges::any_of(types, [extension](const VstFileType& type) {
-        return strcasecmp(extension, type.unixType) == 0;
+    return std::ranges::any_of(kinds, [extension](const file_kind& kind) {
+        return strcasecmp(extension, kind.extension.c_str()) == 0;
     });
 }
 
-/// The dialogs take a name as it is typed; with the first type's extension their filter finds the
+/// The dialogs take a name as it is typed; with the first kind's extension their filter finds the
 /// file again. Nothing is written over that the user was not asked about: a name that has a file,
 /// which the dialog asked about, stays as it is, and so does one whose longer form has a file.
-std::string path_to_save(const std::string& path, std::span<const VstFileType> types) {
-    if (types.empty() || has_extension(path, types))
+std::string path_to_save(const std::string& path, const std::vector<file_kind>& kinds) {
+    if (kinds.empty() || has_extension(path, kinds))
         return path;
-    const std::string longer = path + "." + types.front().unixType;
+    const std::string longer = path + "." + kinds.front().extension;
     return exists(path) || exists(longer) ? path : longer;
 }
 
+bool fits(const std::string& path) { return path.size() <= max_path_bytes; }
+
 } // namespace
 
-bool run_file_dialog(const VstFileSelect& request, void*, const std::function<bool()>& keep_alive) {
+std::optional<std::string> file_dialog_run(const file_request& request, void*,
+                                           const std::function<bool()>& keep_alive) {
     auto dialog = start_dialog(request);
     if (!dialog) {
-        std::fprintf(stderr, "%s no file dialog found: install zenity or kdialog\n",
-                     message_title(request).c_str());
-        return false;
+        report_failure(request, "no file dialog found: install zenity or kdialog");
+        return std::nullopt;
     }
-    std::string path;
-    while (dialog->read(path, turn_ms))
+    std::string path; // and a line's end, and no more of a program that prints for ever
+    while (path.size() <= max_path_bytes + 1 && dialog->read(path, turn_ms))
         if (!keep_alive())
-            return false;
+            return std::nullopt;
     path.resize(path.find_last_not_of('\n') + 1);
-    if (!dialog->succeeds() || path.empty())
-        return false;
-    if (request.command == kVstFileSave)
-        path = path_to_save(path, offered_types(request));
-    if (path.size() >= file_path_size) {
-        std::fprintf(stderr, "%s %s: the path is longer than %zu bytes\n",
-                     message_title(request).c_str(), path.c_str(), file_path_size - 1);
-        return false;
+    if (fits(path)) {
+        if (!dialog->succeeds() || path.empty())
+            return std::nullopt;
+        if (request.saves)
+            path = path_to_save(path, request.kinds);
     }
-    std::memcpy(request.returnPath, path.c_str(), path.size() + 1);
-    return true;
+    if (fits(path))
+        return path;
+    report_long_path(request);
+    return std::nullopt;
 }

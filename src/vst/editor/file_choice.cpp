@@ -16,8 +16,8 @@ constexpr VstFileType patch_type{"Patch", ".fxp", "fxp", "fxp", "audio/fxp", "au
 std::optional<std::string> choose_file(AudioEffectX* effect, VstFileSelectCommand command,
                                        file_content content) {
     VstFileType type = content == file_content::bank ? bank_type : patch_type;
-    std::array<char, file_path_size> initial_path{".\\"};
-    std::array<char, file_path_size> return_path{};
+    std::array<char, max_path_bytes + 1> initial_path{".\\"};
+    std::array<char, max_path_bytes + 1> return_path{};
 
     VstFileSelect request{};
     request.command = command;

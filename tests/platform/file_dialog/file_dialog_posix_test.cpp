@@ -2,15 +2,11 @@
 
 #include "tests/temporary_folder.h"
 
-#include <array>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <string>
 #include <sys/wait.h>
 
 namespace {
@@ -21,10 +17,7 @@ namespace fs = std::filesystem;
 struct FileDialog : testing::Test {
     FileDialog() {
         setenv("PATH", folder.path.c_str(), 1);
-        request.fileTypes = &type;
-        request.nbFileTypes = 1;
-        request.returnPath = chosen.data();
-        std::snprintf(request.title, sizeof request.title, "Load bank ... ");
+        installTool("sleep");
     }
     ~FileDialog() override { setenv("PATH", path_before.c_str(), 1); }
 
@@ -37,185 +30,121 @@ struct FileDialog : testing::Test {
         fs::create_symlink("/bin/" + name, folder / name);
     }
 
-    bool run() {
-        return run_file_dialog(request, nullptr, [this] { return ++nb_turns < turns; });
-    }
-
-    /// Closes the panel once the dialog has made the file.
-    bool runUntil(const std::string& file) {
-        return run_file_dialog(request, nullptr, [&] { return !fs::exists(file); });
-    }
-
-    /// What is chosen when the dialog prints `path`; nothing when it is refused.
-    std::string choose(const std::string& path) {
-        install("zenity", "echo '" + path + "'");
-        return run() ? chosen.data() : "";
+    /// Returns the chosen path, and then what is said on standard error. The panel is closed once a
+    /// dialog has made a file of that name, and after some seconds.
+    [[nodiscard]] std::string choose() const {
+        testing::internal::CaptureStderr();
+        const auto path = file_dialog_run(request, nullptr, [this, nb_turns = 400]() mutable {
+            return --nb_turns > 0 && !fs::exists(folder / "ready");
+        });
+        return path.value_or("") + testing::internal::GetCapturedStderr();
     }
 
     std::string path_before = std::getenv("PATH");
     temporary_folder folder{};
-    VstFileType type{"Bank", ".fxb", "fxb", "fxb", "audio/fxb", "audio/x-fxb"};
-    VstFileSelect request{};
-    std::array<char, file_path_size> chosen{};
-    int nb_turns = 0;
-    int turns = 1 << 20; ///< after which the panel is closed
+    file_request request{
+        .title = "Load bank ... ", .kinds = {{"Bank", "fxb"}}, .folder = "./music"};
 };
 
-TEST_F(FileDialog, GivesTheChosenPathAsItIs) {
-    install("zenity", "echo '/a folder/ü\"x.fxb'");
-    EXPECT_TRUE(run());
-    EXPECT_STREQ(chosen.data(), "/a folder/ü\"x.fxb");
+TEST_F(FileDialog, AsksInTheWordsOfTheDesktopThatIsThere) {
+    EXPECT_EQ(choose(), "Load bank ... no file dialog found: install zenity or kdialog\n");
+    install("kdialog", "echo \"/$*\"");
+    EXPECT_EQ(choose(), "/--title Load bank ...  --getopenfilename ./music *.fxb ");
+    install("zenity", "echo \"/$*\"");
+    request.saves = true;
+    EXPECT_EQ(choose(), "/--file-selection --title=Load bank ...  --save --confirm-overwrite "
+                        "--file-filter=Bank (*.fxb) | *.fxb --file-filter=* | *.fxb");
 }
 
-TEST_F(FileDialog, AsksInTheDesktopsWords) {
-    install("zenity", R"(for a; do echo "$a" >> ")" + (folder / "seen") + "\"; done");
-    request.command = kVstFileSave;
-    EXPECT_FALSE(run());
-    EXPECT_EQ(file_content(folder / "seen"),
-              "--file-selection\n--title=Load bank ... \n--save\n"
-              "--confirm-overwrite\n--file-filter=Bank (*.fxb) | *.fxb\n"
-              "--file-filter=* | *\n");
-}
-
-TEST_F(FileDialog, TriesTheOtherDesktopsToo) {
-    install("kdialog", R"(test "$3" = --getopenfilename && echo "/b$5")");
-    EXPECT_TRUE(run());
-    EXPECT_STREQ(chosen.data(), "/b*.fxb ");
-}
-
-TEST_F(FileDialog, OnlyAPathFromADialogThatEndsWellIsChosen) {
+TEST_F(FileDialog, OnlyAPathThatFitsFromADialogThatEndsWellIsChosen) {
+    const std::string longest(1023, '0'),
+        too_long = "Load bank ... the path is longer than 1023 bytes\n";
     struct row {
         const char* script;
-        bool is_chosen, is_chosen_unwatched; ///< where the host's children are reaped by themselves
+        std::string chosen,
+            chosen_unwatched; ///< where the host's children are reaped by themselves
+        bool saves = false;
     };
-    installTool("sleep");
-    for (const row r : {row{"echo /x", true, true},
-                        {"echo /x; exit 1", false, true},
-                        {"echo /x; kill -9 $$", false, true},
-                        {"exit 1", false, false},
-                        {"exit 0", false, false},
-                        {"echo /x; sleep 8 2>&- &", true, true}}) { // what it started goes on
+    for (const row& r :
+         {row{"echo '/a folder/ü\"x.fxb'", "/a folder/ü\"x.fxb", "/a folder/ü\"x.fxb"},
+          {"printf x", "x", "x"},
+          {"echo /x; exit 1", "", "/x"},
+          {"echo /x; kill -9 $$", "", "/x"},
+          {"exit 0", "", ""},
+          {"echo /x; sleep 9 2>&- &", "/x", "/x"}, // what it started goes on
+          {"printf %01023d 0; echo", longest, longest},
+          {"printf %01024d 0", too_long, too_long},
+          {"while :; do echo /x; done", too_long, too_long},
+          {"printf %01020d 0", too_long, too_long, true}}) {
         install("zenity", r.script);
-        turns = nb_turns + 200; // some four seconds
-        EXPECT_EQ(run(), r.is_chosen) << r.script;
+        request.saves = r.saves;
+        EXPECT_EQ(choose(), r.chosen) << r.script;
         std::signal(SIGCHLD, SIG_IGN);
-        EXPECT_EQ(run(), r.is_chosen_unwatched) << r.script;
+        EXPECT_EQ(choose(), r.chosen_unwatched) << r.script;
         std::signal(SIGCHLD, SIG_DFL);
     }
-}
-
-TEST_F(FileDialog, CancelsWithOneLineWhereThereIsNone) {
-    testing::internal::CaptureStderr();
-    EXPECT_FALSE(run());
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Load bank ... no file dialog found: install zenity or kdialog\n");
 }
 
 TEST_F(FileDialog, SavesUnderANameThatItsFilterFindsAndThatHarmsNoOtherFile) {
     struct row {
         const char *typed, *existing, *saved;
     };
-    request.command = kVstFileSave;
-    for (const row r : {row{"new", "other", "new.fxb"},
-                        {"new.fxb", "other", "new.fxb"},
-                        {"new.FXB", "other", "new.FXB"},
-                        {"new.2", "other", "new.2.fxb"},
-                        {"mine", "mine", "mine"},
-                        {"mine", "mine.fxb", "mine"}}) {
+    request.saves = true;
+    const auto expect = [&](const row& r) {
         std::ofstream(folder / r.existing) << "a bank";
-        EXPECT_EQ(choose(folder / r.typed), folder / r.saved) << "beside " << r.existing;
+        install("zenity", "echo " + (folder / r.typed));
+        EXPECT_EQ(choose(), folder / r.saved) << r.typed << " beside " << r.existing;
         fs::remove(folder / r.existing);
-    }
-    request.command = kVstFileLoad;
-    EXPECT_EQ(choose("/new"), "/new");
-}
-
-TEST_F(FileDialog, NeedsNoFileTypes) {
-    request.command = kVstFileSave;
-    request.nbFileTypes = 0;
-    EXPECT_EQ(choose("/new"), "/new");
-    request.nbFileTypes = -1;
-    EXPECT_EQ(choose("/new"), "/new");
-    request.nbFileTypes = 1;
-    request.fileTypes = nullptr;
-    EXPECT_EQ(choose("/new"), "/new");
-}
-
-TEST_F(FileDialog, RefusesAPathThatDoesNotFit) {
-    struct row {
-        VstFileSelectCommand command;
-        std::size_t length;
-        bool fits;
     };
-    for (const row r : {row{kVstFileLoad, 1023, true},
-                        {kVstFileLoad, 1024, false},
-                        {kVstFileSave, 1019, true}, // with the extension
-                        {kVstFileSave, 1020, false}}) {
-        request.command = r.command;
-        chosen.fill('\0');
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(choose(std::string("/").append(r.length - 1, 'x')).empty(), !r.fits) << r.length;
-        EXPECT_EQ(testing::internal::GetCapturedStderr().find("longer than 1023 bytes")
-                      == std::string::npos,
-                  r.fits);
-        EXPECT_EQ(std::strlen(chosen.data()), r.fits ? 1023 : 0);
-    }
+    for (const row& r : {row{"new", "other", "new.fxb"},
+                         {"new.fxb", "other", "new.fxb"},
+                         {"new.FXB", "other", "new.FXB"},
+                         {"new.2", "other", "new.2.fxb"},
+                         {"mine", "mine", "mine"},
+                         {"mine", "mine.fxb", "mine"}})
+        expect(r);
+    request.kinds.clear();
+    expect({"new", "other", "new"});
 }
 
-TEST_F(FileDialog, ClosingThePanelAsksItToEnd) {
-    const std::string ready = folder / "ready", asked = folder / "asked";
-    install("zenity", "trap ': > " + asked + "; exit' TERM; echo /half; : > " + ready
-                          + "; while :; do :; done");
-    EXPECT_FALSE(runUntil(ready));
+TEST_F(FileDialog, NothingIsLeftOfOneWhosePanelIsClosed) {
+    const std::string ready = ": > " + (folder / "ready") + "; ", asked = folder / "asked";
+    for (const std::string& script :
+         {"trap ': > " + asked + "; exit' TERM; echo /half; " + ready + "while :; do :; done",
+          "trap '' TERM; echo /x; " + ready + "exec sleep 60",
+          "trap '' TERM; " + ready + "exec sleep 60 >&-"})
+        for (const auto children : {SIG_DFL, SIG_IGN}) {
+            install("zenity", script);
+            std::signal(SIGCHLD, children);
+            EXPECT_EQ(choose(), "") << script;
+            EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child is left of " << script;
+            std::signal(SIGCHLD, SIG_DFL);
+            fs::remove(folder / "ready");
+        }
     EXPECT_TRUE(fs::exists(asked));
 }
 
-TEST_F(FileDialog, NothingIsLeftOfOneThatWillNotEnd) {
-    const std::string ready = folder / "ready";
-    installTool("sleep");
-    for (const char* output : {"", " >&-"})
-        for (const auto children : {SIG_DFL, SIG_IGN}) {
-            install("zenity", "trap '' TERM; echo /x; : > " + ready + "; exec sleep 60" + output);
-            fs::remove(ready);
-            std::signal(SIGCHLD, children);
-            const auto start = std::chrono::steady_clock::now();
-            EXPECT_FALSE(runUntil(ready));
-            EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
-            EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child is left";
-            std::signal(SIGCHLD, SIG_DFL);
-        }
-}
-
 TEST_F(FileDialog, GetsNothingOfTheHostsButItsDesktop) {
-    struct row {
-        const char* variable;
-        bool is_passed_on;
-    };
-    constexpr row rows[] = {{"HOME", true},
-                            {"LC_TIME", true},
-                            {"XDG_RUNTIME_DIR", true},
-                            {"DESKTOP_SESSION", true},
-                            {"LD_LIBRARY_PATH", false},
-                            {"GTK_MODULES", false},
-                            {"DESKTOP_STARTUP_ID", false},
-                            {"XDG_ACTIVATION_TOKEN", false},
-                            {"WAYLAND_SOCKET", false}};
-    for (const row& r : rows)
-        setenv(r.variable, "/host", 1);
-    const std::string seen = folder / "seen";
-    install("zenity", "ls /proc/self/fd | wc -l > '" + seen + "'; env >> '" + seen + "'");
+    constexpr const char *passed_on[] = {"HOME", "LC_TIME", "XDG_RUNTIME_DIR", "DESKTOP_SESSION"},
+                         *kept[] = {"LD_LIBRARY_PATH", "GTK_MODULES", "DESKTOP_STARTUP_ID",
+                                    "XDG_ACTIVATION_TOKEN", "WAYLAND_SOCKET"};
+    for (const char* variable : passed_on)
+        setenv(variable, "/host", 1);
+    for (const char* variable : kept)
+        setenv(variable, "/host", 1);
     for (const char* tool : {"ls", "wc", "env"})
         installTool(tool);
+    const std::string seen = folder / "seen";
+    install("zenity", "ls /proc/self/fd | wc -l > '" + seen + "'; env >> '" + seen + "'");
     const std::ofstream of_the_host(folder / "open file");
-    EXPECT_FALSE(run());
+    EXPECT_EQ(choose(), "");
     const std::string lines = file_content(seen);
     EXPECT_TRUE(lines.starts_with("4\n")) << lines; // three, and the folder that ls reads
-    for (const row& r : rows) {
-        EXPECT_EQ(lines.find(std::string("\n") + r.variable + "=/host\n") != std::string::npos,
-                  r.is_passed_on)
-            << r.variable;
-        unsetenv(r.variable);
-    }
+    for (const char* variable : passed_on)
+        EXPECT_NE(lines.find(std::string("\n") + variable + "=/host\n"), std::string::npos)
+            << variable;
+    for (const char* variable : kept)
+        EXPECT_EQ(lines.find(variable), std::string::npos) << variable;
 }
 
 } // namespace
