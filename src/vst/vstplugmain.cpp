@@ -1,6 +1,8 @@
 #include "vst/vstplugmain.h"
 
 #if defined(_WIN32)
+#include "platform/module_handle/module_handle.h"
+
 #include <windows.h>
 #endif
 

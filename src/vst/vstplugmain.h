@@ -11,8 +11,3 @@ VSTPluginMain(audioMasterCallback audioMaster);
 /// The instrument's factory, which the library's maker supplies. Returns null or a whole effect,
 /// which belongs to the host.
 [[nodiscard]] AudioEffect* createEffectInstance(audioMasterCallback audioMaster);
-
-#if defined(_WIN32)
-/// The library's module handle (HINSTANCE), under which its resources are found.
-extern void* hInstance;
-#endif

@@ -1,6 +1,6 @@
 #include "vstgui/canimknob.h"
 
-#include "vstgui/aeffguieditor.h"
+#include "vst/editor/aeffguieditor.h"
 #include "vstgui/window.h"
 
 #include <algorithm>

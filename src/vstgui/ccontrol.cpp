@@ -1,6 +1,6 @@
 #include "vstgui/ccontrol.h"
 
-#include "vstgui/aeffguieditor.h"
+#include "vst/editor/aeffguieditor.h"
 #include "vstgui/cframe.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "vstgui/cframe.h"
 
-#include "vstgui/aeffguieditor.h"
+#include "vst/editor/aeffguieditor.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,5 +1,6 @@
-#include "vst/vstplugmain.h"
 #include "vstgui/window.h"
+
+#include "platform/module_handle/module_handle.h"
 
 #include <cstdint>
 #include <memory>

@@ -3,7 +3,7 @@
 /// button and a display. What its controls tell is written down as text.
 
 #include "tests/vst/recording.h"
-#include "vstgui/aeffguieditor.h"
+#include "vst/editor/aeffguieditor.h"
 #include "vstgui/canimknob.h"
 #include "vstgui/ckickbutton.h"
 #include "vstgui/cmoviebitmap.h"

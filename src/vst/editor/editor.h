@@ -6,8 +6,8 @@
 /// setParameter is [any] for parameters: values wait in slots, which live as long as the editor,
 /// until the panel is idle. All else is [ui].
 
+#include "vst/editor/aeffguieditor.h"
 #include "vst/editor/value_slot.h"
-#include "vstgui/aeffguieditor.h"
 #include "vstgui/cbitmap.h"
 #include "vstgui/ccontrollistener.h"
 

@@ -1,7 +1,7 @@
 #include "vst/editor/file_choice.h"
 
-#include "vstgui/cfileselector.h"
 #include "platform/file_dialog/file_dialog.h"
+#include "vst/editor/cfileselector.h"
 
 #include <array>
 #include <cstdio>

@@ -2,8 +2,8 @@
 #include "tests/panel_picture/panel_picture.h"
 #include "tests/temporary_folder.h"
 #include "tests/vst/editor/panel_host.h"
+#include "vst/editor/aeffguieditor.h"
 #include "vst/editor/tags.h"
-#include "vstgui/aeffguieditor.h"
 #include "vstgui/window_headless.h"
 
 #include <cmath>

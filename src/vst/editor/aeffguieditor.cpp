@@ -1,4 +1,4 @@
-#include "vstgui/aeffguieditor.h"
+#include "vst/editor/aeffguieditor.h"
 
 #include <utility>
 

@@ -1,8 +1,8 @@
-#include "vstgui/cfileselector.h"
+#include "vst/editor/cfileselector.h"
 
 #include "platform/file_dialog/file_dialog.h"
 #include "vst/audioeffectx.h"
-#include "vstgui/aeffguieditor.h"
+#include "vst/editor/aeffguieditor.h"
 
 #include <algorithm>
 #include <cstring>
