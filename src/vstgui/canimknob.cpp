@@ -1,7 +1,7 @@
 #include "vstgui/canimknob.h"
 
-#include "vst/editor/aeffguieditor.h"
-#include "vstgui/window.h"
+#include "vstgui/cbutton.h"
+#include "vstgui/cframeowner.h"
 
 #include <algorithm>
 #include <cmath>
@@ -31,7 +31,7 @@ void CAnimKnob::onMouseDown(CPoint where, int buttons) {
     last = where;
     lastAngle = angleOf(where);
     beginEdit(); // which may end the drag, and the editor
-    if (dragging && editor()->getKnobMode() == kCircularMode)
+    if (dragging && owner()->getKnobMode() == kCircularMode)
         turnTo(static_cast<float>(0.5 + lastAngle / sweep));
 }
 
@@ -47,7 +47,7 @@ void CAnimKnob::onMouseMoved(CPoint where, int buttons) {
 
 double CAnimKnob::follow(CPoint where, double angle, int buttons) const {
     const double now = getValue();
-    switch (editor()->getKnobMode()) {
+    switch (owner()->getKnobMode()) {
     case kLinearMode:
         return now + (last.y - where.y) / linear_travel * fineness(buttons);
     case kCircularMode: {

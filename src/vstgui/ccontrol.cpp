@@ -1,7 +1,6 @@
 #include "vstgui/ccontrol.h"
 
-#include "vst/editor/aeffguieditor.h"
-#include "vstgui/cframe.h"
+#include "vstgui/cframeowner.h"
 
 #include <algorithm>
 
@@ -14,6 +13,12 @@ CControl::CControl(const CRect& area, CControlListener* hearer, int number, int 
       pictureHeight(height),
       bitmap(shown),
       offset(start) {}
+
+void CControl::attach(CFrameOwner* newOwner, CDrawContext* picture) {
+    frameOwner = newOwner;
+    ownerLife = newOwner->getLife();
+    drawnOn = picture;
+}
 
 void CControl::setValue(float newValue) {
     newValue = std::clamp(newValue, 0.0f, 1.0f);
@@ -28,23 +33,23 @@ void CControl::draw(CDrawContext& context) const {
 }
 
 void CControl::beginEdit() {
-    if (editor())
-        editor()->beginEdit(tag);
+    if (owner())
+        owner()->beginEdit(tag);
 }
 
 void CControl::endEdit() {
-    if (editor())
-        editor()->endEdit(tag);
+    if (owner())
+        owner()->endEdit(tag);
 }
 
 void CControl::doIdleStuff() {
-    if (editor())
-        editor()->doIdleStuff();
+    if (owner())
+        owner()->doIdleStuff();
 }
 
 void CControl::notifyListener() {
-    if (editor())
-        listener->valueChanged(&frame->getContext(), this);
+    if (owner())
+        listener->valueChanged(drawnOn, this);
 }
 
 void CControl::changeTo(float newValue) {
@@ -54,4 +59,4 @@ void CControl::changeTo(float newValue) {
     endEdit();
 }
 
-AEffGUIEditor* CControl::editor() const { return frame->getEditor(); }
+CFrameOwner* CControl::owner() const { return ownerLife.expired() ? nullptr : frameOwner; }

@@ -7,13 +7,14 @@
 #include "vstgui/creferencecounter.h"
 #include "vstgui/geometry.h"
 
-class AEffGUIEditor;
-class CFrame;
+#include <memory>
+
+class CFrameOwner;
 
 class CControl {
 public:
     /// The first of `pictures`, each of that height, begins at `start` in the bitmap. The control
-    /// shares the bitmap; the listener lives as long as the editor.
+    /// shares the bitmap; the listener lives as long as the owner.
     CControl(const CRect& area, CControlListener* hearer, int number, int pictures, int height,
              CBitmap* shown, CPoint start = {});
     virtual ~CControl() = default;
@@ -35,8 +36,8 @@ public:
 
     void draw(CDrawContext& context) const;
 
-    /// The frame that shows the control, set when it takes it over.
-    void setFrame(CFrame* owner) { frame = owner; }
+    /// The frame that shows the control tells it who owns both, and what they are drawn on.
+    void attach(CFrameOwner* newOwner, CDrawContext* picture);
 
     /// Where a left press finds the control, it has the mouse until that button is up or lost.
     virtual void onMouseDown(CPoint /*where*/, int /*buttons*/) {}
@@ -47,20 +48,20 @@ public:
 protected:
     [[nodiscard]] virtual int shownPicture() const = 0; ///< counted from 0
 
-    // In each of these the host may get a turn, and close the effect: when the editor has gone they
+    // In each of these the host may get a turn, and close the effect: when the owner has gone they
     // do nothing.
 
-    /// The brackets around a user's change, which reach the host through the editor.
+    /// The brackets around a user's change, which reach the host through the owner.
     void beginEdit();
     void endEdit();
 
-    void doIdleStuff(); ///< the editor's
+    void doIdleStuff(); ///< the owner's
     void notifyListener();
 
     /// A whole gesture: begin, change, end.
     void changeTo(float newValue);
 
-    [[nodiscard]] AEffGUIEditor* editor() const; ///< null once it has gone
+    [[nodiscard]] CFrameOwner* owner() const; ///< null once it has gone
 
     const int nbPictures;
 
@@ -71,7 +72,9 @@ private:
     int pictureHeight;
     CReference<CBitmap> bitmap;
     CPoint offset;
-    CFrame* frame = nullptr;
+    CFrameOwner* frameOwner = nullptr;
+    std::weak_ptr<void> ownerLife{};
+    CDrawContext* drawnOn = nullptr;
     float value = 0;
     float defaultValue = 0;
     bool dirty = true;

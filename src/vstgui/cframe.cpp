@@ -1,13 +1,10 @@
 #include "vstgui/cframe.h"
 
-#include "vst/editor/aeffguieditor.h"
-
 #include <algorithm>
 #include <utility>
 
-CFrame::CFrame(const CRect& size, void* parent, AEffGUIEditor* owner)
-    : editor(owner),
-      life(owner->getLife()),
+CFrame::CFrame(const CRect& size, void* parent, CFrameOwner* owner)
+    : frameOwner(owner),
       context(size.width(), size.height()),
       window(open_platform_window(parent, {size.width(), size.height()}, *this)) {}
 
@@ -19,7 +16,7 @@ void CFrame::setBackground(CBitmap* bitmap) {
 }
 
 void CFrame::addView(std::unique_ptr<CControl> view) {
-    view->setFrame(this);
+    view->attach(frameOwner, &context);
     views.push_back(std::move(view));
     composed = false;
 }

@@ -14,12 +14,12 @@
 #include <memory>
 #include <vector>
 
-class AEffGUIEditor;
+class CFrameOwner;
 
 class CFrame final : public CReferenceCounter, private PlatformWindowListener {
 public:
     /// `parent` is the host's window.
-    CFrame(const CRect& size, void* parent, AEffGUIEditor* owner);
+    CFrame(const CRect& size, void* parent, CFrameOwner* owner);
 
     [[nodiscard]] bool isOpen() const { return window != nullptr; } ///< false: it cannot be shown
 
@@ -40,10 +40,6 @@ public:
     /// Ends what the user is doing. The frame does nothing any more.
     void detach();
 
-    /// Null once it has gone, and with it the listener of the views.
-    [[nodiscard]] AEffGUIEditor* getEditor() const { return life.expired() ? nullptr : editor; }
-    [[nodiscard]] CDrawContext& getContext() { return context; }
-
 private:
     ~CFrame() override;
 
@@ -60,8 +56,7 @@ private:
     void show(const CRect& area);
     void releaseMouse();
 
-    AEffGUIEditor* editor;
-    std::weak_ptr<void> life; ///< the editor's
+    CFrameOwner* frameOwner;
     CDrawContext context;
     CReference<CBitmap> background{};
     std::vector<std::unique_ptr<CControl>> views{};

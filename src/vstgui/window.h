@@ -2,21 +2,11 @@
 /// A window inside the host's, pictures on it and the mouse. Each system's source stands beside
 /// this page, by its name: xcb, win32, and headless, which tests put in their place. All is [ui].
 
+#include "vstgui/cbutton.h"
 #include "vstgui/cdrawcontext.h"
 #include "vstgui/geometry.h"
 
 #include <memory>
-
-/// The button that an event is about and the keys held with it, as bits.
-enum CButton : int {
-    kLButton = 1 << 0,
-    kMButton = 1 << 1,
-    kRButton = 1 << 2,
-    kShift = 1 << 3,
-    kControl = 1 << 4,
-    kAlt = 1 << 5,
-    kDoubleClick = 1 << 6, ///< a press soon after another at the same place
-};
 
 /// Whom a window tells what happens on it. Any of these calls may end the window.
 class PlatformWindowListener {

@@ -32,7 +32,7 @@ void AEffGUIEditor::idle() {
 bool AEffGUIEditor::onWheel(float distance) { return frame && frame->onWheel(distance); }
 
 bool AEffGUIEditor::setKnobMode(VstInt32 mode) {
-    knobMode = mode;
+    knobMode = static_cast<CKnobMode>(mode);
     return true;
 }
 

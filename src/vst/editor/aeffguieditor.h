@@ -4,17 +4,9 @@
 #include "vst/aeffeditor.h"
 #include "vst/audioeffectx.h"
 #include "vstgui/cframe.h"
+#include "vstgui/cframeowner.h"
 
-#include <memory>
-
-/// How a drag turns a knob.
-enum CKnobMode : VstInt32 {
-    kCircularMode = 0,         ///< it points to the mouse
-    kRelativeCircularMode = 1, ///< it turns with the mouse about it
-    kLinearMode = 2,           ///< it follows the mouse up and down
-};
-
-class AEffGUIEditor : public AEffEditor {
+class AEffGUIEditor : public AEffEditor, public CFrameOwner {
 public:
     /// Becomes the effect's editor, and its property. What derives from this closes its panel in
     /// its own destructor, while it can still hear of a gesture's end.
@@ -30,17 +22,10 @@ public:
     /// The effect says that a parameter was set.
     virtual void setParameter(VstInt32 /*index*/, float /*value*/) {}
 
-    virtual void beginEdit(VstInt32 index); ///< tells the host that the user took a control
-    virtual void endEdit(VstInt32 index);   ///< and let it go
+    void beginEdit(VstInt32 index) override; ///< tells the host that the user took a control
+    void endEdit(VstInt32 index) override;   ///< and let it go
+    void doIdleStuff() override;
 
-    /// Redraws and gives the host a turn, in the middle of a gesture.
-    virtual void doIdleStuff();
-
-    /// Expires with the editor. A host that gets a turn may close the effect: whoever gave it looks
-    /// here afterwards.
-    [[nodiscard]] std::weak_ptr<void> getLife() const { return ownLife; }
-
-    [[nodiscard]] VstInt32 getKnobMode() const { return knobMode; } ///< CKnobMode
     [[nodiscard]] void* getSystemWindow() const { return systemWindow; }
 
 protected:
@@ -54,7 +39,5 @@ private:
     template <typename Turn>
     void takeIdleTurn(Turn turn);
 
-    VstInt32 knobMode = kRelativeCircularMode;
     bool inIdle = false;
-    std::shared_ptr<void> ownLife = std::make_shared<char>();
 };
