@@ -1,16 +1,25 @@
 #include "vst/audioeffectx.h"
 
+#include "tests/vst/recording.h"
 #include "vst/aeffeditor.h"
 
-#include "tests/vst/recording.h"
-
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
-#include <string>
 
 namespace {
 
+/// Notes the operations whose arguments an opcode brings in another form.
 struct recording_effect final : default_effect, call_log {
+    void suspend() override { note("suspend"); }
+    void resume() override { note("resume"); }
+    void setSampleRate(float rate) override { note("setSampleRate", rate); }
+    void setBlockSize(VstInt32 size) override { note("setBlockSize", size); }
+    void setProgram(VstInt32 program) override { note("setProgram", program); }
+    VstInt32 getChunk(void** data, bool preset) override { return note("getChunk", data, preset); }
+    VstInt32 setChunk(void* data, VstInt32 size, bool preset) override {
+        return note("setChunk", data, size, preset);
+    }
     bool getProgramNameIndexed(VstInt32 c, VstInt32 i, char* t) override {
         return note("getProgramNameIndexed", c, i, t);
     }
@@ -25,42 +34,46 @@ struct recording_effect final : default_effect, call_log {
         return note("vendorSpecific", i, v, p, f);
     }
     bool setPanLaw(VstInt32 type, float law) override { return note("setPanLaw", type, law); }
-    void setBlockSize(VstInt32 n) override { note("setBlockSize", n); }
 };
 
 TEST(AudioEffectX, OpcodesHandOnWhatTheyMean) {
     const VstIntPtr other = address_of(other_data);
+    constexpr auto beyond =
+        static_cast<VstIntPtr>(sizeof(VstIntPtr) == 4 ? INT32_MAX : std::int64_t{1} << 40);
     const struct {
         VstInt32 opcode, index;
         VstIntPtr value;
         const char* call;
-        VstIntPtr result = 1;
-    } rows[] = {{effSetBlockSize, 3, 5, "setBlockSize(5)", 0}, // of the base
-                {effGetProgramNameIndexed, 3, 5, "getProgramNameIndexed(5, 3, ptr)"},
-                {effOfflineNotify, 3, 5, "offlineNotify(ptr, 5, true)"},
-                {effOfflineNotify, 0, 5, "offlineNotify(ptr, 5, false)"},
-                {effSetSpeakerArrangement, 3, other, "setSpeakerArrangement(value, ptr)"},
-                {effSetSpeakerArrangement, 3, 0, "setSpeakerArrangement(null, ptr)"},
-                {effSetBypass, 0, 5, "setBypass(true)"},
-                {effSetBypass, 3, 0, "setBypass(false)"},
+        VstIntPtr result = 0;
+    } rows[] = {{effSetProgram, 0, 3, "setProgram(3)"},
+                {effSetProgram, 0, 4, ""}, // of four programs
+                {effSetProgram, 0, -1, "setProgram(-1)"},
+                {effSetProgram, 0, beyond, ""},
+                {effSetSampleRate, 3, 2, "setSampleRate(0.5)"},
+                {effSetBlockSize, 3, 2, "setBlockSize(2)"},
+                {effSetBlockSize, 0, beyond, "setBlockSize(2147483647)"},
+                {effSetBlockSize, 0, -beyond - 1, "setBlockSize(-2147483648)"},
+                {effMainsChanged, 0, 1, "resume()"},
+                {effMainsChanged, 1, 0, "suspend()"},
+                {effGetChunk, 3, 0, "getChunk(ptr, true)", 7},
+                {effGetChunk, 0, 2, "getChunk(ptr, false)", 7},
+                {effSetChunk, 3, 2, "setChunk(ptr, 2, true)", 7},
+                {effSetChunk, 0, 2, "setChunk(ptr, 2, false)", 7},
+                {effGetProgramNameIndexed, 3, 5, "getProgramNameIndexed(5, 3, ptr)", 1},
+                {effOfflineNotify, 3, 5, "offlineNotify(ptr, 5, true)", 1},
+                {effOfflineNotify, 0, 5, "offlineNotify(ptr, 5, false)", 1},
+                {effSetSpeakerArrangement, 3, other, "setSpeakerArrangement(value, ptr)", 1},
+                {effSetSpeakerArrangement, 3, 0, "setSpeakerArrangement(null, ptr)", 1},
+                {effSetBypass, 0, 5, "setBypass(true)", 1},
+                {effSetBypass, 3, 0, "setBypass(false)", 1},
                 {effVendorSpecific, 3, 5, "vendorSpecific(3, 5, ptr, 0.5)", 7},
-                {effSetPanLaw, 3, 5, "setPanLaw(5, 0.5)"}};
+                {effSetPanLaw, 3, 5, "setPanLaw(5, 0.5)", 1}};
     for (const auto& row : rows) {
         recording_effect effect;
         EXPECT_EQ(effect.ask(row.opcode, row.index, row.value, host_data, 0.5f), row.result)
-            << row.call;
-        EXPECT_EQ(effect.calls, row.call);
+            << "opcode " << row.opcode << ", value " << row.value;
+        EXPECT_EQ(effect.calls, row.call) << "opcode " << row.opcode << ", value " << row.value;
     }
-}
-
-TEST(AudioEffectX, DefaultSpeakerArrangementIsNone) {
-    default_effect effect;
-    VstSpeakerArrangement arrangement{};
-    VstSpeakerArrangement* in = &arrangement;
-    VstSpeakerArrangement* out = &arrangement;
-    EXPECT_EQ(effect.ask(effGetSpeakerArrangement, 0, address_of(&in), &out), 0);
-    EXPECT_EQ(in, nullptr);
-    EXPECT_EQ(out, nullptr);
 }
 
 struct key_editor final : AEffEditor, call_log {
@@ -72,51 +85,31 @@ struct key_editor final : AEffEditor, call_log {
 };
 
 TEST(AudioEffectX, KeysAreUnpackedForTheEditor) {
-    const struct {
-        VstInt32 opcode;
-        VstIntPtr value;
-        float opt;
-        const char* call;
-    } rows[] = {
-        {effEditKeyDown, 0, 2.7f, "down(65, 0, 2)"},
-        {effEditKeyUp, 0x105, 2.7f, "up(65, 5, 2)"},
-        {effEditKeyDown, -1, 257.9f, "down(65, 255, 1)"},
-        {effEditKeyDown, 0, -1.5f, "down(65, 0, 255)"},
-        {effEditKeyDown, 0, -0.9f, "down(65, 0, 0)"},
-        {effEditKeyDown, 0, 32769.0f, "down(65, 0, 0)"},
-        {effEditKeyDown, 0, std::numeric_limits<float>::quiet_NaN(), "down(65, 0, 0)"},
-    };
-    for (const auto& row : rows) {
-        default_effect effect;
-        auto* editor = new key_editor;
-        effect.setEditor(editor);
-        EXPECT_EQ(effect.ask(row.opcode, 65, row.value, nullptr, row.opt), 1) << row.call;
-        EXPECT_EQ(editor->calls, row.call);
-    }
+    default_effect effect;
+    auto* editor = new key_editor;
+    effect.setEditor(editor);
+    for (const VstInt32 opcode : {effEditKeyDown, effEditKeyUp})
+        for (const float opt :
+             {2.7f, -0.9f, -1.5f, 32769.0f, std::numeric_limits<float>::infinity()})
+            EXPECT_EQ(effect.ask(opcode, 65, 0x105, nullptr, opt), 1);
+    EXPECT_EQ(editor->calls, "down(65, 5, 2) down(65, 5, 0) down(65, 5, 255) down(65, 5, 0) "
+                             "down(65, 5, 0) up(65, 5, 2) up(65, 5, 0) up(65, 5, 255) "
+                             "up(65, 5, 0) up(65, 5, 0)");
 }
 
-struct midi_effect final : default_effect {
+/// An automated parameter is set before the host hears of it.
+struct automated_effect final : default_effect {
     using default_effect::default_effect;
-    VstInt32 canDo(char* text) override {
-        return std::string(text) == "receiveVstMidiEvent" ? answer : 0;
+    void setParameter(VstInt32 index, float value) override {
+        fake_host::log.note("setParameter", index, value);
     }
-    VstInt32 answer = 0;
 };
 
-TEST(AudioEffectX, ResumeAsksForMidiWhenItIsWanted) {
-    const struct {
-        bool is_synth;
-        VstInt32 can_do;
-        const char* requests;
-    } rows[] = {{false, -1, ""}, {false, 1, "6(0, 1, null, 0)"}, {true, 0, "6(0, 1, null, 0)"}};
-    for (const auto& row : rows) {
-        fake_host host;
-        midi_effect effect{fake_host::callback};
-        effect.isSynth(row.is_synth);
-        effect.answer = row.can_do;
-        effect.ask(effMainsChanged, 0, 1);
-        EXPECT_EQ(host.log.calls, row.requests) << row.is_synth << " " << row.can_do;
-    }
+TEST(AudioEffectX, AutomatedParametersAreSetBeforeTheHostHears) {
+    fake_host host;
+    automated_effect effect{fake_host::callback};
+    effect.setParameterAutomated(3, 0.5f);
+    EXPECT_EQ(host.log.calls, "setParameter(3, 0.5) 0(3, 0, null, 0.5)");
 }
 
 } // namespace
