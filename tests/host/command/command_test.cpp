@@ -155,7 +155,7 @@ TEST_F(Command, OnlyForOurInstrumentTheKeyboardIsKnown) {
 TEST_F(Command, InfoTellsWhatThePluginSaysOfItself) {
     const process_result result = run({"info"});
     EXPECT_EQ(result.status, 0) << result.err;
-    for (const char* part : {"Sine\n", "longer than any host of the old days expects, alas\n",
+    for (const char* part : {"Sine\n", "longer than any host of its interface expects, alas\n",
                              "'Tind' (0x54696E64)", "synthesizer", "0 in, 2 out", "instrument",
                              "Volume     1.0000  ON\n", "MIX        0.7500  ON\n"})
         EXPECT_TRUE(contains(result.out, part)) << part << "\n" << result.out;

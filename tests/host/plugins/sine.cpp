@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::array parameter_names{"Volume", "Vibrato", "Mix", "MIX"};
 constexpr const char* long_vendor_name =
-    "a vendor whose name is longer than any host of the old days expects, alas";
+    "a vendor whose name is longer than any host of its interface expects, alas";
 constexpr float release_per_100_ms = 1e-4f; // the gain left after so long
 constexpr float inaudible = 1e-6f;
 
