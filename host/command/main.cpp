@@ -2,6 +2,7 @@
 #include "command/info_command.h"
 #include "command/panel_command.h"
 #include "command/render_command.h"
+#include "platform/interrupt.h"
 #include "platform/streams.h"
 
 #include <CLI/CLI.hpp>
@@ -192,6 +193,7 @@ void run(std::vector<std::string> arguments, std::FILE* p_output) {
 int main(int argc, char** argv) {
     std::FILE* p_output = claim_standard_output();
     ignore_closed_pipes();
+    interrupt_catch();
     try {
         run({argv + 1, argv + argc}, p_output);
         return exit_success;

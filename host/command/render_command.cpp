@@ -6,7 +6,6 @@
 #include "command/progress_bar.h"
 #include "command/song_input.h"
 #include "command/sound_writer.h"
-#include "platform/interrupt.h"
 #include "render/render.h"
 #include "report/keyboard.h"
 #include "report/report.h"
@@ -55,7 +54,7 @@ void rehearse(plugin& instrument, const score& music, const midi_song& song,
         seconds += static_cast<double>(request.block_frames) / request.rate_hz;
         return before < rehearsed_seconds;
     };
-    (void)render_score(instrument, music, song.tempi, options_of(request),
+    render_score(instrument, music, song.tempi, options_of(request),
                        {.hear = [](std::span<const float>) {}, .goes_on = goes_on});
 }
 
@@ -72,10 +71,9 @@ timing render_sound(plugin& instrument, const score& music, const midi_song& son
                                    .goes_on =
                                        [&bar](double done) {
                                            bar.show(done);
-                                           return !interrupt_requested();
+                                           return true;
                                        }};
-    if (!render_score(instrument, music, song.tempi, options_of(request), listener))
-        throw failure{exit_failed, "interrupted; nothing was written"};
+    render_score(instrument, music, song.tempi, options_of(request), listener);
     writer.finish();
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     return {static_cast<double>(nb_samples) / instrument.nb_channels() / request.rate_hz,
@@ -114,7 +112,6 @@ void render_run(const render_request& request, std::FILE* p_output) {
     instrument_set_up(instrument, request);
     format.nb_channels = std::max(1, instrument.nb_channels());
 
-    interrupt_catch();
     const bool goes_out = output_name == "-";
     auto output =
         goes_out ? output_file{p_output} : output_file{std::filesystem::path{output_name}};

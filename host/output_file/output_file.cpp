@@ -1,6 +1,7 @@
 #include "output_file/output_file.h"
 
 #include "failure/failure.h"
+#include "platform/interrupt.h"
 #include "platform/streams.h"
 
 #include <array>
@@ -37,17 +38,20 @@ output_file::~output_file() {
     if (p_stream_)
         std::fclose(p_stream_);
     std::error_code error;
-    if (!temporary_.empty())
-        fs::remove(temporary_, error);
+    if (temporary_.empty())
+        return;
+    fs::remove(temporary_, error);
+    interrupt_removes(nullptr);
 }
 
 template <typename Claim>
 void output_file::claim_temporary(Claim claim) {
+    const interrupt_pause pause; // as the file comes, the notice of it does
     const std::string prefix = ".tindelwax-" + std::to_string(process_id()) + "-";
     for (int i = 0; temporary_.empty(); ++i) {
         const fs::path candidate = file_.parent_path() / (prefix + std::to_string(i) + ".part");
         if (claim(candidate))
-            temporary_ = candidate;
+            interrupt_removes((temporary_ = candidate).c_str());
         else if (errno != EEXIST)
             fail(errno);
     }
@@ -81,6 +85,7 @@ void output_file::finish() {
     fs::rename(temporary_, file_, error);
     if (error)
         fail(error.value());
+    interrupt_removes(nullptr);
     temporary_.clear();
 }
 

@@ -1,8 +1,21 @@
 #pragma once
-/// Lets the user stop the command in an orderly way.
+/// Lets the user stop the command at any moment, whatever it waits for: a plug-in that hangs, a
+/// song that does not come, a reader of its output.
 
-/// From now on the first request to end sets a mark instead of ending the process. The second ends
-/// it: an instrument that hangs never lets anybody read the mark.
+/// From now on the first request to end (SIGINT or SIGTERM) removes the file that was left to it
+/// and ends the process by that signal, for a shell to see. It needs nothing of the rest of the
+/// process.
 void interrupt_catch();
 
-[[nodiscard]] bool interrupt_requested();
+/// The file that a request to end removes, instead of an earlier one; null for none. The name must
+/// live until the next call.
+void interrupt_removes(const char* p_file);
+
+/// While one lives, requests wait.
+class interrupt_pause {
+public:
+    interrupt_pause();
+    ~interrupt_pause();
+    interrupt_pause(const interrupt_pause&) = delete;
+    interrupt_pause& operator=(const interrupt_pause&) = delete;
+};

@@ -6,7 +6,8 @@
 
 /// From now on what any code prints on standard output is dropped: plug-ins chat there, and it
 /// would end up in the audio or among our own lines. Returns a stream that still leads to the real
-/// one, or null if that is closed. Call once, first of all.
+/// one, or null if that is closed. Whatever standard stream came closed is closed to reading, and
+/// drops what is written, so that no file opened later takes its place. Call once, first of all.
 [[nodiscard]] std::FILE* claim_standard_output();
 
 [[nodiscard]] bool is_terminal(std::FILE* stream);

@@ -15,11 +15,12 @@ constexpr const char* descriptor_folder = "/proc/self/fd";
 
 std::FILE* claim_standard_output() {
     const int real_output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    if (nowhere != STDOUT_FILENO) { // as it is where standard output came closed
-        dup2(nowhere, STDOUT_FILENO);
-        close(nowhere);
-    }
+    int nowhere = 0;
+    do
+        nowhere = open("/dev/null", O_WRONLY);
+    while (nowhere >= 0 && nowhere <= STDERR_FILENO);
+    dup2(nowhere, STDOUT_FILENO);
+    close(nowhere);
     return real_output < 0 ? nullptr : fdopen(real_output, "wb");
 }
 

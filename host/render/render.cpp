@@ -44,21 +44,20 @@ public:
           options_{options},
           tail_{music.nb_frames, options} {}
 
-    bool play(const render_listener& listener) {
+    void play(const render_listener& listener) {
         const auto block_frames = static_cast<std::uint64_t>(options_.block_frames);
         bool goes_on = tail_.end_frame() > 0;
         for (std::uint64_t frame = 0; goes_on; frame += block_frames) {
             const double done = static_cast<double>(frame)
                                 / static_cast<double>(std::max<std::uint64_t>(1, music_.nb_frames));
             if (!listener.goes_on(std::min(done, 1.0)))
-                return false;
+                return;
             tell_time(frame);
             send_events(frame, frame + block_frames);
             instrument_.process();
             goes_on = interleave();
             listener.hear(samples_);
         }
-        return true;
     }
 
 private:
@@ -120,10 +119,9 @@ private:
 
 } // namespace
 
-bool render_score(plugin& instrument, const score& music, std::span<const midi_tempo> tempi,
+void render_score(plugin& instrument, const score& music, std::span<const midi_tempo> tempi,
                   const render_options& options, const render_listener& listener) {
     instrument.start();
-    const bool is_complete = performance{instrument, music, tempi, options}.play(listener);
+    performance{instrument, music, tempi, options}.play(listener);
     instrument.stop();
-    return is_complete;
 }

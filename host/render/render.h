@@ -18,11 +18,10 @@ struct render_options {
 struct render_listener {
     /// Receives interleaved samples, piece after piece.
     std::function<void(std::span<const float> samples)> hear;
-    /// Is told before each block how far the song is, from 0 to 1; false stops everything.
+    /// Is told before each block how far the song is, from 0 to 1; false ends it there.
     std::function<bool(double done)> goes_on;
 };
 
-/// Starts and stops the plug-in, which must not run. `tempi` are those of the score's song. Returns
-/// whether it came to the end.
-bool render_score(plugin& instrument, const score& music, std::span<const midi_tempo> tempi,
+/// Starts and stops the plug-in, which must not run. `tempi` are those of the score's song.
+void render_score(plugin& instrument, const score& music, std::span<const midi_tempo> tempi,
                   const render_options& options, const render_listener& listener);

@@ -19,6 +19,7 @@ struct process_result {
 struct process_surroundings {
     std::string input_file = "/dev/null";
     std::string output_file{}; ///< receives standard output; empty: a pipe, captured in `out`
+    std::string closed{};      ///< standard streams, such as " <&- >&-"
     std::string folder = ".";  ///< to run in
     std::map<std::string, std::string> environment{};
 };
@@ -37,6 +38,7 @@ inline std::string shell_word(const std::string& text) { return " '" + text + "'
     line += " <" + shell_word(surroundings.input_file) + " 2>" + shell_word(own / "err");
     if (!surroundings.output_file.empty())
         line += " >" + shell_word(surroundings.output_file);
+    line += surroundings.closed;
 
     process_result result;
     std::FILE* p_out = popen(line.c_str(), "r");

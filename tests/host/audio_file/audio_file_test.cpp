@@ -1,6 +1,7 @@
 #include "audio_file/audio_file.h"
 
 #include "failure/failure.h"
+#include "platform/interrupt.h"
 #include "tests/temporary_folder.h"
 
 #include <array>
@@ -102,6 +103,12 @@ TEST_F(AudioFile, ThePreviousFileStaysUntilTheNewOneIsWhole) {
             EXPECT_EQ(file_content(folder / "a.wav"), "before");
             EXPECT_EQ(folder.nb_files() == 2, denied || !knows_nameless_files);
         }
+        const auto end_early = [this] {
+            interrupt_catch();
+            const output_file output{std::filesystem::path{folder / "a.wav"}};
+            std::raise(SIGTERM);
+        };
+        EXPECT_EXIT(end_early(), testing::KilledBySignal(SIGTERM), "^tindelwax: interrupted");
         EXPECT_EQ(file_content(folder / "a.wav"), "before");
         EXPECT_EQ(folder.nb_files(), 1u) << "the unfinished file stayed";
         write_samples(folder / "a.wav", {});

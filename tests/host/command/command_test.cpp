@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sstream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -240,9 +241,8 @@ TEST_F(Command, WhateverStopsARenderLeavesNoFile) {
     for (const stop& row : {stop{"0 6", "64", 1, "crashes in a trial run (Aborted)"},
                             {"0 6", "65536", 1, "crashes in a trial run (Aborted)"},
                             {"20000 6", "64", 128 + SIGABRT, ""},
-                            {"20000 15", "64", 1, "interrupted; nothing was written"},
-                            {"20000 2 2", "64", 128 + SIGINT, ""},
-                            {"20000 15 2", "64", 128 + SIGINT, ""}}) {
+                            {"20000 15", "64", 128 + SIGTERM, "interrupted\n"},
+                            {"20000 2", "64", 128 + SIGINT, "interrupted\n"}}) {
         surroundings.environment["TINDELWAX_TEST_SIGNALS"] = row.signals;
         const process_result result = run({"render", "song.mid", "--block", row.block});
         EXPECT_EQ(result.status, row.status) << row.signals << result.err;
@@ -251,6 +251,29 @@ TEST_F(Command, WhateverStopsARenderLeavesNoFile) {
             EXPECT_EQ(folder.nb_files(), 1u) << row.signals;
         }
     }
+}
+
+TEST_F(Command, OneRequestEndsItWhateverItWaitsFor) {
+    ASSERT_EQ(mkfifo((folder / "pipe.wav").c_str(), 0600), 0);
+    surroundings.environment["TINDELWAX_TEST_SIGNALS"] = "20000 -1"; // hangs from there on
+    for (const char* arguments : {"pipe.wav", "song.mid -o pipe.wav --length 0.1", "song.mid"}) {
+        const process_result result = process_run(
+            {"sh", "-c",
+             "exec timeout --preserve-status -k 5 -s INT 0.3 " TEST_COMMAND " render --plugin "
+                 + test_plugin("sine_main") + " " + arguments},
+            surroundings);
+        EXPECT_EQ(result.status, 128 + SIGINT) << arguments << result.err;
+        EXPECT_EQ(folder.nb_files(), 2u) << arguments;
+    }
+}
+
+TEST_F(Command, ClosedStreamsAreNotTakenByFiles) {
+    (void)run({"render", "song.mid", "-o", "a.wav"});
+    surroundings.closed = " <&- >&- 2>&-";
+    EXPECT_EQ(run({"render", "song.mid", "-o", "b.wav"}).status, 0);
+    EXPECT_EQ(file_content(folder / "a.wav"), file_content(folder / "b.wav"));
+    EXPECT_EQ(run({"render", "-", "-o", "c.wav"}).status, 2);
+    EXPECT_EQ(run({"render", "song.mid", "-o", "-"}).status, 1);
 }
 
 TEST_F(Command, AFullDeviceAndADamagedSongAreTold) {

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <sstream>
+#include <unistd.h>
 
 namespace {
 
@@ -98,7 +99,7 @@ VstIntPtr VSTCALLBACK dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index,
     case effSetSampleRate: return log(s, "rate %.0f\n", s.rate = static_cast<double>(opt));
     case effSetBlockSize: return log(s, "block %ld\n", s.block_frames = value);
     case effMainsChanged: return log(s, "mains %d\n", static_cast<int>(value));
-    case effStartProcess: return log(s, "start\n");
+    case effStartProcess: std::fputs("words", stderr); return log(s, "start\n");
     case effStopProcess: return log(s, "stop\n");
     case effProcessEvents: receive(s, *static_cast<const VstEvents*>(ptr)); return 1;
     case effGetParamName: return write(ptr, parameter_names[position]);
@@ -133,7 +134,7 @@ void raise_signals(sine& s) {
     if (s.signals_frame < 0 || s.frame < s.signals_frame)
         return;
     for (int number = 0; s.signals >> number;)
-        std::raise(number);
+        number < 0 ? pause() : std::raise(number);
 }
 
 void VSTCALLBACK process(AEffect* effect, float**, float** outputs, VstInt32 nb_frames) {
