@@ -1,37 +1,32 @@
 #include "command/sound_writer.h"
 
-#include <algorithm>
-
 sound_writer::sound_writer(audio_file& file, float gain, std::optional<float> wished_peak)
-    : file_{file}, gain_{gain}, wished_peak_{wished_peak} {}
+    : file_{file}, gain_{gain}, wished_peak_{wished_peak} {
+    if (wished_peak)
+        kept_.emplace();
+}
 
 void sound_writer::take(std::span<const float> samples) {
-    if (wished_peak_)
-        kept_.insert(kept_.end(), samples.begin(), samples.end());
-    else
-        write(samples);
+    if (!kept_)
+        return write(samples);
+    piece_.assign(samples.begin(), samples.end());
+    meter_take(kept_levels_, piece_);
+    kept_->write(std::span<const float>{piece_});
 }
 
 void sound_writer::finish() {
-    if (wished_peak_) {
-        meter before;
-        meter_take(before, kept_);
-        gain_ = before.peak > 0 ? *wished_peak_ / before.peak : 1;
-        constexpr std::size_t piece_length = 1 << 14;
-        for (std::span<const float> rest{kept_}; !rest.empty();) {
-            const auto piece = rest.first(std::min(piece_length, rest.size()));
-            write(piece);
-            rest = rest.subspan(piece.size());
-        }
-        levels_.nb_invalid += before.nb_invalid;
+    if (kept_) {
+        gain_ = kept_levels_.peak > 0 ? *wished_peak_ / kept_levels_.peak : 1;
+        kept_->replay<float>([this](std::span<const float> samples) { write(samples); });
+        levels_.nb_invalid += kept_levels_.nb_invalid;
     }
     file_.finish();
 }
 
 void sound_writer::write(std::span<const float> samples) {
-    amplified_.assign(samples.begin(), samples.end());
-    for (float& sample : amplified_)
+    piece_.assign(samples.begin(), samples.end());
+    for (float& sample : piece_)
         sample *= gain_;
-    meter_take(levels_, amplified_);
-    file_.write(amplified_);
+    meter_take(levels_, piece_);
+    file_.write(piece_);
 }

@@ -9,8 +9,9 @@
 
 class sound_writer {
 public:
-    /// Amplifies by `gain`, or if `wished_peak` is there, so much that this is the peak; then the
-    /// sound is kept in memory until finish.
+    /// Amplifies by `gain`, or if `wished_peak` is there, so much that this is the peak. Then the
+    /// sound waits in a scratch file until finish: to render twice would take less room, but most
+    /// instruments sound another way each time.
     sound_writer(audio_file& file, float gain, std::optional<float> wished_peak);
 
     void take(std::span<const float> samples);
@@ -26,6 +27,7 @@ private:
     float gain_;
     std::optional<float> wished_peak_;
     meter levels_{};
-    std::vector<float> kept_{};
-    std::vector<float> amplified_{};
+    std::optional<scratch_file> kept_{};
+    meter kept_levels_{};
+    std::vector<float> piece_{};
 };

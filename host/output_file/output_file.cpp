@@ -4,7 +4,6 @@
 #include "platform/interrupt.h"
 #include "platform/streams.h"
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -19,19 +18,20 @@ output_file::output_file(const fs::path& file) : name_{file.string()}, file_{fil
         fail(EISDIR);
     if (fs::exists(status) && !may_write(file))
         fail(errno);
-    if (fs::is_regular_file(status))
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        scratch_.emplace();
+        return;
+    }
+    if (fs::exists(status))
         file_ = fs::canonical(file); // the file is replaced, not a link to it
-    if (fs::exists(status) && !fs::is_regular_file(status))
-        open_in_memory();
-    else
-        open_beside();
+    open_beside();
 }
 
 output_file::output_file(std::FILE* p_receiver)
     : name_{"standard output"}, p_receiver_{p_receiver} {
     if (!p_receiver)
         fail(EBADF);
-    open_in_memory();
+    scratch_.emplace();
 }
 
 output_file::~output_file() {
@@ -65,18 +65,11 @@ void output_file::open_beside() {
         });
 }
 
-void output_file::open_in_memory() {
-    is_in_memory_ = true;
-    p_stream_ = open_memory_file();
-    if (!p_stream_)
-        fail(errno);
-}
-
 void output_file::finish() {
+    if (scratch_)
+        return pass_on();
     if (std::fflush(p_stream_) != 0 || std::ferror(p_stream_))
         fail(errno);
-    if (is_in_memory_)
-        return pass_on();
     // A link never replaces a file, so a nameless stream needs a name before the final one too.
     if (temporary_.empty())
         claim_temporary([this](const fs::path& name) { return name_file(p_stream_, name); });
@@ -95,27 +88,32 @@ void output_file::pass_on() {
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> device{std::fopen(file_.c_str(), "wb"),
                                                            std::fclose};
     if (!device)
-        fail(errno);
+        fail_in_place(errno);
     copy_to(device.get());
     close(device.release());
 }
 
 void output_file::copy_to(std::FILE* p_receiver) {
-    std::rewind(p_stream_);
-    std::array<char, 1 << 16> piece;
-    while (const auto nb_bytes = std::fread(piece.data(), 1, piece.size(), p_stream_))
-        if (std::fwrite(piece.data(), 1, nb_bytes, p_receiver) != nb_bytes)
-            fail(errno);
+    scratch_->replay<char>([&](std::span<const char> piece) {
+        if (std::fwrite(piece.data(), 1, piece.size(), p_receiver) != piece.size())
+            fail_in_place(errno);
+    });
     if (std::fflush(p_receiver) != 0)
-        fail(errno);
+        fail_in_place(errno);
 }
 
 void output_file::close(std::FILE* p_stream) {
     if (std::fclose(p_stream) != 0)
-        fail(errno);
+        fail_in_place(errno);
 }
 
 void output_file::fail(int error_number) const {
+    if (scratch_)
+        scratch_->fail(error_number);
+    fail_in_place(error_number);
+}
+
+void output_file::fail_in_place(int error_number) const {
     const char* next_step = error_number == EPIPE ? "its reader ended before it had all; see why"
                                                   : "choose another place with -o";
     throw failure{exit_failed,

@@ -1,10 +1,12 @@
 #pragma once
 /// A file that appears under its name only when it is whole. Until then it grows beside that name,
 /// nameless if the file system allows it, so that nothing stays if an instrument takes the process
-/// down; or in memory where it goes into a pipe, which cannot be rewound to complete a header.
+/// down; or in a scratch file where it goes into a pipe, which cannot be rewound to complete a
+/// header.
 
-#include <cstdio>
-#include <filesystem>
+#include "output_file/scratch_file.h"
+
+#include <optional>
 #include <string>
 
 class output_file {
@@ -22,7 +24,7 @@ public:
     output_file& operator=(const output_file&) = delete;
 
     /// Where to write, seekable; errors may be left to finish.
-    [[nodiscard]] std::FILE* stream() const { return p_stream_; }
+    [[nodiscard]] std::FILE* stream() const { return scratch_ ? scratch_->stream() : p_stream_; }
 
     /// Puts the file in its place. Throws a failure if any byte could not be written.
     void finish();
@@ -32,10 +34,10 @@ public:
 
 private:
     void open_beside();
-    void open_in_memory();
     void pass_on();
     void copy_to(std::FILE* p_receiver);
     void close(std::FILE* p_stream);
+    [[noreturn]] void fail_in_place(int error_number) const;
 
     /// Takes the first free name beside the file with which `claim` succeeds.
     template <typename Claim>
@@ -44,7 +46,7 @@ private:
     std::string name_; // for messages
     std::filesystem::path file_{};
     std::filesystem::path temporary_{}; // empty as long as the stream has no name
-    bool is_in_memory_ = false;
-    std::FILE* p_receiver_ = nullptr; // not owned
-    std::FILE* p_stream_ = nullptr;
+    std::FILE* p_receiver_ = nullptr;   // not owned
+    std::optional<scratch_file> scratch_{};
+    std::FILE* p_stream_ = nullptr; // beside the file; null where there is a scratch file
 };

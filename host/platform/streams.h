@@ -12,8 +12,13 @@
 
 [[nodiscard]] bool is_terminal(std::FILE* stream);
 
-/// A file without a name that lives in memory and is gone when closed; null on failure.
-[[nodiscard]] std::FILE* open_memory_file();
+/// Where there is room for large files for a while: what TMPDIR says, or else a folder that lies on
+/// disk, as /tmp often does not.
+[[nodiscard]] std::filesystem::path scratch_folder();
+
+/// A file in the folder that never has a name and is gone when closed; null on failure, with the
+/// reason in errno.
+[[nodiscard]] std::FILE* open_scratch_file(const std::filesystem::path& folder);
 
 /// A file on the folder's disk that has no name yet and vanishes with the process; null where the
 /// file system knows no such files, or on failure.

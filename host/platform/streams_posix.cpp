@@ -1,9 +1,11 @@
 #include "platform/streams.h"
 
+#include "platform/interrupt.h"
+
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <sys/mman.h>
+#include <string>
 #include <unistd.h>
 
 namespace {
@@ -26,17 +28,29 @@ std::FILE* claim_standard_output() {
 
 bool is_terminal(std::FILE* stream) { return stream && isatty(fileno(stream)); }
 
-std::FILE* open_memory_file() {
-    const int descriptor = memfd_create("tindelwax", MFD_CLOEXEC);
-    return descriptor < 0 ? nullptr : fdopen(descriptor, "w+b");
-}
-
 std::FILE* open_nameless_file(const std::filesystem::path& folder) {
     if (access(descriptor_folder, X_OK) != 0)
         return nullptr;
     const int descriptor =
         open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
     return descriptor < 0 ? nullptr : fdopen(descriptor, "w+b");
+}
+
+std::filesystem::path scratch_folder() {
+    const char* wished = std::getenv("TMPDIR");
+    return wished && *wished ? wished : "/var/tmp";
+}
+
+std::FILE* open_scratch_file(const std::filesystem::path& folder) {
+    if (std::FILE* stream = open_nameless_file(folder))
+        return stream;
+    const interrupt_pause pause; // while it has a name
+    std::string name = folder / "tindelwax-XXXXXX";
+    const int descriptor = mkostemp(name.data(), O_CLOEXEC);
+    if (descriptor < 0)
+        return nullptr;
+    unlink(name.c_str());
+    return fdopen(descriptor, "w+b");
 }
 
 bool name_file(std::FILE* stream, const std::filesystem::path& file) {

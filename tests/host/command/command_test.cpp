@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sstream>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -276,12 +277,30 @@ TEST_F(Command, ClosedStreamsAreNotTakenByFiles) {
     EXPECT_EQ(run({"render", "song.mid", "-o", "-"}).status, 1);
 }
 
+TEST_F(Command, MemoryDoesNotGrowWithTheRender) {
+    const auto peak_after = [this](const char* seconds) {
+        const words arguments{"render", "song.mid", "--length",   seconds,
+                              "--rate", "192000",   "--normalize"};
+        EXPECT_EQ(run(arguments).status, 0);
+        rusage usage{};
+        getrusage(RUSAGE_CHILDREN, &usage);
+        return usage.ru_maxrss;
+    };
+    file_write(folder / "song.mid", song(0, 480, {"81 E1 00 C0 01"})); // 30 s, 46 MB of samples
+    const long peak_of_one_second = peak_after("1");
+    EXPECT_LT(peak_after("30"), peak_of_one_second + 16384);
+}
+
 TEST_F(Command, AFullDeviceAndADamagedSongAreTold) {
     surroundings.output_file = "/dev/full";
     const process_result full = run({"render", "song.mid", "-o", "-"});
     EXPECT_EQ(full.status, 1);
     EXPECT_TRUE(contains(full.err, "cannot write standard output: No space left")) << full.err;
     EXPECT_EQ(run({"info"}).status, 1);
+    surroundings.environment["TMPDIR"] = "no such folder";
+    const process_result no_scratch = run({"render", "song.mid", "-o", "-"});
+    EXPECT_EQ(no_scratch.status, 1);
+    EXPECT_TRUE(contains(no_scratch.err, "set TMPDIR")) << no_scratch.err;
 
     surroundings.output_file.clear();
     file_write(folder / "song.mid", std::vector(half_second.begin(), half_second.end() - 6));
