@@ -2,6 +2,7 @@
 #include "command/info_command.h"
 #include "command/panel_command.h"
 #include "command/render_command.h"
+#include "failure/printable.h"
 #include "platform/interrupt.h"
 #include "platform/streams.h"
 
@@ -42,7 +43,8 @@ void add_file_options(CLI::App& app, render_request& request) {
     app.add_option("-o,--output", request.output,
                    "the audio file, named .wav or .flac; - writes a WAV\n"
                    "file to standard output (the song's name with .wav, in\n"
-                   "the current folder; standard output for song -)")
+                   "the current folder, if that is free; standard output\n"
+                   "for song -)")
         ->option_text("OUT");
     app.add_option("--bits", request.nb_bits,
                    "16 or 24 whole-number bits, or in WAV 32-bit float\n"
@@ -201,7 +203,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "tindelwax: %s\n", end.what());
         return end.status;
     } catch (const std::exception& end) {
-        std::fprintf(stderr, "tindelwax: it failed unexpectedly: %s\n", end.what());
+        std::fprintf(stderr, "tindelwax: it failed unexpectedly: %s\n",
+                     printable(end.what()).c_str());
         return exit_failed;
     }
 }

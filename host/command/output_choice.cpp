@@ -31,16 +31,23 @@ std::string ending_of(const file_kind& kind, const std::string& file) {
 }
 
 std::string output_choose(const render_request& request, std::FILE* p_output) {
-    std::string output = request.output;
-    if (output.empty())
-        output = request.song == "-"
-                     ? "-"
-                     : fs::path{request.song}.filename().replace_extension(".wav").string();
-    if (output == "-" && is_terminal(p_output))
-        misuse("standard output is a terminal; name the audio file with -o FILE");
+    const bool is_named = !request.output.empty();
+    const std::string output =
+        is_named ? request.output
+        : request.song == "-"
+            ? "-"
+            : fs::path{request.song}.filename().replace_extension(".wav").string();
+    if (output == "-") {
+        if (is_terminal(p_output))
+            misuse("standard output is a terminal; name the audio file with -o FILE");
+        return output;
+    }
     std::error_code error;
-    if (output != "-" && fs::equivalent(request.song, output, error))
+    if (fs::equivalent(request.song, output, error))
         misuse("the audio would replace the song " + request.song + "; name its file with -o FILE");
+    if (!is_named && fs::exists(fs::symlink_status(output, error)))
+        misuse(output + " is there already; replace it with -o " + output
+               + ", or name another with -o FILE");
     return output;
 }
 

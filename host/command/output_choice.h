@@ -15,7 +15,7 @@ struct file_kind {
 [[nodiscard]] std::string ending_of(const file_kind& kind, const std::string& file);
 
 /// "-" or a file's name; `p_output` is the real standard output. Throws a failure of misuse if the
-/// audio would end up in a terminal or in the song.
+/// audio would end up in a terminal, in the song, or unasked in a file that is there.
 [[nodiscard]] std::string output_choose(const render_request& request, std::FILE* p_output);
 
 /// The format that the name of the output asks for, with the number of channels left open. Throws

@@ -1,6 +1,7 @@
 #include "command/song_input.h"
 
 #include "failure/failure.h"
+#include "failure/printable.h"
 
 #include <array>
 #include <cerrno>
@@ -50,7 +51,7 @@ midi_song song_read(const std::string& argument) {
     if (!song.error.empty())
         fail(argument, song.error);
     for (const std::string& warning : song.warnings)
-        std::fprintf(stderr, "tindelwax: warning: %s: %s\n", song_name(argument).c_str(),
+        std::fprintf(stderr, "tindelwax: warning: %s: %s\n", printable(song_name(argument)).c_str(),
                      warning.c_str());
     return song;
 }

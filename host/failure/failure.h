@@ -12,8 +12,8 @@ enum exit_status : int {
 };
 
 struct failure : std::runtime_error {
-    failure(exit_status exit, const std::string& sentence)
-        : std::runtime_error{sentence}, status{exit} {}
+    /// Names in the sentence may hold anything; what() has no control characters.
+    failure(exit_status exit, const std::string& sentence);
 
     exit_status status;
 };

@@ -25,6 +25,8 @@ output_file::output_file(const fs::path& file) : name_{file.string()}, file_{fil
     if (fs::exists(status))
         file_ = fs::canonical(file); // the file is replaced, not a link to it
     open_beside();
+    if (fs::exists(status))
+        set_permissions(p_stream_, status.permissions());
 }
 
 output_file::output_file(std::FILE* p_receiver)

@@ -11,7 +11,7 @@
 
 class output_file {
 public:
-    /// Opens a file that replaces `file` when it is finished. If `file` is there and no regular
+    /// Opens a file that replaces `file`, and keeps its mode, when it is finished. If `file` is there and no regular
     /// file (a named pipe, say), it receives the bytes instead. Throws a failure if that cannot
     /// work out.
     explicit output_file(const std::filesystem::path& file);

@@ -31,6 +31,9 @@
 /// Creates a file that must not exist yet; null on failure, with the reason in errno.
 [[nodiscard]] std::FILE* create_new_file(const std::filesystem::path& file);
 
+/// Gives an open file these permissions, where the file system knows any.
+void set_permissions(std::FILE* stream, std::filesystem::perms permissions);
+
 /// Whether the file may be opened for writing; if not, the reason is in errno.
 [[nodiscard]] bool may_write(const std::filesystem::path& file);
 

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -60,6 +61,10 @@ bool name_file(std::FILE* stream, const std::filesystem::path& file) {
 
 std::FILE* create_new_file(const std::filesystem::path& file) {
     return std::fopen(file.c_str(), "w+bx");
+}
+
+void set_permissions(std::FILE* stream, std::filesystem::perms permissions) {
+    (void)fchmod(fileno(stream), static_cast<mode_t>(permissions));
 }
 
 bool may_write(const std::filesystem::path& file) { return access(file.c_str(), W_OK) == 0; }

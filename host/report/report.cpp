@@ -1,5 +1,6 @@
 #include "report/report.h"
 
+#include "failure/printable.h"
 #include "report/keyboard.h"
 
 #include <algorithm>
@@ -49,7 +50,7 @@ std::string level_line(const render_report& report) {
 } // namespace
 
 std::string report_text(const render_report& report) {
-    std::string text = report.output_name + ": " + duration_text(report.seconds) + ", "
+    std::string text = printable(report.output_name) + ": " + duration_text(report.seconds) + ", "
                        + count_text(report.music.nb_notes, "note") + " played\n";
     if (report.has_known_keyboard)
         text += keyboard_line(report);

@@ -19,8 +19,11 @@ const auto half_second = song(0, 480, {"00 90 45 40 83 60 80 45 40"});
 struct Command : command_fixture {
     Command() { file_write(folder / "song.mid", half_second); }
 
-    process_result run(const words& arguments, const std::string& plugin = "sine_main") {
-        return command_fixture::run(arguments, plugin);
+    process_result run(words arguments, const std::string& plugin = "sine_main") {
+        const auto has = [&](const char* word) { return std::ranges::count(arguments, word) > 0; };
+        if (has("song.mid") && !has("-o"))
+            arguments.insert(arguments.end(), {"-o", "song.wav"});
+        return command_fixture::run(std::move(arguments), plugin);
     }
 
     /// What the instrument noted about its host during a render.
@@ -50,8 +53,8 @@ struct Command : command_fixture {
     }
 };
 
-TEST_F(Command, RendersBesideTheUserUnderTheSongsName) {
-    const process_result result = run({"render", "song.mid"});
+TEST_F(Command, RendersBesideTheUserUnderTheSongsNameIfThatIsFree) {
+    const process_result result = command_fixture::run({"render", "song.mid"}, "sine_main");
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_TRUE(contains(result.out, "song.wav: 0:00.") && contains(result.out, "1 note played"))
         << result.out;
@@ -59,6 +62,26 @@ TEST_F(Command, RendersBesideTheUserUnderTheSongsName) {
         << result.out;
     EXPECT_NEAR(peak(file_content(folder / "song.wav")), 0.25f, 0.001f);
     EXPECT_EQ(folder.nb_files(), 2u) << "something else was left";
+
+    file_write(folder / "song.wav", std::string{"before"});
+    std::filesystem::permissions(folder / "song.wav", std::filesystem::perms{0640});
+    expect_one_sentence_and_no_file(
+        {{"render", "song.mid"}, "sine_main", 2, "replace it with -o song.wav"});
+    EXPECT_EQ(file_content(folder / "song.wav"), "before");
+    EXPECT_EQ(run({"render", "song.mid"}).status, 0);
+    EXPECT_NE(file_content(folder / "song.wav"), "before");
+    EXPECT_EQ(std::filesystem::status(folder / "song.wav").permissions(),
+              std::filesystem::perms{0640});
+}
+
+TEST_F(Command, NamesDoNotSteerTheTerminal) {
+    const std::string name = "a\x1B[2J\n\xC2\x9B\xC3\xA4";
+    const std::string shown = "a\\x1B[2J\\x0A\xC2\\x9B\xC3\xA4";
+    expect_one_sentence_and_no_file({{"render", name}, "", 2, shown + " cannot be read"});
+    file_write(folder / name, std::vector(half_second.begin(), half_second.end() - 6));
+    const process_result result = command_fixture::run({"render", name}, "sine_main");
+    EXPECT_TRUE(contains(result.out, shown + ".wav: ")) << result.out;
+    EXPECT_TRUE(contains(result.err, "warning: " + shown + ": ")) << result.err;
 }
 
 TEST_F(Command, DrivesThePluginInOrderAndAtTheFrame) {
@@ -133,8 +156,9 @@ TEST_F(Command, LevelsAreBroughtWhereTheUserWantsThem) {
                                                     {{"--normalize"}, 0.8913f},
                                                     {{"--set", "Volume=0", "--normalize"}, 0.0f}};
     for (const auto& [options, wished] : rows) {
-        words arguments{"render", "song.mid"};
-        arguments.insert(arguments.end(), options.begin(), options.end());
+        words arguments = options;
+        arguments.insert(arguments.begin(), "render");
+        arguments.emplace_back("song.mid");
         const process_result result = run(arguments);
         EXPECT_EQ(result.status, 0) << result.err;
         EXPECT_FALSE(contains(result.out, "no numbers")) << result.out;
@@ -245,7 +269,7 @@ TEST_F(Command, WhateverStopsARenderLeavesNoFile) {
                             {"20000 15", "64", 128 + SIGTERM, "interrupted\n"},
                             {"20000 2", "64", 128 + SIGINT, "interrupted\n"}}) {
         surroundings.environment["TINDELWAX_TEST_SIGNALS"] = row.signals;
-        const process_result result = run({"render", "song.mid", "--block", row.block});
+        const process_result result = run({"render", "--block", row.block, "song.mid"});
         EXPECT_EQ(result.status, row.status) << row.signals << result.err;
         EXPECT_TRUE(contains(result.err, row.part)) << row.signals << result.err;
         if (nameless >= 0) { // else a process that dies leaves its temporary
@@ -257,7 +281,8 @@ TEST_F(Command, WhateverStopsARenderLeavesNoFile) {
 TEST_F(Command, OneRequestEndsItWhateverItWaitsFor) {
     ASSERT_EQ(mkfifo((folder / "pipe.wav").c_str(), 0600), 0);
     surroundings.environment["TINDELWAX_TEST_SIGNALS"] = "20000 -1"; // hangs from there on
-    for (const char* arguments : {"pipe.wav", "song.mid -o pipe.wav --length 0.1", "song.mid"}) {
+    for (const char* arguments :
+         {"pipe.wav -o a.wav", "song.mid -o pipe.wav --length 0.1", "song.mid"}) {
         const process_result result = process_run(
             {"sh", "-c",
              "exec timeout --preserve-status -k 5 -s INT 0.3 " TEST_COMMAND " render --plugin "
