@@ -11,7 +11,7 @@ namespace {
 void add_voices(korvel* p_korvel, playing_key* p_key, unsigned len) {
     if (p_key->index < 12 && p_korvel->bass_chords_on < 0.5f)
         return;
-    tonegenerator* p_tg = p_korvel->p_organ->p_tonegenerators[0];
+    tonegenerator* p_tg = p_korvel->p_organ->p_tonegenerators[0].get();
     const contact& voices =
         p_korvel->p_organ->p_harpmatrixes[0]->p_keys[p_key->index].p_contacts[0];
     const bool whole = len == static_cast<unsigned>(p_key->p_keybed->block_size);
@@ -34,7 +34,7 @@ void add_voices(korvel* p_korvel, playing_key* p_key, unsigned len) {
 
 void process(korvel* p_korvel, std::span<float> out_r, std::span<float> out_l) {
     organ* p_organ = p_korvel->p_organ;
-    tonegenerator* p_tg = p_organ->p_tonegenerators[0];
+    tonegenerator* p_tg = p_organ->p_tonegenerators[0].get();
     const auto manual = p_korvel->p_tonegenerator_buffer_organ;
     const auto bass = p_korvel->p_tonegenerator_buffer_bass;
     plain_tone_generator_next(p_tg, manual, 12, 60);
@@ -46,14 +46,14 @@ void process(korvel* p_korvel, std::span<float> out_r, std::span<float> out_l) {
     std::ranges::fill(p_korvel->p_filter, 0.0f);
     for (std::size_t i = 0; i < korvel_nb_stops; ++i)
         if (p_korvel->stops[i] >= 0.5f)
-            iir_filter_process(p_organ->p_filters[i], source, p_korvel->p_filter, 1);
+            iir_filter_process(p_organ->p_filters[i].get(), source, p_korvel->p_filter, 1);
 
-    filter* p_contour = p_organ->p_filters[filter_out];
+    filter* p_contour = p_organ->p_filters[filter_out].get();
     const contour_coeffs c = p_korvel->contour[p_korvel->selected_rate];
     p_contour->b_coeffs[0] = p_contour->b_coeffs[1] = c.b0;
     p_contour->a_coeffs[1] = c.a1;
     iir_filter_process(p_contour, p_korvel->p_filter, p_korvel->p_filter_organ, 0);
-    iir_filter_process(p_organ->p_filters[filter_out_bass], bass, p_korvel->p_filter_bass, 0);
+    iir_filter_process(p_organ->p_filters[filter_out_bass].get(), bass, p_korvel->p_filter_bass, 0);
 
     const float manual_gain = p_korvel->volume * 10000.0f;
     const auto bass_gain =

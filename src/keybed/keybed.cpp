@@ -1,5 +1,7 @@
 #include "keybed/keybed.h"
 
+#include "midi/midi.h"
+
 #include <algorithm>
 #include <set>
 
@@ -7,6 +9,13 @@ namespace {
 
 constexpr float default_m_second_long = 3.0f;
 constexpr unsigned char released_by_note_on = 64; ///< velocity of a note-off sent as note-on 0
+
+std::unique_ptr<envelope> default_envelope(const char* name, void (*generate)(envelope*)) {
+    std::unique_ptr<envelope> p_env(
+        envelope_create(name, default_m_second_long, default_m_second_long));
+    p_env->callback_generate = generate;
+    return p_env;
+}
 
 bool is_sounding(const playing_key& key) {
     return key.p_keybed->p_key_list->active[key.index] != 0;
@@ -64,15 +73,11 @@ keybed* keybed_create(int nb_keys, int midi_key_start, const char* name) {
         .name = name,
         .nb_keys = nb_keys,
         .midi_key_start = midi_key_start,
-        .p_key_list = create_indexed_list(nb_keys, "KEY"),
+        .p_key_list = std::unique_ptr<indexed_list>(create_indexed_list(nb_keys, "KEY")),
         .p_keys = std::vector<playing_key>(static_cast<std::size_t>(nb_keys)),
         .keybed_callback = default_callback,
-        .p_env_attack =
-            envelope_create("DEFAULT ENV ATTACK", default_m_second_long, default_m_second_long),
-        .p_env_release =
-            envelope_create("DEFAULT ENV RELEASE", default_m_second_long, default_m_second_long)};
-    p_keybed->p_env_attack->callback_generate = envelope_generate_exp_up;
-    p_keybed->p_env_release->callback_generate = envelope_generate_exp_down;
+        .p_env_attack = default_envelope("DEFAULT ENV ATTACK", envelope_generate_exp_up),
+        .p_env_release = default_envelope("DEFAULT ENV RELEASE", envelope_generate_exp_down)};
 
     for (int k = 0; k < nb_keys; ++k) {
         playing_key& key = p_keybed->p_keys[static_cast<std::size_t>(k)];
@@ -81,20 +86,13 @@ keybed* keybed_create(int nb_keys, int midi_key_start, const char* name) {
         key.elem.obj = &key;
         key.elem.index = k;
         key.p_keybed = p_keybed;
-        key.p_env_attack = p_keybed->p_env_attack;
-        key.p_env_release = p_keybed->p_env_release;
+        key.p_env_attack = p_keybed->p_env_attack.get();
+        key.p_env_release = p_keybed->p_env_release.get();
     }
     return p_keybed;
 }
 
-void keybed_free(keybed* p_keybed) {
-    if (!p_keybed)
-        return;
-    free_indexed_list(p_keybed->p_key_list);
-    envelope_free(p_keybed->p_env_attack);
-    envelope_free(p_keybed->p_env_release);
-    delete p_keybed;
-}
+void keybed_free(keybed* p_keybed) { delete p_keybed; }
 
 void keybed_set_block_size(keybed* p_keybed, int block_size) noexcept {
     p_keybed->block_size = block_size;
@@ -118,7 +116,7 @@ void keybed_set_sampling_rate(keybed* p_keybed, int sampling_rate) {
     }
 }
 
-void keybed_reset(keybed* p_keybed) noexcept { indexed_list_clear(p_keybed->p_key_list); }
+void keybed_reset(keybed* p_keybed) noexcept { indexed_list_clear(p_keybed->p_key_list.get()); }
 
 void keybed_set_envelope_attack(keybed* p_keybed, envelope* p_env) {
     for (playing_key& key : p_keybed->p_keys)
@@ -144,7 +142,7 @@ void keybed_update_key(playing_key* p_key, int max_frame_index) noexcept {
         break;
     case key_release:
         if (run_table_to(key, frame))
-            remove_from_indexed_list(key.p_keybed->p_key_list, &key.elem);
+            remove_from_indexed_list(key.p_keybed->p_key_list.get(), &key.elem);
         break;
     default:
         break;
@@ -157,7 +155,7 @@ void keybed_receive_key_on(keybed* p_keybed, int key_index, unsigned char midi_v
     const unsigned frame = event_frame(key, frame_index);
     if (is_sounding(key))
         keybed_update_key(&key, static_cast<int>(frame));
-    add_to_indexed_list(p_keybed->p_key_list, &key.elem);
+    add_to_indexed_list(p_keybed->p_key_list.get(), &key.elem);
     start_segment(key, key_attack, frame, midi_velocity);
 }
 
@@ -212,23 +210,22 @@ void keybed_update_mono_bass(keybed* p_keybed) noexcept {
 }
 
 void keybed_receive_midi_event(keybed* p_keybed, const char* midi_data, int frame_index) noexcept {
-    const int status = static_cast<unsigned char>(midi_data[0]);
     const int note = static_cast<signed char>(midi_data[1]);
     const auto velocity = static_cast<unsigned char>(midi_data[2]);
 
-    if (p_keybed->midi_channel != -1 && (status & 0x0F) + 1 != p_keybed->midi_channel)
+    if (p_keybed->midi_channel != -1 && midi_channel(midi_data) != p_keybed->midi_channel)
         return;
     const int key_index = note - p_keybed->midi_key_start;
     if (key_index < 0 || key_index >= p_keybed->nb_keys)
         return;
-    switch (status & 0xF0) {
-    case 0x90:
+    switch (midi_kind(midi_data)) {
+    case midi_note_on:
         if (velocity != 0)
             keybed_receive_key_on(p_keybed, key_index, velocity, frame_index);
         else
             keybed_receive_key_off(p_keybed, key_index, released_by_note_on, frame_index);
         break;
-    case 0x80:
+    case midi_note_off:
         keybed_receive_key_off(p_keybed, key_index, velocity, frame_index);
         break;
     default:

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -49,13 +50,13 @@ struct keybed {
     int omni_mode = 1;     ///< 1: notes of every channel are for this keybed
     int sample_rate = 0;
     int block_size = 0;
-    indexed_list* p_key_list = nullptr; ///< the sounding keys in the order of their key-ons
-    std::vector<playing_key> p_keys;    ///< never resized: the list and callbacks hold addresses
-    unsigned global_index = 0;          ///< frames rendered since creation
+    std::unique_ptr<indexed_list> p_key_list; ///< the sounding keys in the order of their key-ons
+    std::vector<playing_key> p_keys; ///< never resized: the list and callbacks hold addresses
+    unsigned global_index = 0;       ///< frames rendered since creation
     std::function<void(playing_key*, unsigned)> keybed_callback;
     int unmuted_key = -1; ///< the key that the mute flags were last set for; -1 before any
-    envelope* p_env_attack = nullptr;  ///< owned; what the keys use unless they are given others
-    envelope* p_env_release = nullptr; ///< owned
+    std::unique_ptr<envelope> p_env_attack; ///< what the keys use unless they are given others
+    std::unique_ptr<envelope> p_env_release;
 };
 
 /// Returns a keybed that listens to every channel, with attack and release of 3 ms (without tables

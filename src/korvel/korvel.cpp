@@ -32,7 +32,7 @@ void install_callbacks(korvel* p_korvel) {
 }
 
 void add_buffers(korvel* p_korvel) {
-    buffers* p_buffers = p_korvel->p_organ->p_buffers;
+    buffers* p_buffers = p_korvel->p_organ->p_buffers.get();
     buffers_add(p_buffers, "p_tonegenerator_buffer_organ", &p_korvel->p_tonegenerator_buffer_organ);
     buffers_add(p_buffers, "p_tonegenerator_buffer_bass", &p_korvel->p_tonegenerator_buffer_bass);
     buffers_add(p_buffers, "p_post_scanner", &p_korvel->p_post_scanner);
@@ -42,9 +42,9 @@ void add_buffers(korvel* p_korvel) {
     buffers_add(p_buffers, "swell_buffer", &p_korvel->p_swell_buffer);
 }
 
-keybed* create_keybed(korvel* p_korvel, int nb_keys, const char* name,
-                      void (*render)(korvel*, playing_key*, unsigned)) {
-    keybed* p_keybed = keybed_create(nb_keys, korvel_first_note, name);
+std::unique_ptr<keybed> create_keybed(korvel* p_korvel, int nb_keys, const char* name,
+                                      void (*render)(korvel*, playing_key*, unsigned)) {
+    std::unique_ptr<keybed> p_keybed(keybed_create(nb_keys, korvel_first_note, name));
     p_keybed->keybed_callback = [=](playing_key* p_key, unsigned len) {
         render(p_korvel, p_key, len);
     };
@@ -54,11 +54,12 @@ keybed* create_keybed(korvel* p_korvel, int nb_keys, const char* name,
 /// Generators, wiring and keys, in the order that the instrument's random draws come in.
 void create_voices(korvel* p_korvel) {
     organ* p_organ = p_korvel->p_organ;
-    p_organ->p_tonegenerators[0] = tonegenerator_create("ORGAN TG");
+    p_organ->p_tonegenerators[0].reset(tonegenerator_create("ORGAN TG"));
     p_organ->p_keybeds[keybed_manual] =
         create_keybed(p_korvel, korvel_nb_manual_keys, "ORGAN KEY BED", render_callback_organ);
-    p_organ->p_harpmatrixes[0] = harpmatrix_create("KORVEL_MANUAL");
-    harpmatrix_load_ini(p_organ->p_harpmatrixes[0], "../harpmatrix/korvel.ini", p_organ->random);
+    p_organ->p_harpmatrixes[0].reset(harpmatrix_create("KORVEL_MANUAL"));
+    harpmatrix_load_ini(p_organ->p_harpmatrixes[0].get(), "../harpmatrix/korvel.ini",
+                        p_organ->random);
     held_keys_reserve(p_korvel->held, korvel_nb_oscs);
     p_organ->p_tonegenerators[0]->get_bank = [=](int rate) {
         return korvel_bank_filtered(rate, p_organ->random);
@@ -70,15 +71,16 @@ void create_voices(korvel* p_korvel) {
 void create_vibrato(korvel* p_korvel) {
     p_korvel->p_vibrato.reset(vibrato_create(1, vibrato_levels, "Main Vibrato"));
     vibrato* p_vibrato = p_korvel->p_vibrato.get();
-    dsp_stack_add(p_korvel->p_organ->p_dsp_stack, vibrato_set_sampling_rate, vibrato_set_block_size,
-                  p_vibrato, p_vibrato->name.c_str());
+    dsp_stack_add(p_korvel->p_organ->p_dsp_stack.get(), vibrato_set_sampling_rate,
+                  vibrato_set_block_size, p_vibrato, p_vibrato->name.c_str());
 }
 
 filter* create_iir(organ* p_organ, korvel_filter index, const char* name, int order,
                    unsigned nb_cascaded_stages) {
     filter* p_filter = iir_filter_create(name, order, nb_cascaded_stages, nb_rates, s_rate.data());
     filter_set_sampling_rate(p_filter, design_rate);
-    return p_organ->p_filters[index] = p_filter;
+    p_organ->p_filters[index].reset(p_filter);
+    return p_filter;
 }
 
 void create_filters(korvel* p_korvel) {
@@ -105,10 +107,10 @@ void create_filters(korvel* p_korvel) {
 
     p_filter = fir_filter_create("Brickwall fs/2", fir_brickwall_order, nb_rates, s_rate.data());
     filter_set_sampling_rate(p_filter, design_rate);
-    p_organ->p_filters[filter_brickwall] = p_filter;
+    p_organ->p_filters[filter_brickwall].reset(p_filter);
 
-    for (const filter* p_designed : std::span(p_organ->p_filters).first(filter_brickwall))
-        filter_dump(p_designed);
+    for (const auto& p_designed : std::span(p_organ->p_filters).first(filter_brickwall))
+        filter_dump(p_designed.get());
     organ_add_filters_to_dsp_stack(p_organ);
 }
 
@@ -145,8 +147,8 @@ void bind_parameters(korvel* p_korvel) {
 }
 
 void set_manual_envelopes(const organ* p_organ) {
-    const keybed* p_manual = p_organ->p_keybeds[keybed_manual];
-    for (envelope* p_env : {p_manual->p_env_attack, p_manual->p_env_release})
+    const keybed* p_manual = p_organ->p_keybeds[keybed_manual].get();
+    for (envelope* p_env : {p_manual->p_env_attack.get(), p_manual->p_env_release.get()})
         envelope_update_second_long(p_env, manual_envelope_ms, manual_envelope_ms);
 }
 

@@ -48,11 +48,9 @@ struct contour_coeffs {
     float b0 = 0, a1 = 0;
 };
 
-using vibrato_ptr = std::unique_ptr<vibrato, decltype(&vibrato_free)>;
-
 struct korvel {
     organ* p_organ = nullptr; ///< the engine that owns this
-    vibrato_ptr p_vibrato{nullptr, vibrato_free};
+    std::unique_ptr<vibrato> p_vibrato{};
 
     held_keys held{}; ///< of the manual
 

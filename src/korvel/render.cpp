@@ -19,11 +19,12 @@ bool is_on(const std::atomic<float>& value) {
 }
 
 tonegenerator* tone_generator(const korvel* p_korvel) {
-    return p_korvel->p_organ->p_tonegenerators[0];
+    return p_korvel->p_organ->p_tonegenerators[0].get();
 }
 
 const contact* wired_contact(const korvel* p_korvel, const playing_key* p_key, unsigned number) {
-    return harpmatrix_find_contact(p_korvel->p_organ->p_harpmatrixes[0], p_key->index, number);
+    return harpmatrix_find_contact(p_korvel->p_organ->p_harpmatrixes[0].get(), p_key->index,
+                                   number);
 }
 
 bool is_whole_block(const playing_key* p_key, unsigned len) {
@@ -43,7 +44,7 @@ std::span<const float> segment_table(const playing_key* p_key) {
 void select_contour(korvel* p_korvel) {
     const contour_coeffs c =
         p_korvel->contour[p_korvel->selected_rate].load(std::memory_order_relaxed);
-    filter* p_filter = p_korvel->p_organ->p_filters[filter_out];
+    filter* p_filter = p_korvel->p_organ->p_filters[filter_out].get();
     p_filter->b_coeffs[0] = p_filter->b_coeffs[1] = c.b0;
     p_filter->a_coeffs[1] = c.a1;
 }
@@ -51,17 +52,17 @@ void select_contour(korvel* p_korvel) {
 /// The stops, the contour of their sum, and the bass's output filter. A stop that is off is left
 /// out, and its state stands still.
 void filter_voices(korvel* p_korvel, std::span<const float> source) {
-    const std::vector<filter*>& filters = p_korvel->p_organ->p_filters;
+    const auto& filters = p_korvel->p_organ->p_filters;
     std::array<filter*, korvel_nb_stops> enabled;
     std::size_t nb_enabled = 0;
     for (std::size_t i = 0; i < korvel_nb_stops; ++i)
         if (is_on(p_korvel->stops[i]))
-            enabled[nb_enabled++] = filters[i];
+            enabled[nb_enabled++] = filters[i].get();
     select_contour(p_korvel);
-    iir_filters_process(
-        std::span(enabled).first(nb_enabled), source, p_korvel->p_filter,
-        {filters[filter_out], p_korvel->p_filter, p_korvel->p_filter_organ},
-        {filters[filter_out_bass], p_korvel->p_tonegenerator_buffer_bass, p_korvel->p_filter_bass});
+    iir_filters_process(std::span(enabled).first(nb_enabled), source, p_korvel->p_filter,
+                        {filters[filter_out].get(), p_korvel->p_filter, p_korvel->p_filter_organ},
+                        {filters[filter_out_bass].get(), p_korvel->p_tonegenerator_buffer_bass,
+                         p_korvel->p_filter_bass});
 }
 
 void scale(std::span<const float> src, float gain, std::span<float> dest) {
@@ -144,7 +145,7 @@ void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
     const std::span<float> manual = p_korvel->p_tonegenerator_buffer_organ;
     const std::span<float> bass = p_korvel->p_tonegenerator_buffer_bass;
 
-    held_keys_register(p_korvel->held, p_organ->p_harpmatrixes[0], p_tg);
+    held_keys_register(p_korvel->held, p_organ->p_harpmatrixes[0].get(), p_tg);
     tone_generator_next(p_tg, manual, first_manual_osc, last_manual_osc);
     tone_generator_next(p_tg, bass, 0, last_bass_osc);
     tonegenerator_reset_sustain(p_tg);
@@ -161,7 +162,7 @@ void korvel_set_block_size(korvel*, int) {}
 
 void korvel_set_sampling_rate(korvel* p_korvel, int sampling_rate) {
     const float* taps = fir_brickwall_find(sampling_rate);
-    filter_set_b_coeffs(p_korvel->p_organ->p_filters[filter_brickwall],
+    filter_set_b_coeffs(p_korvel->p_organ->p_filters[filter_brickwall].get(),
                         taps ? taps : fir_brickwall_coeffs[0]);
 
     const auto supported = std::find(s_rate.begin(), s_rate.end(), sampling_rate);

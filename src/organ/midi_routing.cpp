@@ -1,4 +1,4 @@
-#include "organ/midi.h"
+#include "midi/midi.h"
 #include "organ/organ.h"
 
 #include <cstddef>
@@ -6,21 +6,21 @@
 namespace {
 
 void receive_note(organ* p_organ, const char* midi_data, int channel, int frame_index) {
-    for (keybed* p_keybed : p_organ->p_keybeds)
+    for (const auto& p_keybed : p_organ->p_keybeds)
         if (p_keybed->midi_channel == channel || p_keybed->omni_mode == 1)
-            keybed_receive_midi_event(p_keybed, midi_data, frame_index);
+            keybed_receive_midi_event(p_keybed.get(), midi_data, frame_index);
 }
 
 void all_notes_off(organ* p_organ, int channel, int frame_index) {
-    for (keybed* p_keybed : p_organ->p_keybeds)
+    for (const auto& p_keybed : p_organ->p_keybeds)
         if (p_keybed->midi_channel == channel && p_keybed->omni_mode == 0)
-            keybed_all_key_off(p_keybed, frame_index);
+            keybed_all_key_off(p_keybed.get(), frame_index);
 }
 
 void all_sound_off(organ* p_organ, int channel) {
-    for (keybed* p_keybed : p_organ->p_keybeds)
+    for (const auto& p_keybed : p_organ->p_keybeds)
         if (p_keybed->midi_channel == channel || p_keybed->omni_mode != 0)
-            keybed_reset(p_keybed);
+            keybed_reset(p_keybed.get());
 }
 
 void list_updates(control& registry, unsigned cc, unsigned channel, float value) {
@@ -65,7 +65,7 @@ void receive_control_change(organ* p_organ, int cc, int value, int channel, int 
         const auto controller = static_cast<unsigned>(cc);
         const auto midi_channel = static_cast<unsigned>(channel);
         list_updates(*p_organ->p_control, controller, midi_channel,
-                     static_cast<float>(value) / 127.0f);
+                     static_cast<float>(value) / midi_highest_value);
         learn(*p_organ->p_control, controller, midi_channel);
     }
 }

@@ -37,47 +37,34 @@ organ* organ_create(const char* name, int nb_keybeds, int nb_tonegenerators, int
         std::fputs("Error SSE not detected !!!\nAborting ...\n", stderr);
         std::exit(1);
     }
-    return new organ{.name = name,
-                     .random{seed()},
-                     .p_buffers = buffers_create("organ_buffers", 0),
-                     .nb_harpmatrixes = nb_harpmatrixes,
-                     .p_harpmatrixes = empty_slots<harpmatrix*>(nb_harpmatrixes),
-                     .nb_tonegenerators = nb_tonegenerators,
-                     .p_tonegenerators = empty_slots<tonegenerator*>(nb_tonegenerators),
-                     .nb_keybeds = nb_keybeds,
-                     .p_keybeds = empty_slots<keybed*>(nb_keybeds),
-                     .nb_filters = nb_filters,
-                     .p_filters = empty_slots<filter*>(nb_filters),
-                     .p_filters_in = empty_slots<float*>(nb_filters),
-                     .p_filters_out = empty_slots<float*>(nb_filters),
-                     .p_filters_add = empty_slots<int>(nb_filters),
-                     .p_dsp_stack = dsp_stack_create("ORGAN DEFAULT DSP STACK")};
+    return new organ{
+        .name = name,
+        .random{seed()},
+        .p_buffers = std::unique_ptr<buffers>(buffers_create("organ_buffers", 0)),
+        .nb_harpmatrixes = nb_harpmatrixes,
+        .p_harpmatrixes = empty_slots<std::unique_ptr<harpmatrix>>(nb_harpmatrixes),
+        .nb_tonegenerators = nb_tonegenerators,
+        .p_tonegenerators = empty_slots<std::unique_ptr<tonegenerator>>(nb_tonegenerators),
+        .nb_keybeds = nb_keybeds,
+        .p_keybeds = empty_slots<std::unique_ptr<keybed>>(nb_keybeds),
+        .nb_filters = nb_filters,
+        .p_filters = empty_slots<std::unique_ptr<filter>>(nb_filters),
+        .p_filters_in = empty_slots<float*>(nb_filters),
+        .p_filters_out = empty_slots<float*>(nb_filters),
+        .p_filters_add = empty_slots<int>(nb_filters),
+        .p_dsp_stack = std::unique_ptr<dsp_stack>(dsp_stack_create("ORGAN DEFAULT DSP STACK"))};
 }
 
-void organ_free(organ* p_organ) {
-    if (!p_organ)
-        return;
-    for (keybed* p_keybed : p_organ->p_keybeds)
-        keybed_free(p_keybed);
-    for (tonegenerator* p_tonegenerator : p_organ->p_tonegenerators)
-        tonegenerator_free(p_tonegenerator);
-    for (harpmatrix* p_harpmatrix : p_organ->p_harpmatrixes)
-        harpmatrix_free(p_harpmatrix);
-    for (filter* p_filter : p_organ->p_filters)
-        filter_free(p_filter);
-    buffers_free(p_organ->p_buffers);
-    dsp_stack_free(p_organ->p_dsp_stack);
-    delete p_organ;
-}
+void organ_free(organ* p_organ) { delete p_organ; }
 
 void organ_set_block_size(organ* p_organ, int block_size) {
     p_organ->block_size = block_size;
-    dsp_stack_set_block_size(p_organ->p_dsp_stack, block_size);
-    for (keybed* p_keybed : p_organ->p_keybeds)
-        keybed_set_block_size(p_keybed, block_size);
-    for (tonegenerator* p_tonegenerator : p_organ->p_tonegenerators)
-        tonegenerator_set_block_size(p_tonegenerator, block_size);
-    buffers_set_block_size(p_organ->p_buffers, block_size);
+    dsp_stack_set_block_size(p_organ->p_dsp_stack.get(), block_size);
+    for (const auto& p_keybed : p_organ->p_keybeds)
+        keybed_set_block_size(p_keybed.get(), block_size);
+    for (const auto& p_tonegenerator : p_organ->p_tonegenerators)
+        tonegenerator_set_block_size(p_tonegenerator.get(), block_size);
+    buffers_set_block_size(p_organ->p_buffers.get(), block_size);
     if (p_organ->set_block_size_callback)
         p_organ->set_block_size_callback(block_size);
 }
@@ -86,11 +73,11 @@ void organ_set_sampling_rate(organ* p_organ, int sampling_rate) {
     if (sampling_rate < 1)
         return;
     p_organ->sampling_rate = sampling_rate;
-    dsp_stack_set_sampling_rate(p_organ->p_dsp_stack, sampling_rate);
-    for (keybed* p_keybed : p_organ->p_keybeds)
-        keybed_set_sampling_rate(p_keybed, sampling_rate);
-    for (tonegenerator* p_tonegenerator : p_organ->p_tonegenerators)
-        tonegenerator_set_sampling_rate(p_tonegenerator, sampling_rate);
+    dsp_stack_set_sampling_rate(p_organ->p_dsp_stack.get(), sampling_rate);
+    for (const auto& p_keybed : p_organ->p_keybeds)
+        keybed_set_sampling_rate(p_keybed.get(), sampling_rate);
+    for (const auto& p_tonegenerator : p_organ->p_tonegenerators)
+        tonegenerator_set_sampling_rate(p_tonegenerator.get(), sampling_rate);
     if (p_organ->set_sampling_rate_callback)
         p_organ->set_sampling_rate_callback(sampling_rate);
 }
@@ -102,21 +89,21 @@ void organ_process(organ* p_organ, std::span<float> out_r, std::span<float> out_
     const int nframes = static_cast<int>(out_r.size());
     if (nframes != p_organ->block_size)
         organ_set_block_size(p_organ, nframes);
-    for (keybed* p_keybed : p_organ->p_keybeds)
-        keybed_next(p_keybed, nframes);
+    for (const auto& p_keybed : p_organ->p_keybeds)
+        keybed_next(p_keybed.get(), nframes);
     if (p_organ->process_callback) {
         p_organ->process_callback(p_organ, out_r, out_l);
     } else {
         std::ranges::fill(out_r, 0.0f);
         std::ranges::fill(out_l, 0.0f);
     }
-    for (tonegenerator* p_tonegenerator : p_organ->p_tonegenerators)
+    for (const auto& p_tonegenerator : p_organ->p_tonegenerators)
         p_tonegenerator->global_phase_index += static_cast<std::uint32_t>(nframes);
 }
 
 void organ_panic(organ* p_organ) noexcept {
-    for (keybed* p_keybed : p_organ->p_keybeds)
-        keybed_reset(p_keybed);
+    for (const auto& p_keybed : p_organ->p_keybeds)
+        keybed_reset(p_keybed.get());
 }
 
 void organ_set_output_mode(organ* p_organ, int mode) {
@@ -132,7 +119,7 @@ void organ_set_default_values(organ* p_organ) {
 }
 
 void organ_add_filters_to_dsp_stack(organ* p_organ) {
-    for (filter* p_filter : p_organ->p_filters)
-        dsp_stack_add(p_organ->p_dsp_stack, filter_set_sampling_rate, filter_set_block_size,
-                      p_filter, p_filter->name.c_str());
+    for (const auto& p_filter : p_organ->p_filters)
+        dsp_stack_add(p_organ->p_dsp_stack.get(), filter_set_sampling_rate, filter_set_block_size,
+                      p_filter.get(), p_filter->name.c_str());
 }

@@ -28,15 +28,16 @@ struct organ {
     int block_size = 0;
     random15 random{};            ///< what the instrument's tolerances are drawn from
     control* p_control = nullptr; ///< not owned
-    buffers* p_buffers = nullptr;
+    std::unique_ptr<buffers> p_buffers{};
     int nb_harpmatrixes;
-    std::vector<harpmatrix*> p_harpmatrixes;
+    std::vector<std::unique_ptr<harpmatrix>> p_harpmatrixes;
     int nb_tonegenerators;
-    std::vector<tonegenerator*> p_tonegenerators;
+    std::vector<std::unique_ptr<tonegenerator>> p_tonegenerators;
     int nb_keybeds;
-    std::vector<keybed*> p_keybeds; ///< MIDI and blocks go through them in this order
+    /// MIDI and blocks go through them in this order.
+    std::vector<std::unique_ptr<keybed>> p_keybeds;
     int nb_filters;
-    std::vector<filter*> p_filters;
+    std::vector<std::unique_ptr<filter>> p_filters;
     std::vector<float*> p_filters_in; ///< slots for an instrument's own routing, here and below
     std::vector<float*> p_filters_out;
     std::vector<int> p_filters_add;
@@ -46,7 +47,7 @@ struct organ {
     std::function<void(organ*, std::span<float> out_r, std::span<float> out_l)> process_callback{};
     std::function<void(int block_size)> set_block_size_callback{};
     std::function<void(int sampling_rate)> set_sampling_rate_callback{};
-    dsp_stack* p_dsp_stack = nullptr;
+    std::unique_ptr<dsp_stack> p_dsp_stack{};
     std::shared_ptr<void> p_instrument{}; ///< what the callbacks work on; goes with the engine
 };
 

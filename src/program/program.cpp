@@ -107,20 +107,13 @@ program_bank* program_bank_create(const char* name, unsigned nb_programs, contro
     auto* p_bank = new program_bank{.name = name, .nb_programs = nb_programs};
     p_control->nb_programs = nb_programs;
     for (unsigned i = 0; i < nb_programs; ++i) {
-        program* p_prog = program_create("INIT", p_control->nb_parameters);
-        program_from_control(p_prog, p_control);
-        p_bank->programs.push_back(p_prog);
+        p_bank->programs.emplace_back(program_create("INIT", p_control->nb_parameters));
+        program_from_control(p_bank->programs.back().get(), p_control);
     }
     return p_bank;
 }
 
-void program_bank_free(program_bank* p_bank) {
-    if (!p_bank)
-        return;
-    for (program* p_prog : p_bank->programs)
-        program_free(p_prog);
-    delete p_bank;
-}
+void program_bank_free(program_bank* p_bank) { delete p_bank; }
 
 void bank_to_file(const program_bank*, const char*) {}
 

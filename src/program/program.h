@@ -11,6 +11,7 @@
 #include "control/control.h"
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,7 @@ struct program {
 struct program_bank {
     std::string name;
     unsigned nb_programs;
-    std::vector<program*> programs{};
+    std::vector<std::unique_ptr<program>> programs{};
 };
 
 [[nodiscard]] program* program_create(const char* name, unsigned nb_parameters);

@@ -26,6 +26,10 @@ void register_curve(tonegenerator* p_tg, unsigned osc) {
         static_cast<int>(osc);
 }
 
+std::unique_ptr<buffers> create_buffers(int block_size) {
+    return std::unique_ptr<buffers>(buffers_create("tonegenerator_buffers", block_size));
+}
+
 /// Gives every oscillator of the bank a curve; curves of an earlier, larger bank stay.
 void register_curves(tonegenerator* p_tg) {
     auto& curves = p_tg->non_sustained_oscillators_conductance;
@@ -34,10 +38,9 @@ void register_curves(tonegenerator* p_tg) {
     if (nb_oscs <= nb_registered)
         return;
     curves.resize(nb_oscs); // the buffer set holds the elements' addresses: register them anew
-    buffers_free(p_tg->p_buffers);
-    p_tg->p_buffers = buffers_create("tonegenerator_buffers", p_tg->block_size);
+    p_tg->p_buffers = create_buffers(p_tg->block_size);
     for (auto& curve : curves)
-        buffers_add(p_tg->p_buffers, "NON SUSTAINED BUFFER", &curve);
+        buffers_add(p_tg->p_buffers.get(), "NON SUSTAINED BUFFER", &curve);
 }
 
 /// What an oscillator plays from frame `start` of the block on, `nframes` of it at most a chunk.
@@ -72,24 +75,17 @@ std::span<const unsigned> oscillators_in_use(const tonegenerator* p_tg, unsigned
 } // namespace
 
 tonegenerator* tonegenerator_create(const char* name) {
-    return new tonegenerator{.name = name, .p_buffers = buffers_create("tonegenerator_buffers", 0)};
+    return new tonegenerator{.name = name, .p_buffers = create_buffers(0)};
 }
 
-void tonegenerator_free(tonegenerator* p_tg) {
-    if (!p_tg)
-        return;
-    buffers_free(p_tg->p_buffers);
-    oscillators_bank_free(p_tg->oscs_bank);
-    delete p_tg;
-}
+void tonegenerator_free(tonegenerator* p_tg) { delete p_tg; }
 
 void tonegenerator_set_sampling_rate(tonegenerator* p_tg, int sampling_rate) {
     p_tg->global_phase_index = 0;
     p_tg->sample_rate = sampling_rate;
     tonegenerator_reset_sustain(p_tg);
 
-    oscillators_bank_free(p_tg->oscs_bank);
-    p_tg->oscs_bank = p_tg->get_bank(sampling_rate);
+    p_tg->oscs_bank.reset(p_tg->get_bank(sampling_rate));
     const auto nb_oscs = static_cast<std::size_t>(p_tg->oscs_bank->nb_oscs);
     p_tg->sustained_oscillators.assign(nb_oscs, 0);
     p_tg->sustained_oscillators_conductance.assign(nb_oscs, 0.0f);
@@ -105,7 +101,7 @@ void tonegenerator_set_sampling_rate(tonegenerator* p_tg, int sampling_rate) {
 
 void tonegenerator_set_block_size(tonegenerator* p_tg, int block_size) {
     p_tg->block_size = block_size;
-    buffers_set_block_size(p_tg->p_buffers, block_size);
+    buffers_set_block_size(p_tg->p_buffers.get(), block_size);
 }
 
 void tone_generator_add_sustained_oscillator(tonegenerator* p_tg, unsigned osc,

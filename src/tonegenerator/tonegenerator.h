@@ -14,6 +14,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -22,7 +23,7 @@ struct tonegenerator {
     std::string name;
     int sample_rate = 0;
     int block_size = 0;
-    oscillators_bank* oscs_bank = nullptr; ///< owned; null until a rate is set
+    std::unique_ptr<oscillators_bank> oscs_bank{}; ///< null until a rate is set
     std::uint32_t global_phase_index = 0; ///< frames since the rate was set; the engine advances it
     std::function<oscillators_bank*(int)> get_bank{}; ///< gives the bank of a rate, to be owned
 
@@ -34,7 +35,7 @@ struct tonegenerator {
     int nb_non_sustained_oscs = 0;
     std::vector<int> non_sustained_oscillators{}; ///< that have a curve in this block
     std::vector<unsigned char> has_curve{};       ///< by oscillator: 1 while in that list
-    buffers* p_buffers = nullptr;                 ///< owned; holds the curves
+    std::unique_ptr<buffers> p_buffers;           ///< holds the curves
     std::vector<std::span<float>> non_sustained_oscillators_conductance{}; ///< by oscillator
 
     std::vector<wave_reader> readers{};    ///< by oscillator

@@ -1,10 +1,9 @@
 #include "vst/audioeffect.h"
 
+#include "number_text/number_text.h"
 #include "vst/aeffeditor.h"
 #include "vst/host_argument.h"
-#include "vst/value_text.h"
-
-#include <cmath>
+#include "vst/host_text.h"
 
 namespace {
 
@@ -129,10 +128,7 @@ VstInt32 AudioEffect::getCurrentUniqueId() { return to_int32(callHost(audioMaste
 void AudioEffect::masterIdle() { callHost(audioMasterIdle); }
 
 void AudioEffect::dB2string(float gain, char* text, VstInt32 maxLen) {
-    if (gain <= 0)
-        vst_strncpy(text, "-oo", maxLen);
-    else
-        float2string(static_cast<float>(20 * std::log10(static_cast<double>(gain))), text, maxLen);
+    vst_strncpy(text, decibel_text(gain), maxLen);
 }
 
 void AudioEffect::Hz2string(float nbSamples, char* text, VstInt32 maxLen) {
@@ -145,11 +141,11 @@ void AudioEffect::ms2string(float nbSamples, char* text, VstInt32 maxLen) {
 }
 
 void AudioEffect::float2string(float value, char* text, VstInt32 maxLen) {
-    float_to_text(value, text, maxLen);
+    vst_strncpy(text, number_text(value), maxLen);
 }
 
 void AudioEffect::int2string(VstInt32 value, char* text, VstInt32 maxLen) {
-    int_to_text(value, text, maxLen);
+    vst_strncpy(text, integer_text(value), maxLen);
 }
 
 // The one pair of requests whose reply is 0 for yes.

@@ -72,7 +72,7 @@ public:
     virtual VstInt32 getCurrentUniqueId();
     virtual void masterIdle();
 
-    /// Texts for a parameter's display, as vst/value_text.h writes them; `text` holds maxLen + 1.
+    /// Texts for a parameter's display, as number_text.h has them; `text` holds maxLen + 1.
     virtual void dB2string(float gain, char* text, VstInt32 maxLen);      ///< "-oo" from 0 down
     virtual void Hz2string(float nbSamples, char* text, VstInt32 maxLen); ///< of a period; 0 for 0
     virtual void ms2string(float nbSamples, char* text, VstInt32 maxLen); ///< of a duration

@@ -1,34 +1,26 @@
 #pragma once
-/// The plug-in that a VST 2.4 host talks to: it adapts the host's calls to the engine.
-///
-/// The engine is fed in pieces of at most 64 frames, whatever the host announces or delivers: the
-/// gain curves stay in the first-level cache, what happens at a block's edge is heard within 1.5
-/// ms, and no length that a host asks for can allocate. Notes wait in a queue until the host asks
-/// for their block and its length is known; controllers act as they come.
+/// The plug-in that a VST 2.4 host talks to: it adapts the host's calls to the player.
 ///
 /// processEvents and processReplacing are [audio]; rate and block size are [setup]; parameters may
 /// be set and read from [any] thread; the rest runs on the threads of the host and its user.
 
-#include "control/control.h"
-#include "organ/organ.h"
+#include "player/player.h"
 #include "program/program.h"
 #include "vst/audioeffectx.h"
-#include "vst/note_queue.h"
 
 #include <array>
 #include <atomic>
+#include <memory>
+#include <string_view>
 
 class Editor;
 
 class Organ final : public AudioEffectX {
 public:
-    static constexpr int max_piece_frames = 64;
-
     /// Takes the engine and its registry into its ownership.
     Organ(audioMasterCallback host, VstInt32 nbPrograms, VstInt32 nbParams, organ* engine);
     ~Organ() override;
 
-    void resume() override;
     void setSampleRate(float rate) override;
     void setBlockSize(VstInt32 nbFrames) override;
     void processReplacing(float** inputs, float** outputs, VstInt32 sampleFrames) override;
@@ -55,7 +47,7 @@ public:
     VstInt32 getNumMidiOutputChannels() override;
 
     void setOutputMode(int mode);
-    void panic(); ///< silences every key with the next piece [any]
+    void panic(); ///< silences what was played so far [any]
 
     /// The current program's and the bank's; nothing happens while the bank has no program. Not
     /// side by side with a program change on another thread.
@@ -65,24 +57,26 @@ public:
     void ProgBankLoad(const char* filename);
     void ProgBankSave(const char* filename);
 
+    /// The latest SysEx message without its first byte and its last, as much as fits. [audio]
+    [[nodiscard]] std::string_view sysexPayload() const {
+        return {sysex_buffer_in.data(), nb_sysex_bytes};
+    }
+
     /// Channel messages of the latest processEvents: a sign of MIDI activity, for whoever shows it
     /// to clear.
     std::atomic<VstInt32> midiNumEvents = 0;
 
 private:
-    [[nodiscard]] const parameter* findParameter(VstInt32 index) const;
     [[nodiscard]] program* currentProgram() const;
     void receiveSysex(const VstMidiSysexEvent& event);
     void receiveMidi(const VstMidiEvent& event);
-    void queueNote(const queued_message& message);
-    void reservePieces();
 
+    std::unique_ptr<player> p_player;
     organ* p_organ;
     control* p_control;
     control_update* p_control_update;
-    Editor* p_editor; ///< the base's editor, by its own type
-    program_bank* p_prog_bank;
-    NoteQueue notes{};
-    std::atomic<bool> panicAsked = false;
+    std::unique_ptr<program_bank> p_prog_bank;
+    Editor* p_editor;                         ///< the base's editor, by its own type
     std::array<char, 4096> sysex_buffer_in{}; ///< the latest payload and a zero byte
+    std::size_t nb_sysex_bytes = 0;           ///< without that
 };

@@ -1,7 +1,5 @@
 #include "vst/speaker_arrangement.h"
 
-#include "vst/value_text.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

@@ -64,8 +64,8 @@ float peak(std::span<const float> samples) {
 TEST(Korvel, TheManualSwellsTenTimesAsLongAsTheBass) {
     const instrument played;
     for (const auto& [number, nb_frames] : {std::pair{keybed_manual, 1440u}, {keybed_bass, 144u}}) {
-        const keybed* p_keybed = played.p_organ->p_keybeds[number];
-        for (const envelope* p_env : {p_keybed->p_env_attack, p_keybed->p_env_release})
+        const keybed* p_keybed = played.p_organ->p_keybeds[number].get();
+        for (const envelope* p_env : {p_keybed->p_env_attack.get(), p_keybed->p_env_release.get()})
             EXPECT_EQ(p_env->real_sample_long, nb_frames) << p_keybed->name;
     }
 }

@@ -24,7 +24,7 @@ TEST(OrganMidi, NotesReachTheKeybedsThatListen) {
     for (const auto& row : rows) {
         const two_manual_organ twin;
         twin.start();
-        keybed* p_upper = twin.p_organ->p_keybeds[upper];
+        keybed* p_upper = twin.p_organ->p_keybeds[upper].get();
         p_upper->omni_mode = row.upper_omni;
         if (row.upper_omni != 0)
             p_upper->midi_channel = -1;
@@ -60,7 +60,7 @@ TEST(OrganMidi, AllNotesOffReleasesAndAllSoundOffSilences) {
         twin.send(0x90, 60, 100);
         twin.send(0x91, 36, 100);
         (void)twin.render();
-        for (keybed* p_keybed : twin.p_organ->p_keybeds)
+        for (const auto& p_keybed : twin.p_organ->p_keybeds)
             p_keybed->omni_mode = row.omni;
         twin.send(row.status, row.cc, row.value);
         const auto [out_r, out_l] = twin.render();

@@ -19,7 +19,7 @@ TEST(Organ, ABlockFollowsTheHostsLengthAndMovesEveryPhase) {
     const two_manual_organ twin;
     twin.start();
     std::span<float> buffer;
-    buffers_add(twin.p_organ->p_buffers, "work", &buffer);
+    buffers_add(twin.p_organ->p_buffers.get(), "work", &buffer);
     twin.p_organ->p_tonegenerators[lower]->global_phase_index = 0xFFFFFFFFu;
     std::uint32_t elapsed = 0;
     for (const std::size_t nb_frames : {512u, 100u, 0u, 100u}) {
@@ -39,7 +39,7 @@ TEST(Organ, KeysSoundFromTheirFrameOnThroughTheirOwnManual) {
     twin.send(0x90, 61, 100, 50); // key 1 of the upper manual
     const auto [out_r, out_l] = twin.render();
     std::vector<float> expected(organ_block);
-    const tonegenerator* p_tg = twin.p_organ->p_tonegenerators[upper];
+    const tonegenerator* p_tg = twin.p_organ->p_tonegenerators[upper].get();
     const float conductance =
         twin.p_organ->p_harpmatrixes[upper]->p_keys[1].p_contacts[0].conductance[0];
     for (std::size_t i = 50; i < expected.size(); ++i)

@@ -37,14 +37,14 @@ public:
         add_manual(upper, 60, "UPPER", folder / "twin.ini");
         add_manual(lower, 36, "LOWER", folder / "twin.ini");
         const int rates[] = {44100, 48000};
-        p_organ->p_filters[0] = iir_filter_create("filter", 1, 1, 2, rates);
+        p_organ->p_filters[0].reset(iir_filter_create("filter", 1, 1, 2, rates));
         organ_add_filters_to_dsp_stack(p_organ);
         p_organ->process_callback = [](organ* p_self, std::span<float> out_r,
                                        std::span<float> out_l) {
             for (const auto& [m, out] : {std::pair{upper, out_r}, {lower, out_l}}) {
                 std::ranges::fill(out, 0.0f);
-                tone_generator_next(p_self->p_tonegenerators[m], out, 0, 3);
-                tonegenerator_reset_sustain(p_self->p_tonegenerators[m]);
+                tone_generator_next(p_self->p_tonegenerators[m].get(), out, 0, 3);
+                tonegenerator_reset_sustain(p_self->p_tonegenerators[m].get());
             }
         };
     }
@@ -107,8 +107,8 @@ private:
                                                         p_key->frame_index, len, nullptr,
                                                         p_contact->conductance[0]);
         };
-        p_organ->p_tonegenerators[m] = p_tg;
-        p_organ->p_harpmatrixes[m] = p_matrix;
-        p_organ->p_keybeds[m] = p_keybed;
+        p_organ->p_tonegenerators[m].reset(p_tg);
+        p_organ->p_harpmatrixes[m].reset(p_matrix);
+        p_organ->p_keybeds[m].reset(p_keybed);
     }
 };

@@ -6,7 +6,7 @@
 #include "tests/vst/playing.h"
 #include "vst/aeffeditor.h"
 #include "vst/editor/tags.h"
-#include "vstgui/platform_headless.h"
+#include "vstgui/window_headless.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>

@@ -23,4 +23,20 @@ TEST(AudioEffect, TimesInSamplesAreShownByTheRate) {
     }
 }
 
+TEST(AudioEffect, TextsEndAtTheirLength) {
+    default_effect effect;
+    for (VstInt32 len = -1; len < 12; ++len) {
+        std::string text(16, '#');
+        effect.float2string(-123.456f, text.data(), len);
+        const std::string shown = std::string("-123.456").substr(0, static_cast<std::size_t>(len));
+        std::string expected(16, '#');
+        if (len >= 0)
+            expected.replace(
+                0, static_cast<std::size_t>(len) + 1,
+                shown + std::string(static_cast<std::size_t>(len) + 1 - shown.size(), '\0'));
+        EXPECT_EQ(text, expected) << len;
+    }
+    effect.float2string(1.0f, nullptr, 8);
+}
+
 } // namespace

@@ -1,0 +1,63 @@
+#pragma once
+/// The player feeds an instrument's engine for whatever plug-in format asks it to sound: it takes
+/// messages as they come and blocks as they are asked for, and hands the engine pieces.
+///
+/// The engine is fed in pieces of at most 64 frames, whatever a host announces or delivers: the
+/// gain curves stay in the first-level cache, what happens at a block's edge is heard within 1.5
+/// ms, and no length that a host asks for can allocate. Notes wait in a queue until their block is
+/// asked for and its length is known; everything else acts as it comes.
+
+#include "control/control.h"
+#include "organ/organ.h"
+#include "player/note_queue.h"
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <span>
+
+constexpr int player_max_piece = 64; ///< frames
+
+struct player {
+    std::unique_ptr<control> p_control; ///< the engine's registry, which outlives it
+    std::unique_ptr<organ> p_organ;
+    note_queue notes{};
+    std::atomic<bool> panic_asked = false;
+};
+
+/// Takes the engine and its registry into its ownership. [setup]
+[[nodiscard]] player* player_create(organ* p_organ);
+
+void player_free(player* p_player); ///< null is allowed [setup]
+
+/// Sets the rate, truncated to whole Hz. The rate that is set already changes nothing, keys that
+/// sound included: hosts repeat it before they play. So does one that is not within 1 kHz to 1 MHz.
+/// [setup]
+void player_set_sampling_rate(player* p_player, float sampling_rate);
+
+/// Blocks longer or shorter than announced are played as well; lengths below 1 are ignored. [setup]
+void player_set_block_size(player* p_player, int block_size);
+
+/// Takes a 3-byte channel message for the coming block. One that has its place in time waits with
+/// its frame, as the host gave it: block and order move it when the block is played. Any other acts
+/// at once; the registry's update record then lists the parameters that it moves, for the caller to
+/// set. [audio]
+void player_receive_midi_event(player* p_player, const char* midi_data, int frame) noexcept;
+
+/// Plays a block, both outputs of one length, with the messages that came for it. Silence before a
+/// rate is set, while the messages wait; nothing for 0 frames. [audio]
+void player_process(player* p_player, std::span<float> out_r, std::span<float> out_l) noexcept;
+
+/// Silences what was played so far; whatever comes after the call sounds. [any]
+void player_panic(player* p_player) noexcept;
+
+/// Returns the parameter of that index, or null where the registry has none. [any]
+[[nodiscard]] const parameter* player_find_parameter(const player* p_player, int index) noexcept;
+
+/// What a value from outside counts as: +0 for all below zero; nothing for what is not finite,
+/// which leaves a parameter as it was. [any]
+[[nodiscard]] std::optional<float> player_parameter_value(float value) noexcept;
+
+/// Sets a parameter and makes it the one that learns the next controller. Another index changes
+/// nothing. [any]
+void player_set_parameter(player* p_player, int index, float value) noexcept;

@@ -1,0 +1,133 @@
+#include "player/player.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using onsets = std::vector<std::pair<unsigned, int>>; ///< note and frame in the block
+
+/// A player of an engine that makes no sound and writes down what reaches it.
+struct Player : testing::Test {
+    std::vector<int> rates;  ///< as they reach the engine
+    std::vector<int> pieces; ///< frames of each of the latest block
+    onsets struck;           ///< in that block
+    std::unique_ptr<player> playing{create()};
+
+    player* create() {
+        organ* p_organ = organ_create("recorder", 1, 0, 0, 0);
+        p_organ->p_control = control_create("recorder");
+        p_organ->p_keybeds[0].reset(keybed_create(128, 0, "keys"));
+        p_organ->p_keybeds[0]->keybed_callback = [this](const playing_key* p_key, unsigned) {
+            const int start = std::accumulate(pieces.begin(), pieces.end(), 0);
+            if (p_key->key_state == key_attack && p_key->phase == 0)
+                struck.emplace_back(p_key->index, start + static_cast<int>(p_key->frame_index));
+        };
+        p_organ->set_sampling_rate_callback = [this](int rate) { rates.push_back(rate); };
+        p_organ->process_callback = [this](organ*, std::span<float> out, std::span<float>) {
+            pieces.push_back(static_cast<int>(out.size()));
+        };
+        return player_create(p_organ);
+    }
+
+    void SetUp() override { player_set_sampling_rate(playing.get(), 48000); }
+
+    void send(int status, int data1, int data2, int frame) {
+        const char message[] = {static_cast<char>(status), static_cast<char>(data1),
+                                static_cast<char>(data2)};
+        player_receive_midi_event(playing.get(), message, frame);
+    }
+    void strike(int note, int frame) { send(0x90, note, 100, frame); }
+
+    const onsets& process(int nb_frames) {
+        pieces.clear();
+        struck.clear();
+        std::vector<float> out(static_cast<std::size_t>(nb_frames));
+        player_process(playing.get(), out, out);
+        return struck;
+    }
+};
+
+TEST_F(Player, PiecesOfABlockAreEven) {
+    using lengths = std::vector<int>;
+    const std::pair<int, lengths> rows[] = {
+        {0, {}},         {1, {1}},        {64, {64}},          {65, {32, 33}},
+        {100, {50, 50}}, {127, {63, 64}}, {192, {64, 64, 64}}, {441, lengths(7, 63)}};
+    for (const auto& [nb_frames, expected] : rows) {
+        process(nb_frames);
+        EXPECT_EQ(pieces, expected) << nb_frames << " frames";
+    }
+}
+
+TEST_F(Player, NotesFallInTheBlockAndInOrder) {
+    strike(1, -5);
+    strike(2, 49); // the first piece's last frame
+    strike(3, 50);
+    strike(4, 20); // after one at 50
+    strike(5, 1000);
+    EXPECT_EQ(process(100), (onsets{{1, 0}, {2, 49}, {3, 50}, {4, 50}, {5, 99}}));
+    EXPECT_EQ(process(100), onsets{}) << "each once";
+}
+
+TEST_F(Player, AFullQueueGoesToTheEngineWhereItStands) {
+    strike(1, 70);
+    for (std::size_t i = 1; i < note_queue::capacity; ++i)
+        send(0x80, 2, 0, 90);
+    strike(3, 80);
+    EXPECT_EQ(process(100), (onsets{{1, 0}, {3, 80}}));
+    strike(4, 70);
+    EXPECT_EQ(process(100), (onsets{{4, 70}})) << "and begins anew";
+}
+
+TEST_F(Player, WhatWaitsForARateWaits) {
+    playing.reset(create());
+    strike(1, 10);
+    EXPECT_EQ(process(100), onsets{});
+    player_set_sampling_rate(playing.get(), 48000);
+    EXPECT_EQ(process(100), (onsets{{1, 10}}));
+}
+
+TEST_F(Player, TheRateThatIsSetChangesNothing) {
+    for (const float rate : {48000.0f, 48000.7f, 0.0f, -48000.0f, 999.9f, 1000001.0f, std::nanf(""),
+                             std::numeric_limits<float>::infinity()})
+        player_set_sampling_rate(playing.get(), rate);
+    EXPECT_EQ(rates, (std::vector{48000}));
+    player_set_sampling_rate(playing.get(), 44100);
+    player_set_sampling_rate(playing.get(), 48000);
+    EXPECT_EQ(rates, (std::vector{48000, 44100, 48000}));
+}
+
+TEST_F(Player, PanicSilencesWhatCameBeforeIt) {
+    const auto nb_sounding = [&] { return playing->p_organ->p_keybeds[0]->p_key_list->len; };
+    strike(1, 0);
+    process(100);
+    strike(2, 0);
+    player_panic(playing.get());
+    strike(3, 7);
+    EXPECT_EQ(process(100), (onsets{{3, 7}}));
+    EXPECT_EQ(nb_sounding(), 1);
+    strike(4, 0);
+    player_panic(playing.get());
+    EXPECT_EQ(process(100), onsets{});
+    EXPECT_EQ(nb_sounding(), 0);
+}
+
+TEST(PlayerParameter, WhatIsBelowZeroIsPlusZero) {
+    constexpr float denormal = std::numeric_limits<float>::denorm_min();
+    for (const float value : {-0.0f, -denormal, -1.0f, 0.0f}) {
+        const auto counted = player_parameter_value(value);
+        ASSERT_TRUE(counted) << value;
+        EXPECT_EQ(*counted, 0.0f) << value;
+        EXPECT_FALSE(std::signbit(*counted)) << value;
+    }
+    EXPECT_EQ(player_parameter_value(denormal), denormal);
+    EXPECT_EQ(player_parameter_value(2.0f), 2.0f);
+    EXPECT_FALSE(player_parameter_value(std::nanf("")));
+    EXPECT_FALSE(player_parameter_value(-std::numeric_limits<float>::infinity()));
+}
+
+} // namespace
