@@ -2,6 +2,9 @@
 
 #include "filter/iir_design.h"
 
+#include <bit>
+#include <cstdint>
+
 namespace {
 
 constexpr auto relaxed = std::memory_order_relaxed;
@@ -22,6 +25,23 @@ int split_mode(float value, int mode) {
     return mode;
 }
 
+std::uint32_t bits(float value) { return std::bit_cast<std::uint32_t>(value); }
+
+/// Stores the value, and what follows from it through `publish`. Where several threads set it at
+/// once, whoever publishes last looks whether its value still stands: the later one wins whole.
+template <typename Publish>
+void set_whole(std::atomic<float>& stored, float value, Publish publish) {
+    stored.store(value, relaxed);
+    do {
+        // Each fence orders one thread's store of its value before, or what it published before,
+        // the other's.
+        std::atomic_thread_fence(std::memory_order_seq_cst);
+        value = stored.load(relaxed);
+        publish(value);
+        std::atomic_thread_fence(std::memory_order_seq_cst);
+    } while (bits(stored.load(relaxed)) != bits(value)); // what is no number equals itself too
+}
+
 } // namespace
 
 float contour_filter_get(const korvel* p_korvel) {
@@ -29,19 +49,22 @@ float contour_filter_get(const korvel* p_korvel) {
 }
 
 void contour_filter_set(korvel* p_korvel, float value) {
-    p_korvel->contour_filter_ratio.store(value, relaxed);
-    const float resistance = value * contour_potentiometer + contour_resistor;
-    for (std::size_t i = 0; i < s_rate.size(); ++i)
-        if (const auto c = iir_rc_first_order_coeffs(resistance, contour_capacitor, 0, s_rate[i]))
-            p_korvel->contour[i].store({.b0 = c->b0, .a1 = c->a1}, relaxed);
+    set_whole(p_korvel->contour_filter_ratio, value, [p_korvel](float ratio) {
+        const float resistance = ratio * contour_potentiometer + contour_resistor;
+        for (std::size_t i = 0; i < s_rate.size(); ++i)
+            if (const auto c =
+                    iir_rc_first_order_coeffs(resistance, contour_capacitor, 0, s_rate[i]))
+                p_korvel->contour[i].store({.b0 = c->b0, .a1 = c->a1}, relaxed);
+    });
 }
 
 float split_get_value(const korvel* p_korvel) { return p_korvel->split_output.load(relaxed); }
 
 void split_set_value(korvel* p_korvel, float value) {
-    p_korvel->split_output.store(value, relaxed);
-    const int mode = p_korvel->sound_output_mode.load(relaxed);
-    p_korvel->sound_output_mode.store(split_mode(value, mode), relaxed);
+    set_whole(p_korvel->split_output, value, [p_korvel](float position) {
+        const int mode = p_korvel->sound_output_mode.load(relaxed);
+        p_korvel->sound_output_mode.store(split_mode(position, mode), relaxed);
+    });
 }
 
 std::string split_get_display(const korvel* p_korvel) {

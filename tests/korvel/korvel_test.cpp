@@ -1,14 +1,17 @@
 #include "korvel/korvel.h"
 
+#include "korvel/controls.h"
 #include "plain/korvel.h"
 #include "tests/temporary_folder.h"
 
 #include <algorithm>
+#include <barrier>
 #include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
+#include <thread>
 
 namespace {
 
@@ -141,6 +144,38 @@ TEST(Korvel, DamagedTextsLeaveAnInstrumentThatPlaysWhatIsSound) {
         EXPECT_EQ(peak > 1e-4f, sounds) << text.second;
         EXPECT_LT(peak, 10.0f) << text.second;
     }
+}
+
+TEST(Korvel, OfTwoThreadsThatSetAControlOneWinsWhole) {
+    constexpr float contours[] = {0.2f, 0.8f}, splits[] = {0.0f, 0.5f};
+    const instrument played;
+    auto& state = *static_cast<korvel*>(played.p_organ->p_instrument.get());
+    const auto coefficient = [&] { return state.contour.back().load().a1; };
+    float a1[2];
+    for (const std::size_t i : {0u, 1u}) {
+        contour_filter_set(&state, contours[i]);
+        a1[i] = coefficient();
+    }
+    int nb_torn = 0;
+    std::barrier both(2, [&]() noexcept {
+        nb_torn += coefficient() != a1[contour_filter_get(&state) == contours[1]];
+        nb_torn += state.sound_output_mode
+                   != (split_get_value(&state) == splits[0] ? output_bass_right : output_bass_left);
+    });
+    const auto hammer = [&](std::size_t i) {
+        for (int round = 0; round < 20000; ++round) {
+            for (int n = 0; n < 4; ++n) { // for the last ones to meet
+                contour_filter_set(&state, contours[i]);
+                split_set_value(&state, splits[i]);
+            }
+            both.arrive_and_wait();
+        }
+    };
+    {
+        const std::jthread other(hammer, 0);
+        hammer(1);
+    }
+    EXPECT_EQ(nb_torn, 0);
 }
 
 } // namespace
