@@ -12,6 +12,9 @@
 /// A count in the text beyond this is an error of the text, and its line is skipped.
 constexpr int harpmatrix_max_count = 256;
 
+/// All voices of a wiring: a text that goes beyond ends there.
+constexpr unsigned harpmatrix_max_voices = 65536;
+
 struct contact {
     unsigned nb_voices = 0;
     std::vector<unsigned> oscillators; ///< a voice: number in the bank
@@ -29,6 +32,8 @@ struct harpmatrix_cursor {
     int key = -1;
     int contact = -1;
     int voice = -1;
+    unsigned nb_voices = 0; ///< of all keys and contacts so far
+    bool ended = false;     ///< nothing counts that follows
 };
 
 struct harpmatrix {

@@ -113,6 +113,22 @@ TEST_F(HarpMatrix, DamagedTextsKeepTheirSoundParts) {
     }
 }
 
+TEST_F(HarpMatrix, ATextWithTooManyVoicesGivesWhatCameBefore) {
+    std::string text = "[M]\nnb_keys=256\n";
+    for (int k = 0; k < 256; ++k) // each key twice: what is forgotten does not count
+        text += "index=" + std::to_string(k) + "\nnb_contacts=2\ncontact=0\nnb_voices=200\n"
+                + "index=" + std::to_string(k) + "\nnb_contacts=1\ncontact=0\nnb_voices=256\n";
+    const auto nb_resistors = [&](const std::string& last) {
+        load_text(text + last);
+        return resistors.size();
+    };
+    EXPECT_EQ(nb_resistors(""), 65536u);
+    EXPECT_EQ(nb_resistors("nb_voices=255\n"), 65535u);
+    EXPECT_EQ(nb_resistors("nb_contacts=2\ncontact=0\nnb_voices=256\ncontact=1\nnb_voices=1\n"
+                           "contact=0\nnb_voices=9\n"),
+              65536u);
+}
+
 TEST_F(HarpMatrix, ExtremeResistorsScatterWithinTheirRange) {
     load_text(contact_0_of_0
               + "nb_voices=3\noscillator=1\ntapering_resistor=2147483647\n"
