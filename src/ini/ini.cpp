@@ -2,6 +2,7 @@
 
 #include "ini/config_files.h"
 #include "ini/ini_text.h"
+#include "ini/trusted_file.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -98,6 +99,11 @@ ini_data* ini_load_data_from_file(const char* filename) {
     struct stat status {};
     if (stat(filename, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > max_file_long)
         return nullptr;
+    if (!is_trusted_file(filename)) {
+        std::printf("%s is passed over: somebody else may write it, or in a folder on its way\n",
+                    filename);
+        return nullptr;
+    }
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(filename, "rb"),
                                                                std::fclose);
     if (!file)

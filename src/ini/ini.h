@@ -25,7 +25,8 @@ using ini_handler = int (*)(void* user, const char* section, const char* name, c
 [[nodiscard]] ini_data* ini_load_data(const char* filename);
 
 /// Returns null when there is no regular file of that name, or it cannot be opened or is larger
-/// than 16 MiB.
+/// than 16 MiB; or when, on POSIX, somebody else could have put it there, which a line on the
+/// standard output says.
 [[nodiscard]] ini_data* ini_load_data_from_file(const char* filename);
 
 [[nodiscard]] ini_data* ini_load_data_from_memory(const char* filename, const char* p_data,

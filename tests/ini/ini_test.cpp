@@ -114,6 +114,42 @@ TEST(Ini, TextsAreFoundOnDiskThenCompiledInByTheBeginningsOfTheirNames) {
         std::filesystem::remove(name);
     }
     alarm(0);
+    file_write(name, std::string_view{"a=1\n"});
+    std::filesystem::create_directory(folder / "mine");
+    file_write(folder / "mine/x.ini", std::string_view{"a=1\n"});
+    struct access {
+        const char* what;
+        std::string path;
+        mode_t shared, own;
+    };
+    for (const auto& [what, path, shared, own] :
+         {access{"a file that a group may write", name, 0664, 0644},
+          {"a file that anybody may write", name, 0646, 0644},
+          {"a folder that anybody may write", folder / "harpmatrix", 0777, 0755},
+          {"a folder further up", folder / "", 0775, 0700}}) {
+        chmod(path.c_str(), shared);
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(content(name), manual) << what;
+        EXPECT_NE(testing::internal::GetCapturedStdout(), "") << what;
+        chmod(path.c_str(), own);
+        EXPECT_EQ(content(name), "a=1\n") << what;
+    }
+    chmod((folder / "harpmatrix").c_str(), 01777);
+    EXPECT_EQ(content(name), "a=1\n") << "what is in a sticky folder stays its owner's";
+    chmod((folder / "harpmatrix").c_str(), 0755);
+    if (geteuid() == 0) { // only the system's user can give files away
+        for (const std::string& path : {name, std::string(folder / "harpmatrix")}) {
+            ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
+            EXPECT_EQ(content(name), manual) << path << " is somebody else's";
+            ASSERT_EQ(chown(path.c_str(), 0, 0), 0);
+        }
+        std::filesystem::remove(name);
+        std::filesystem::create_symlink(folder / "mine/x.ini", name);
+        EXPECT_EQ(content(name), "a=1\n") << "a link of one's own";
+        ASSERT_EQ(lchown(name.c_str(), 65534, 65534), 0);
+        EXPECT_EQ(content(name), manual) << "somebody else's link to one's own file";
+        std::filesystem::remove(name);
+    }
     for (const std::string_view bytes : {std::string_view{"a=1\r\n\x1A\0", 7}, {}}) {
         file_write(name, bytes);
         EXPECT_EQ(content(name), bytes);
