@@ -1,7 +1,7 @@
 #pragma once
 /// A set of named work buffers of one block's length. Each is registered with its holder, a span
 /// of the caller's that always shows the buffer where it lies now and with its present length, so
-/// that rendering code never looks one up.
+/// that rendering code never looks one up. Functions are [setup].
 
 #include <cstddef>
 #include <span>

@@ -98,7 +98,7 @@ void control_add_parameter(control* p_control, const char* name);
 void control_add_config(control* p_control, const char* section, const char* name,
                         unsigned config_type);
 
-/// Returns the index of the first parameter of exactly that name, or -1.
+/// Returns the index of the first parameter of exactly that name, or -1. [setup]
 int control_find_parameter(const control* p_control, const char* parameter_name);
 
 /// Read and write a parameter's value through its binding. The index is not checked. A value that
@@ -106,6 +106,6 @@ int control_find_parameter(const control* p_control, const char* parameter_name)
 float control_get_parameter(const control* p_control, int index) noexcept;
 void control_set_parameter(control* p_control, int index, float value) noexcept;
 
-/// The handlers of a parameter that is not bound.
+/// The handlers of a parameter that is not bound. [any]
 float get_parameter_value_default();
 void set_parameter_value_default(float value);

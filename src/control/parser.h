@@ -1,5 +1,5 @@
 #pragma once
-/// The configuration handler of the control registry.
+/// The configuration handler of the control registry. [setup]
 
 /// Applies a setting of the [control] section to the registry that `user` points at: "name" appends
 /// a parameter, every other key describes the one appended last. Other sections and keys, and keys

@@ -1,6 +1,6 @@
 #pragma once
 /// Text helpers of the configuration reader. White space is blank, tab, LF, VT, FF and CR, whatever
-/// the host's locale, which nothing here follows.
+/// the host's locale, which nothing here follows. Functions are [any].
 
 #include <cstddef>
 

@@ -1,8 +1,7 @@
 #pragma once
 /// A program is a snapshot of the control registry under a name: for every parameter its value and
 /// its MIDI assignment. A bank is a fixed list of programs. Files that cannot be opened, and
-/// records that do not fit the program, leave everything as it was, silently. Functions run on the
-/// thread of the user's commands.
+/// records that do not fit the program, leave everything as it was, silently. Functions are [ui].
 ///
 /// The program record, also the whole content of a program file; little-endian, nothing aligned:
 ///   name and a zero byte; n (32 bits); n controllers, n channels (32 bits, signed), n values

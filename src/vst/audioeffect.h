@@ -3,8 +3,9 @@
 /// opcodes, the requests to the host and a default for every operation. A plug-in derives from it
 /// and overrides what it can do.
 ///
-/// Operations stand in the interface's order. The layer takes no locks: each runs on the thread
-/// that the host chose, and a request reaches the host on the thread that makes it.
+/// Operations stand in the interface's order. Hosts call processReplacing and processEvents on
+/// [audio], set and read parameters on [any], and all else on [setup] and [ui]. The layer takes no
+/// locks: a request reaches the host on the thread that makes it.
 
 #include "vst/interface.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 /// The effect as VST 2.4 knows it: opcodes 25 to 79 and the requests to the host that came with
 /// them. An operation that its plug-in does not override has nothing to offer: it answers 0 or
-/// false and writes nothing, unless stated.
+/// false and writes nothing, unless stated. Threads are as in vst/audioeffect.h.
 
 #include "vst/audioeffect.h"
 

@@ -1,5 +1,5 @@
 #pragma once
-/// What a host passes with an opcode, and what it replies, as the operations take it.
+/// What a host passes with an opcode, and what it replies, as the operations take it. All is [any].
 
 #include "vst/interface.h"
 

@@ -1,5 +1,5 @@
 #pragma once
-/// The door of the library: the function that a host calls for an instrument.
+/// The door of the library: the function that a host calls for an instrument. All is [setup].
 
 #include "vst/audioeffect.h"
 
