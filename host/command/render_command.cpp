@@ -7,7 +7,6 @@
 #include "command/song_input.h"
 #include "command/sound_writer.h"
 #include "render/render.h"
-#include "report/keyboard.h"
 #include "report/report.h"
 
 #include <algorithm>
@@ -55,7 +54,7 @@ void rehearse(plugin& instrument, const score& music, const midi_song& song,
         return before < rehearsed_seconds;
     };
     render_score(instrument, music, song.tempi, options_of(request),
-                       {.hear = [](std::span<const float>) {}, .goes_on = goes_on});
+                 {.hear = [](std::span<const float>) {}, .goes_on = goes_on});
 }
 
 timing render_sound(plugin& instrument, const score& music, const midi_song& song,
@@ -117,14 +116,21 @@ void render_run(const render_request& request, std::FILE* p_output) {
         goes_out ? output_file{p_output} : output_file{std::filesystem::path{output_name}};
     audio_file file{output, format};
     sound_writer writer = make_writer(file, request);
+    const std::string name = goes_out ? "standard output" : output_name;
+    const bool clips = format.nb_bits < 32;
     const timing times = render_sound(instrument, music, song, request, writer);
     print(goes_out ? stderr : p_output,
-          report_text({.output_name = goes_out ? "standard output" : output_name,
+          report_text({.output_name = name,
                        .seconds = times.seconds,
                        .elapsed_seconds = times.elapsed_seconds,
                        .transposition = request.transposition,
-                       .has_known_keyboard = instrument.record().uniqueID == tindelwax_id,
-                       .clips = format.nb_bits < 32,
+                       .chooses_channels = !request.channels.empty(),
+                       .keys = instrument.record().uniqueID == tindelwax_id ? tindelwax_keyboard
+                                                                            : widest_keyboard,
+                       .nb_outputs = instrument.record().numOutputs,
+                       .clips = clips,
                        .music = music,
                        .levels = writer.levels()}));
+    if (clips && writer.levels().nb_over > 0)
+        warn(name + " is clipped; lower it with --normalize -1 or a smaller --gain");
 }

@@ -1,7 +1,6 @@
 #include "command/song_input.h"
 
 #include "failure/failure.h"
-#include "failure/printable.h"
 
 #include <array>
 #include <cerrno>
@@ -51,7 +50,6 @@ midi_song song_read(const std::string& argument) {
     if (!song.error.empty())
         fail(argument, song.error);
     for (const std::string& warning : song.warnings)
-        std::fprintf(stderr, "tindelwax: warning: %s: %s\n", printable(song_name(argument)).c_str(),
-                     warning.c_str());
+        warn(song_name(argument) + ": " + warning);
     return song;
 }

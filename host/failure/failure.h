@@ -17,3 +17,6 @@ struct failure : std::runtime_error {
 
     exit_status status;
 };
+
+/// Tells the user on standard error, in one sentence, what does not end the command.
+void warn(const std::string& sentence);

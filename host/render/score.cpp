@@ -12,6 +12,10 @@ constexpr std::uint8_t sysex_start = 0xF0;
 constexpr std::uint8_t sustain_pedal = 64;
 constexpr std::uint8_t pedal_down = 64; // from this value up
 
+bool is_stroke(std::span<const std::uint8_t> message) {
+    return (message[0] & 0xF0) == note_on && message[2] > 0;
+}
+
 class arranger {
 public:
     arranger(const midi_song& song, const score_options& options, int rate_hz)
@@ -45,8 +49,10 @@ private:
             return append(frame, message);
         const std::size_t channel = message[0] & 0x0F;
         const std::uint8_t kind = message[0] & 0xF0;
-        if (!options_.channels[channel])
+        if (!options_.channels[channel]) {
+            music_.nb_unwished += is_stroke(message);
             return;
+        }
         if (kind == note_off || kind == note_on || kind == key_pressure)
             return add_key(frame, message, kind);
         if (kind == control_change && message[1] == sustain_pedal)
@@ -55,7 +61,7 @@ private:
     }
 
     void add_key(std::uint64_t frame, std::span<const std::uint8_t> message, std::uint8_t kind) {
-        const bool strikes = kind == note_on && message[2] > 0;
+        const bool strikes = is_stroke(message);
         if (strikes)
             ++music_.notes_before_transposition[message[1]];
         const int note = message[1] + options_.transposition;
@@ -65,12 +71,10 @@ private:
         append(frame, transposed);
 
         auto& nb_strokes = channels_[message[0] & 0x0F].nb_strokes[static_cast<std::size_t>(note)];
-        if (strikes) {
-            ++music_.nb_notes;
+        if (strikes)
             ++nb_strokes;
-        } else if (kind != key_pressure && nb_strokes > 0) {
+        else if (kind != key_pressure && nb_strokes > 0)
             --nb_strokes;
-        }
     }
 
     // As many releases as strokes: instruments that count them would hold the note otherwise.

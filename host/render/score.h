@@ -28,8 +28,8 @@ struct score_event {
 struct score {
     std::vector<score_event> events{}; ///< by frame
     std::vector<std::uint8_t> bytes{};
-    std::uint64_t nb_frames = 0; ///< the song's end, where the last events may be
-    std::uint64_t nb_notes = 0;  ///< struck in `events`
+    std::uint64_t nb_frames = 0;   ///< the song's end, where the last events may be
+    std::uint64_t nb_unwished = 0; ///< strokes on the other channels
     std::array<std::uint64_t, nb_midi_notes> notes_before_transposition{}; ///< strokes of each
 };
 

@@ -1,16 +1,26 @@
 #pragma once
-/// How a song lies on the keyboard of our own instrument.
+/// How a song lies on an instrument's keyboard.
 
 #include "render/score.h"
 
 #include <cstdint>
 
-constexpr std::int32_t tindelwax_id = 0x54696E64; ///< 'Tind', its uniqueID
-constexpr int lowest_key = 24;                    ///< MIDI notes of the keyboard's ends
-constexpr int highest_key = 72;
+struct keyboard {
+    int lowest; ///< MIDI notes of its ends
+    int highest;
+};
 
-/// Notes struck outside the keyboard when all are moved by `transposition` semitones.
-[[nodiscard]] std::uint64_t keyboard_count_outside(const score& music, int transposition);
+constexpr std::int32_t tindelwax_id = 0x54696E64; ///< 'Tind', its uniqueID
+constexpr keyboard tindelwax_keyboard{24, 72};
+constexpr keyboard widest_keyboard{0, nb_midi_notes - 1};
+
+/// Notes struck on the keyboard when all are moved by `transposition` semitones.
+[[nodiscard]] std::uint64_t keyboard_count_played(const keyboard& keys, const score& music,
+                                                  int transposition);
+
+/// Those struck outside.
+[[nodiscard]] std::uint64_t keyboard_count_outside(const keyboard& keys, const score& music,
+                                                   int transposition);
 
 /// The transposition that leaves the fewest outside; of equals the smallest, of those the upward.
-[[nodiscard]] int keyboard_best_transposition(const score& music);
+[[nodiscard]] int keyboard_best_transposition(const keyboard& keys, const score& music);

@@ -1,7 +1,6 @@
 #include "report/report.h"
 
 #include "failure/printable.h"
-#include "report/keyboard.h"
 
 #include <algorithm>
 #include <array>
@@ -22,17 +21,28 @@ std::string count_text(std::uint64_t number, const std::string& thing) {
     return std::to_string(number) + " " + thing + (number == 1 ? "" : "s");
 }
 
+std::string channels_line(const render_report& report) {
+    if (report.music.nb_unwished == 0)
+        return {};
+    return count_text(report.music.nb_unwished, "note")
+           + (report.chooses_channels ? " on channels not asked for\n"
+                                      : " on channel 10 left out; --channels all plays them\n");
+}
+
 std::string keyboard_line(const render_report& report) {
-    const auto nb_outside = keyboard_count_outside(report.music, report.transposition);
+    const auto count_outside = [&](int transposition) {
+        return keyboard_count_outside(report.keys, report.music, transposition);
+    };
+    const auto nb_outside = count_outside(report.transposition);
     if (nb_outside == 0)
         return {};
     std::string line = count_text(nb_outside, "note") + " outside the keyboard (MIDI notes "
-                       + std::to_string(lowest_key) + " to " + std::to_string(highest_key) + ")";
-    const int best = keyboard_best_transposition(report.music);
-    const auto nb_at_best = keyboard_count_outside(report.music, best);
-    if (nb_at_best < nb_outside)
-        line +=
-            "; --transpose " + std::to_string(best) + " would leave " + std::to_string(nb_at_best);
+                       + std::to_string(report.keys.lowest) + " to "
+                       + std::to_string(report.keys.highest) + ")";
+    const int best = keyboard_best_transposition(report.keys, report.music);
+    if (count_outside(best) < nb_outside)
+        line += "; --transpose " + std::to_string(best) + " would leave "
+                + std::to_string(count_outside(best));
     return line + "\n";
 }
 
@@ -50,11 +60,13 @@ std::string level_line(const render_report& report) {
 } // namespace
 
 std::string report_text(const render_report& report) {
+    const auto nb_played = keyboard_count_played(report.keys, report.music, report.transposition);
     std::string text = printable(report.output_name) + ": " + duration_text(report.seconds) + ", "
-                       + count_text(report.music.nb_notes, "note") + " played\n";
-    if (report.has_known_keyboard)
-        text += keyboard_line(report);
-    text += level_line(report);
+                       + count_text(nb_played, "note") + " played\n" + channels_line(report)
+                       + keyboard_line(report) + level_line(report);
+    if (report.nb_outputs > 2)
+        text += "the first 2 of the instrument's " + std::to_string(report.nb_outputs)
+                + " outputs are in the file\n";
     if (report.levels.nb_invalid > 0)
         text += count_text(report.levels.nb_invalid, "sample")
                 + " from the instrument were no numbers and became silence\n";

@@ -164,18 +164,50 @@ TEST_F(Command, LevelsAreBroughtWhereTheUserWantsThem) {
         EXPECT_FALSE(contains(result.out, "no numbers")) << result.out;
         EXPECT_NEAR(peak(file_content(folder / "song.wav")), wished, 0.002f) << options[0];
     }
-    const process_result loud = run({"render", "song.mid", "--gain", "20", "--bits", "16"});
-    EXPECT_TRUE(contains(loud.out, " clipped samples") && !contains(loud.out, " 0 clipped"))
-        << loud.out;
 }
 
-TEST_F(Command, OnlyForOurInstrumentTheKeyboardIsKnown) {
-    file_write(folder / "song.mid", song(0, 480, {"00 90 50 40 00 90 3C 40"}));
-    EXPECT_TRUE(contains(run({"render", "song.mid"}).out, "1 note outside the keyboard"));
-    EXPECT_TRUE(contains(run({"render", "song.mid"}).out, "--transpose -8 would leave 0"));
-    const process_result other = run({"render", "song.mid"}, "sine_second_entry");
-    EXPECT_EQ(other.status, 0) << other.err;
-    EXPECT_FALSE(contains(other.out, "keyboard")) << other.out;
+TEST_F(Command, TheReportTellsWhatIsNotHeardAndWhy) {
+    struct account {
+        const char* track;
+        words options;
+        const char* plugin;
+        const char* nb_outputs;
+        const char* told;
+    };
+    for (const account& row :
+         {account{"00 90 50 40 00 90 3C 40",
+                  {},
+                  "sine_main",
+                  "2",
+                  "1 note played\n1 note outside the keyboard (MIDI notes 24 to 72); "
+                  "--transpose -8 would leave 0\npeak"},
+          {"00 90 50 40 00 90 3C 40", {}, "sine_second_entry", "2", "2 notes played\npeak"},
+          {"00 99 24 40 00 99 25 40",
+           {},
+           "sine_main",
+           "2",
+           "0 notes played\n2 notes on channel 10 left out; --channels all plays them\nsilence"},
+          {"00 90 3C 40",
+           {"--channels", "2"},
+           "sine_main",
+           "2",
+           "0 notes played\n1 note on channels not asked for\nsilence"},
+          {"00 90 3C 40", {"--gain", "20"}, "sine_main", "2", " samples that would clip\n"},
+          {"00 90 3C 40", {"--gain", "20", "--bits", "16"}, "sine_main", "2", " clipped samples\n"},
+          {"00 90 3C 40", {}, "sine_main", "4", "the first 2 of the instrument's 4 outputs"},
+          {"00 90 3C 40", {}, "sine_main", "1", "1 note played\npeak -12.0 dBFS"}}) {
+        file_write(folder / "song.mid", song(0, 480, {row.track + std::string{" 8F 00 C0 01"}}));
+        surroundings.environment["TINDELWAX_TEST_OUTPUTS"] = row.nb_outputs;
+        words arguments{"render", "song.mid"};
+        arguments.insert(arguments.end(), row.options.begin(), row.options.end());
+        const process_result result = run(arguments, row.plugin);
+        EXPECT_TRUE(contains(result.out, row.told)) << row.told << result.out << result.err;
+        EXPECT_EQ(contains(result.err, "warning: song.wav is clipped"),
+                  contains(result.out, " clipped") && !contains(result.out, " 0 clipped"))
+            << result.err;
+        const int nb_channels = file_content(folder / "song.wav")[22];
+        EXPECT_EQ(nb_channels, std::min(2, std::atoi(row.nb_outputs))) << row.told;
+    }
 }
 
 TEST_F(Command, InfoTellsWhatThePluginSaysOfItself) {

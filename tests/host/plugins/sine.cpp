@@ -153,7 +153,9 @@ void VSTCALLBACK process(AEffect* effect, float**, float** outputs, VstInt32 nb_
             if (s.nb_strokes[note] <= 0)
                 s.gains[note] *= release;
         }
-        outputs[0][i] = outputs[1][i] = static_cast<float>(sum) * s.parameters[0];
+        for (VstInt32 output = 0; output < effect->numOutputs; ++output)
+            outputs[output][i] =
+                static_cast<float>(sum) * s.parameters[0] / static_cast<float>(1 + output / 2);
     }
     s.frame += nb_frames;
 }
@@ -178,7 +180,8 @@ AEffect* create(audioMasterCallback host) {
     s->effect.getParameter = get_parameter;
     s->effect.processReplacing = process;
     s->effect.numParams = static_cast<VstInt32>(parameter_names.size());
-    s->effect.numOutputs = 2;
+    const char* nb_outputs = std::getenv("TINDELWAX_TEST_OUTPUTS");
+    s->effect.numOutputs = nb_outputs ? std::atoi(nb_outputs) : 2;
     s->effect.flags = effFlagsCanReplacing | effFlagsIsSynth;
     s->effect.uniqueID = SINE_ID;
     s->effect.version = 1;

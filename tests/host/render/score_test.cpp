@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <string>
 
 namespace {
@@ -23,8 +24,10 @@ std::string arranged(const char* track, const score_options& options) {
             text += hex.data();
         }
     }
+    const auto& notes = music.notes_before_transposition;
     return text + " | end " + std::to_string(music.nb_frames) + ", notes "
-           + std::to_string(music.nb_notes);
+           + std::to_string(std::accumulate(notes.begin(), notes.end(), std::uint64_t{0}))
+           + (music.nb_unwished ? ", unwished " + std::to_string(music.nb_unwished) : "");
 }
 
 TEST(Score, ArrangesWhatIsWished) {
@@ -38,7 +41,7 @@ TEST(Score, ArrangesWhatIsWished) {
         {"channel 10 is left out, SysEx belongs to no channel",
          "00 99 3C 40 00 F0 03 7D 01 F7 01 99 3C 00 00 90 3C 40 01 80 3C 00",
          {},
-         "0: F0 7D 01 F7 | 1: 90 3C 40 | 2: 80 3C 00 | end 2, notes 1"},
+         "0: F0 7D 01 F7 | 1: 90 3C 40 | 2: 80 3C 00 | end 2, notes 1, unwished 1"},
         {"only chosen channels",
          "00 B0 07 01 00 B1 07 02 00 B2 07 03",
          {.channels = 2},
@@ -50,7 +53,7 @@ TEST(Score, ArrangesWhatIsWished) {
         {"notes moved out of range are left out",
          "00 90 7F 40 00 90 7E 40 01 80 7F 40 00 80 7E 40",
          {.transposition = 1},
-         "0: 90 7F 40 | 1: 80 7F 40 | end 1, notes 1"},
+         "0: 90 7F 40 | 1: 80 7F 40 | end 1, notes 2"},
         {"held notes and the pedal end with the song",
          "00 90 3C 40 00 91 3E 40 00 B1 40 7F 00 90 40 40 05 90 40 00 05 C0 00",
          {},

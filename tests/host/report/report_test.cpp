@@ -1,5 +1,3 @@
-#include "report/keyboard.h"
-#include "report/meter.h"
 #include "report/report.h"
 
 #include <cmath>
@@ -26,9 +24,11 @@ TEST(Keyboard, FindsTheTranspositionThatFitsMost) {
         score music;
         for (const std::size_t note : row.notes)
             ++music.notes_before_transposition[note];
-        EXPECT_EQ(keyboard_count_outside(music, 0), row.nb_outside_unmoved) << row.name;
-        const int best = keyboard_best_transposition(music);
-        EXPECT_EQ(keyboard_count_outside(music, best), row.nb_outside_moved) << row.name;
+        EXPECT_EQ(keyboard_count_outside(tindelwax_keyboard, music, 0), row.nb_outside_unmoved)
+            << row.name;
+        const int best = keyboard_best_transposition(tindelwax_keyboard, music);
+        EXPECT_EQ(keyboard_count_outside(tindelwax_keyboard, music, best), row.nb_outside_moved)
+            << row.name;
         EXPECT_LE(std::abs(best), std::abs(row.transposition)) << row.name;
     }
 }
@@ -44,7 +44,9 @@ TEST(Report, TellsTheSpeedToAUsefulDigit) {
                                               .seconds = 1,
                                               .elapsed_seconds = elapsed,
                                               .transposition = 0,
-                                              .has_known_keyboard = false,
+                                              .chooses_channels = false,
+                                              .keys = widest_keyboard,
+                                              .nb_outputs = 2,
                                               .clips = false,
                                               .music = music,
                                               .levels = levels});
