@@ -10,6 +10,8 @@ namespace {
 
 template <typename Number>
 std::optional<Number> parse_number(std::string_view text) {
+    if (text.starts_with('+') && !text.starts_with("+-"))
+        text.remove_prefix(1);
     Number number{};
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     const bool is_whole = error == std::errc{} && end == text.data() + text.size();
@@ -31,6 +33,29 @@ std::string lower_case(std::string text) {
     for (char& c : text)
         c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     return text;
+}
+
+template <typename Number>
+Number parse_within(const std::string& option, const std::string& text, Number low, Number high) {
+    const auto number = parse_number<Number>(text);
+    if (number && *number >= low && *number <= high)
+        return *number;
+    std::ostringstream sentence;
+    sentence << option << " takes a " << (std::is_integral_v<Number> ? "whole " : "")
+             << "number from " << low << " to " << high << "; \"" << text << "\" is none";
+    misuse(sentence.str());
+}
+
+template int parse_within(const std::string&, const std::string&, int, int);
+template std::uint32_t parse_within(const std::string&, const std::string&, std::uint32_t,
+                                    std::uint32_t);
+template double parse_within(const std::string&, const std::string&, double, double);
+
+int parse_bits(const std::string& text) {
+    const auto number = parse_number<int>(text);
+    if (number != 16 && number != 24 && number != 32)
+        misuse("--bits takes 16, 24 or 32; \"" + text + "\" is none of them");
+    return *number;
 }
 
 std::bitset<16> parse_channels(const std::string& list) {

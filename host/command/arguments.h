@@ -11,6 +11,15 @@
 /// ASCII letters only, whatever the locale.
 [[nodiscard]] std::string lower_case(std::string text);
 
+/// A number from `low` to `high`, a whole one if Number is an integer, for an option of that name.
+/// For int, std::uint32_t and double.
+template <typename Number>
+[[nodiscard]] Number parse_within(const std::string& option, const std::string& text, Number low,
+                                  Number high);
+
+/// 16, 24 or 32.
+[[nodiscard]] int parse_bits(const std::string& text);
+
 /// Channel numbers and ranges such as "1,3-5", or "all". Bit 0 is channel 1.
 [[nodiscard]] std::bitset<16> parse_channels(const std::string& list);
 

@@ -9,24 +9,24 @@
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <sstream>
 #include <utility>
 
 namespace {
 
-/// Within limits; unlike the library's own check it refuses what is no number at all.
-CLI::Validator within(double low, double high) {
-    return CLI::Validator{[low, high](std::string& text) -> std::string {
-                              double value = 0;
-                              if (CLI::detail::lexical_cast(text, value) && value >= low
-                                  && value <= high)
-                                  return {};
-                              std::ostringstream message;
-                              message << "takes a number from " << low << " to " << high;
-                              return message.str();
-                          },
-                          ""};
+/// An option that takes a number within limits. The library reads numbers its own way (010 is 8),
+/// and complains in words of its own.
+template <typename Number, typename Target>
+CLI::Option* add_number(CLI::App& app, const std::string& name, Target& target, Number low,
+                        Number high, const std::string& description) {
+    return app.add_option_function<std::string>(
+        name,
+        [&target, name, low, high](const std::string& text) {
+            target = parse_within(name, text, low, high);
+        },
+        description);
 }
 
 void add_plugin_option(CLI::App& app, std::filesystem::path& file) {
@@ -46,17 +46,16 @@ void add_file_options(CLI::App& app, render_request& request) {
                    "the current folder, if that is free; standard output\n"
                    "for song -)")
         ->option_text("OUT");
-    app.add_option("--bits", request.nb_bits,
-                   "16 or 24 whole-number bits, or in WAV 32-bit float\n"
-                   "(the finest: WAV 32, FLAC 24)")
-        ->option_text("N")
-        ->check(CLI::IsMember({16, 24, 32}));
-    app.add_option("--rate", request.rate_hz, "frames a second (48000)")
-        ->option_text("HZ")
-        ->check(within(8000, 192000));
-    app.add_option("--block", request.block_frames, "frames that are asked for at once (64)")
-        ->option_text("FRAMES")
-        ->check(within(1, 65536));
+    app.add_option_function<std::string>(
+           "--bits", [&request](const std::string& text) { request.nb_bits = parse_bits(text); },
+           "16 or 24 whole-number bits, or in WAV 32-bit float\n"
+           "(the finest: WAV 32, FLAC 24)")
+        ->option_text("N");
+    add_number(app, "--rate", request.rate_hz, 8000, 192000, "frames a second (48000)")
+        ->option_text("HZ");
+    add_number(app, "--block", request.block_frames, 1, 65536,
+               "frames that are asked for at once (64)")
+        ->option_text("FRAMES");
 }
 
 void add_instrument_options(CLI::App& app, instrument_request& request) {
@@ -67,38 +66,37 @@ void add_instrument_options(CLI::App& app, instrument_request& request) {
         ->option_text("Name=value")
         ->allow_extra_args(false)
         ->take_all();
-    app.add_option("--seed", request.seed,
-                   "start of the instrument's random numbers (1): the same\n"
-                   "command gives the same bytes on every run")
+    add_number(app, "--seed", request.seed, std::uint32_t{0},
+               std::numeric_limits<std::uint32_t>::max(),
+               "start of the instrument's random numbers (1): the same\n"
+               "command gives the same bytes on every run")
         ->option_text("N");
 }
 
 void add_music_options(CLI::App& app, render_request& request) {
-    app.add_option("--transpose", request.transposition, "move all notes by N semitones (0)")
-        ->option_text("N")
-        ->check(within(-127, 127));
+    add_number(app, "--transpose", request.transposition, -127, 127,
+               "move all notes by N semitones (0)")
+        ->option_text("N");
     app.add_option("--channels", request.channels,
                    "play these MIDI channels, such as 1,3-5, or all\n"
                    "(all but 10, the drums)")
         ->option_text("LIST");
-    app.add_option("--length", request.length_seconds, "play only the song's first seconds (all)")
-        ->option_text("SECONDS")
-        ->check(within(0.001, 36000));
-    app.add_option("--tail", request.tail_seconds,
-                   "let the song fade for at most so long, up to 5 (5);\n"
-                   "100 ms below -90 dBFS end it sooner")
-        ->option_text("SECONDS")
-        ->check(within(0, 5));
+    add_number(app, "--length", request.length_seconds, 0.001, 36000.0,
+               "play only the song's first seconds (all)")
+        ->option_text("SECONDS");
+    add_number(app, "--tail", request.tail_seconds, 0.0, 5.0,
+               "let the song fade for at most so long, up to 5 (5);\n"
+               "100 ms below -90 dBFS end it sooner")
+        ->option_text("SECONDS");
 }
 
 void add_level_options(CLI::App& app, render_request& request) {
-    CLI::Option* gain = app.add_option("--gain", request.gain_db, "amplify by DB decibels (0)")
-                            ->option_text("DB")
-                            ->check(within(-200, 200));
-    app.add_option("--normalize", request.peak_db,
-                   "amplify to a peak of DB dBFS (-1 if none is given)")
+    CLI::Option* gain =
+        add_number(app, "--gain", request.gain_db, -200.0, 200.0, "amplify by DB decibels (0)")
+            ->option_text("DB");
+    add_number(app, "--normalize", request.peak_db, -200.0, 200.0,
+               "amplify to a peak of DB dBFS (-1 if none is given)")
         ->option_text("[DB]")
-        ->check(within(-200, 200))
         ->excludes(gain);
 }
 
@@ -119,16 +117,19 @@ CLI::App* add_panel(CLI::App& app, panel_request& request) {
     panel->add_option("-o,--output", request.output, "the picture, named .png")
         ->option_text("PANEL.png")
         ->required();
-    panel->add_option("--scale", request.scale, "make each pixel a square of N by N, 1 to 8 (1)")
-        ->option_text("N")
-        ->check(within(1, 8));
+    add_number(*panel, "--scale", request.scale, 1, 8,
+               "make each pixel a square of N by N, 1 to 8 (1)")
+        ->option_text("N");
     add_instrument_options(*panel, request);
     return panel;
 }
 
 std::string complaint_text(const CLI::App& app, const CLI::ParseError& error) {
+    const std::string words = error.what();
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) // none or two
+        return words.substr(0, words.find(':')) + " takes one value";
     if (!app.get_subcommands().empty())
-        return error.what();
+        return words;
     const auto rest = app.remaining();
     std::string text = rest.empty() ? "a command is missing" : '"' + rest[0] + "\" is no command";
     const char* separator = "; the commands are ";

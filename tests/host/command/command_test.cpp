@@ -150,7 +150,7 @@ TEST_F(Command, PipesCarryTheSameFileAndNothingElse) {
 }
 
 TEST_F(Command, LevelsAreBroughtWhereTheUserWantsThem) {
-    const std::vector<std::pair<words, float>> rows{{{"--gain", "6.0206"}, 0.5f},
+    const std::vector<std::pair<words, float>> rows{{{"--gain", "+6.0206"}, 0.5f},
                                                     {{"--normalize", "-6.0206"}, 0.5f},
                                                     {{"--normalize=0"}, 1.0f},
                                                     {{"--normalize"}, 0.8913f},
@@ -253,9 +253,12 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
         {{"bogus"}, "", 2, "\"bogus\" is no command; the commands are render, panel, info"},
         {{"--loud"}, "", 2, "\"--loud\" is no command"},
         {{"render"}, "", 2, "song"},
-        {{"render", "song.mid", "--rate", "nan"}, "", 2, "--rate"},
-        {{"render", "song.mid", "--tail", "6"}, "", 2, "--tail"},
-        {{"render", "song.mid", "--bits", "20"}, "", 2, "--bits"},
+        {{"render", "song.mid", "--rate", "1e4"}, "", 2, "whole number from 8000 to 192000; \"1e4"},
+        {{"render", "song.mid", "--rate", "010"}, "", 2, "\"010\" is none"},
+        {{"render", "song.mid", "--tail", "nan"}, "", 2, "--tail takes a number from 0 to 5"},
+        {{"render", "song.mid", "--bits", "20"}, "", 2, "16, 24 or 32"},
+        {{"render", "song.mid", "--seed", "-1"}, "", 2, "from 0 to 4294967295"},
+        {{"render", "song.mid", "--block"}, "", 2, "--block takes one value"},
         {{"render", "song.mid", "--loud"}, "", 2, "--loud"},
         {{"render", "song.mid", "--gain", "1", "--normalize"}, "", 2, "--gain"},
         {{"render", "song.mid", "--channels", "0"}, "sine_main", 2, "1 to 16"},
