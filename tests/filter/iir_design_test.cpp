@@ -28,17 +28,18 @@ design shelf(float fc, float Q, float G, int high) {
     return [=](filter* f) { iir_filter_design_shelf_multi_rate(f, fc, Q, G, high); };
 }
 
-/// |H| of the selected set at a frequency, from its definition.
-double magnitude(const filter& f, double frequency) {
-    const auto inverse_z = std::polar(1.0, -2 * std::numbers::pi * frequency / f.sample_rate);
-    std::complex<double> zeros = 0;
-    std::complex<double> poles = 0;
-    for (int i = f.order; i >= 0; --i) {
-        const auto k = static_cast<std::size_t>(i);
-        zeros = zeros * inverse_z + static_cast<double>(f.b_coeffs[k]);
-        poles = poles * inverse_z + (k == 0 ? 1.0 : static_cast<double>(f.a_coeffs[k]));
-    }
-    return std::abs(zeros / poles);
+/// |H| at a frequency, of the response to an impulse.
+double magnitude(filter* f, double frequency) {
+    std::vector<float> response(8192);
+    response[0] = 1;
+    filter_reset_z_buff(f);
+    iir_filter_process(f, response, response, 0);
+    std::complex<double> sum = 0;
+    for (std::size_t n = 0; n < response.size(); ++n)
+        sum +=
+            std::polar(static_cast<double>(response[n]),
+                       -2 * std::numbers::pi * frequency * static_cast<double>(n) / f->sample_rate);
+    return std::abs(sum);
 }
 
 TEST(IirDesign, CornersThatNoRateHasLeaveTheFilterAsItWas) {
@@ -94,7 +95,7 @@ TEST(IirDesign, MagnitudesFollowTheClosedForms) {
             for (const auto& [frequency, wanted] : {std::pair{0.0, row.at_zero},
                                                     {row.corner, row.at_corner},
                                                     {rate / 2.0, row.at_half_rate}})
-                EXPECT_NEAR(magnitude(*f, frequency), wanted, tolerance)
+                EXPECT_NEAR(magnitude(f.get(), frequency), wanted, tolerance)
                     << row.name << " at " << frequency << " of " << rate << " Hz";
         }
     }
