@@ -79,8 +79,10 @@ TEST_F(Keybed, SegmentsAreThoseOfTheScript) {
         {"on 0 0 on 1 0 on 2 0 next 512 off 1 0 alloff 300 next 512",
          "0A0+100@0 0S100+412@0 1A0+100@0 1S100+412@0 2A0+100@0 2S100+412@0 | "
          "1S0+0@0 0S0+300@0 1R0+144@0 2S0+300@0 0R300+144@0 2R300+144@0 | "},
-        {"on 0 0 on 1 0 next 512 reset next 512 on 1 500 next 512",
-         "0A0+100@0 0S100+412@0 1A0+100@0 1S100+412@0 | | 1A500+12@0 | "},
+        // A reset forgets who stood before whom.
+        {"on 0 0 on 1 0 next 512 reset on 1 0 on 2 0 next 512 off 1 0 next 512 next 512",
+         "0A0+100@0 0S100+412@0 1A0+100@0 1S100+412@0 | 1A0+100@0 1S100+412@0 2A0+100@0 "
+         "2S100+412@0 | 1S0+0@0 1R0+144@0 2S0+512@0 | 2S0+512@0 | "},
         {"on 0 412 next 512 size 64 next 64 size 1024 next 1024 next 1024",
          "0A412+100@0 | 0A0+0@100 0S0+64@0 | 0S0+1024@0 | 0S0+1024@0 | "},
         // Frames outside the block or before what is rendered move.
