@@ -64,23 +64,4 @@ TEST(Control, ParametersAndConfigsBeyond256AreIgnored) {
     EXPECT_EQ(registry->parameters[255]->midi_cc, 255u) << "what follows describes no parameter";
 }
 
-TEST(Control, ValuesGoToThePointerBeforeTheHandlers) {
-    const control_ptr registry = load("[control]\nname=p\n");
-    parameter& param = *registry->parameters[0];
-    control_set_parameter(registry.get(), 0, 0.5f);
-    EXPECT_EQ(control_get_parameter(registry.get(), 0), 0.0f) << "unbound";
-
-    float handled = 0.25f;
-    param.get_parameter_value = [&] { return handled; };
-    param.set_parameter_value = [&](float value) { handled = value; };
-    control_set_parameter(registry.get(), 0, 0.75f);
-    EXPECT_EQ(control_get_parameter(registry.get(), 0), 0.75f);
-
-    std::atomic<float> bound = 0.125f;
-    param.value = &bound;
-    control_set_parameter(registry.get(), 0, 1.0f);
-    EXPECT_EQ(control_get_parameter(registry.get(), 0), 1.0f);
-    EXPECT_EQ(handled, 0.75f);
-}
-
 } // namespace

@@ -1,7 +1,5 @@
 #include "vibrato/vibrato.h"
 
-#include "tests/noise.h"
-
 #include <gtest/gtest.h>
 #include <memory>
 #include <numeric>
@@ -42,20 +40,6 @@ TEST(Vibrato, NothingIsLostWhileTheDelaySwings) {
     in.resize(8100);        // and the silence that lets the ring run empty
     const samples out = process(create(9), in);
     EXPECT_NEAR(std::accumulate(out.begin(), out.end(), 0.0), 8000, 0.005);
-}
-
-TEST(Vibrato, PhaseAndRingGoOnInPlaceThroughBlocksRatesAndDepths) {
-    const samples in = noise(200, 1);
-    const samples whole = process(create(9), in);
-    for (std::size_t cut = 0; cut <= in.size(); ++cut) {
-        const vibrato_ptr v = create(9);
-        samples parts = in;
-        vibrato_process(v.get(), std::span(parts).first(cut), std::span(parts).first(cut));
-        vibrato_set_depth(v.get(), 0, 9);
-        vibrato_set_sampling_rate(v.get(), 48000);
-        vibrato_process(v.get(), std::span(parts).subspan(cut), std::span(parts).subspan(cut));
-        ASSERT_EQ(parts, whole) << "cut at " << cut;
-    }
 }
 
 } // namespace
