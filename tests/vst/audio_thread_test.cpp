@@ -20,8 +20,6 @@
 
 extern "C" {
 void* __libc_malloc(std::size_t size);
-void* __libc_calloc(std::size_t count, std::size_t size);
-void* __libc_realloc(void* block, std::size_t size);
 void* __libc_memalign(std::size_t alignment, std::size_t size);
 void __libc_free(void* block);
 }
@@ -50,16 +48,6 @@ void* malloc(std::size_t size) {
     return __libc_malloc(size);
 }
 
-void* calloc(std::size_t count, std::size_t size) {
-    note();
-    return __libc_calloc(count, size);
-}
-
-void* realloc(void* block, std::size_t size) {
-    note();
-    return __libc_realloc(block, size);
-}
-
 void* aligned_alloc(std::size_t alignment, std::size_t size) {
     note();
     return __libc_memalign(alignment, size);
@@ -68,12 +56,6 @@ void* aligned_alloc(std::size_t alignment, std::size_t size) {
 void free(void* block) {
     note();
     __libc_free(block);
-}
-
-int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
-    note();
-    *block = __libc_memalign(alignment, size);
-    return *block ? 0 : ENOMEM;
 }
 
 // Each notes the call and passes it on.
