@@ -6,7 +6,7 @@
 CFrame::CFrame(const CRect& size, void* parent, CFrameOwner* owner)
     : frameOwner(owner),
       context(size.width(), size.height()),
-      window(open_platform_window(parent, {size.width(), size.height()}, *this)) {}
+      window(open_platform_window(parent, context, *this)) {}
 
 CFrame::~CFrame() = default;
 
@@ -49,7 +49,7 @@ void CFrame::show(const CRect& area) {
         background->draw(context, context.bounds());
     for (const auto& view : views)
         view->draw(context);
-    window->put(context, area);
+    window->put(area);
 }
 
 bool CFrame::onWheel(float notches) { return turnWheel(notches, 0); }
@@ -62,7 +62,7 @@ void CFrame::detach() {
 void CFrame::onExpose(const CRect& area) {
     redraw();
     if (!detached)
-        window->put(context, area);
+        window->put(area);
 }
 
 void CFrame::onMouseDown(CPoint where, int buttons) {

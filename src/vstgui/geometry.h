@@ -19,6 +19,14 @@ struct CRect {
         return point.x >= left && point.x < right && point.y >= top && point.y < bottom;
     }
 
+    /// The smallest that holds both; what is empty counts for nothing.
+    [[nodiscard]] constexpr CRect united(const CRect& other) const {
+        if (empty() || other.empty())
+            return empty() ? other : *this;
+        return {std::min(left, other.left), std::min(top, other.top), std::max(right, other.right),
+                std::max(bottom, other.bottom)};
+    }
+
     /// Empty when the two do not meet.
     [[nodiscard]] constexpr CRect intersection(const CRect& other) const {
         return {std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),

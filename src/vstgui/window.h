@@ -8,10 +8,10 @@
 
 #include <memory>
 
-/// Whom a window tells what happens on it. Any of these calls may end the window.
+/// Whom a window tells what happens on it. Any of these calls but the first may end the window.
 class PlatformWindowListener {
 public:
-    virtual void onExpose(const CRect& area) = 0;
+    virtual void onExpose(const CRect& area) = 0; ///< to bring the picture up to date, and put it
     virtual void onMouseDown(CPoint where, int buttons) = 0;
     virtual void onMouseUp(CPoint where, int buttons) = 0;
     /// While a button is down the pointer is followed beyond the window's edges.
@@ -30,15 +30,17 @@ class PlatformWindow {
 public:
     virtual ~PlatformWindow() = default;
 
-    /// Shows an area of the picture at the same place of the window.
-    virtual void put(const CDrawContext& picture, const CRect& area) = 0;
+    /// Shows an area of the picture at the same place of the window. A display that does not
+    /// answer gets it as it then is, once it does: nobody waits for it.
+    virtual void put(const CRect& area) = 0;
 
     /// Tells the listener what has happened. A window whose system calls by itself has nothing to
     /// do here.
     virtual void handleEvents() = 0;
 };
 
-/// Returns null when the system can show no window there. `parent` is the host's own window, as the
-/// host's system knows it: an X11 window's number, or a HWND. The listener outlives the window.
+/// Opens a window that shows a picture, in whose size it is. Returns null when the system can show
+/// no window there. `parent` is the host's own window, as the host's system knows it: an X11
+/// window's number, or a HWND. Picture and listener outlive the window.
 [[nodiscard]] std::unique_ptr<PlatformWindow>
-open_platform_window(void* parent, CPoint size, PlatformWindowListener& listener);
+open_platform_window(void* parent, const CDrawContext& picture, PlatformWindowListener& listener);

@@ -7,12 +7,14 @@ namespace {
 
 class HeadlessWindow final : public PlatformWindow {
 public:
-    HeadlessWindow(headless_parent& host, PlatformWindowListener& listener) : parent(host) {
+    HeadlessWindow(headless_parent& host, const CDrawContext& shown,
+                   PlatformWindowListener& listener)
+        : parent(host), picture(shown) {
         parent.listener = &listener;
     }
     ~HeadlessWindow() override { parent.listener = nullptr; }
 
-    void put(const CDrawContext& picture, const CRect& area) override {
+    void put(const CRect& area) override {
         parent.puts.push_back(area);
         const CRect shown = area.intersection(picture.bounds());
         const auto left = static_cast<std::size_t>(shown.left);
@@ -29,12 +31,13 @@ public:
 
 private:
     headless_parent& parent;
+    const CDrawContext& picture;
 };
 
 } // namespace
 
-std::unique_ptr<PlatformWindow> open_platform_window(void* parent, CPoint,
+std::unique_ptr<PlatformWindow> open_platform_window(void* parent, const CDrawContext& picture,
                                                      PlatformWindowListener& listener) {
     auto* host = static_cast<headless_parent*>(parent);
-    return host->refuses ? nullptr : std::make_unique<HeadlessWindow>(*host, listener);
+    return host->refuses ? nullptr : std::make_unique<HeadlessWindow>(*host, picture, listener);
 }

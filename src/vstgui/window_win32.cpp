@@ -24,13 +24,14 @@ CPoint point_of(LPARAM place) { return {GET_X_LPARAM(place), GET_Y_LPARAM(place)
 
 class Win32Window final : public PlatformWindow {
 public:
-    explicit Win32Window(PlatformWindowListener& hearer) : listener(hearer) {}
+    Win32Window(const CDrawContext& shown, PlatformWindowListener& hearer)
+        : picture(shown), listener(hearer) {}
     ~Win32Window() override;
 
     /// Returns whether the window is there.
-    bool create(HWND parent, CPoint size);
+    bool create(HWND parent);
 
-    void put(const CDrawContext& picture, const CRect& area) override;
+    void put(const CRect& area) override;
     void handleEvents() override {} // the host's message loop brings them
 
 private:
@@ -41,12 +42,13 @@ private:
     void release(LPARAM place);
     LRESULT wheel(WPARAM detail, LPARAM place);
 
+    const CDrawContext& picture;
     PlatformWindowListener& listener;
     HWND window = nullptr; ///< null once the parent has gone
     bool pressed = false;  ///< the left button; meanwhile the mouse is captured
 };
 
-bool Win32Window::create(HWND parent, CPoint size) {
+bool Win32Window::create(HWND parent) {
     WNDCLASSEXW kind{};
     kind.cbSize = sizeof kind;
     kind.style = CS_DBLCLKS;
@@ -56,8 +58,9 @@ bool Win32Window::create(HWND parent, CPoint size) {
     kind.lpszClassName = class_name;
     if (RegisterClassExW(&kind) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS)
         return false; // the class may be another panel's work
-    window = CreateWindowExW(0, class_name, L"", WS_CHILD | WS_CLIPSIBLINGS, 0, 0, size.x, size.y,
-                             parent, nullptr, library(), nullptr);
+    window = CreateWindowExW(0, class_name, L"", WS_CHILD | WS_CLIPSIBLINGS, 0, 0,
+                             picture.bounds().width(), picture.bounds().height(), parent, nullptr,
+                             library(), nullptr);
     if (!window)
         return false;
     ShowWindow(window, SW_SHOWNA); // without taking the keyboard
@@ -78,7 +81,7 @@ Win32Window::~Win32Window() {
     UnregisterClassW(class_name, library());
 }
 
-void Win32Window::put(const CDrawContext& picture, const CRect& area) {
+void Win32Window::put(const CRect& area) {
     const CRect shown = area.intersection(picture.bounds());
     if (!window || shown.empty())
         return;
@@ -175,10 +178,10 @@ LRESULT Win32Window::wheel(WPARAM detail, LPARAM place) {
 
 } // namespace
 
-std::unique_ptr<PlatformWindow> open_platform_window(void* parent, CPoint size,
+std::unique_ptr<PlatformWindow> open_platform_window(void* parent, const CDrawContext& picture,
                                                      PlatformWindowListener& listener) {
-    auto window = std::make_unique<Win32Window>(listener);
-    if (!window->create(static_cast<HWND>(parent), size))
+    auto window = std::make_unique<Win32Window>(picture, listener);
+    if (!window->create(static_cast<HWND>(parent)))
         return nullptr;
     return window;
 }

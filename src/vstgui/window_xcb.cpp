@@ -1,6 +1,8 @@
+#include "vstgui/window.h"
+
 #include "vstgui/pixel_format.h"
 #include "vstgui/sigpipe_guard.h"
-#include "vstgui/window.h"
+#include "vstgui/xcb_connection.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -11,25 +13,13 @@
 #include <vector>
 #include <xcb/xcb.h>
 
-// A connection of its own: the host's toolkit sees none of these events, and no error of ours
-// reaches its handlers. Key events are not selected, so they go on to the host.
-
 namespace {
 
-constexpr std::size_t put_bytes = 1 << 17; ///< at a time; every server takes that much
 constexpr std::uint32_t double_click_ms = 400;
 constexpr int double_click_pixels = 4;
 
-struct freed {
-    void operator()(void* reply) const { std::free(reply); }
-};
 template <typename Reply>
-using reply_ptr = std::unique_ptr<Reply, freed>;
-
-struct disconnected {
-    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-};
-using connection_ptr = std::unique_ptr<xcb_connection_t, disconnected>;
+using reply_ptr = XcbConnection::reply_ptr<Reply>;
 
 /// The screen that a window is on; null without such a window.
 const xcb_screen_t* screen_of(xcb_connection_t* connection, xcb_window_t window) {
@@ -57,34 +47,43 @@ int button_of(xcb_button_t number) {
 
 class XcbWindow final : public PlatformWindow {
 public:
-    XcbWindow(connection_ptr opened, const PixelFormat& pixels, PlatformWindowListener& hearer)
-        : connection(std::move(opened)), format(pixels), listener(hearer) {}
+    XcbWindow(XcbConnection opened, const PixelFormat& pixels, const CDrawContext& shown,
+              PlatformWindowListener& hearer)
+        : connection(std::move(opened)), format(pixels), picture(shown), listener(hearer) {}
     ~XcbWindow() override;
 
     /// Returns whether the window is there.
-    bool create(xcb_window_t parent, const xcb_screen_t& screen, CPoint size);
+    bool create(xcb_window_t parent, const xcb_screen_t& screen);
 
-    void put(const CDrawContext& picture, const CRect& area) override;
+    void put(const CRect& area) override;
     void handleEvents() override;
 
 private:
-    reply_ptr<xcb_generic_event_t> nextEvent();
+    [[nodiscard]] bool hasReadAll();
+    void sendUnsent();
+    void send(const CRect& area);
     void handle(const xcb_generic_event_t& event);
     void lose();
-    [[nodiscard]] bool isShown() const;
+    void askWhetherShown();
+    void hearWhetherShown();
     void press(const xcb_button_press_event_t& event);
     bool isSecondClick(const xcb_button_press_event_t& event);
 
-    connection_ptr connection;
+    XcbConnection connection;
     PixelFormat format;
+    const CDrawContext& picture;
     PlatformWindowListener& listener;
     xcb_window_t window = XCB_NONE; ///< none once the parent or the display has gone
     xcb_gcontext_t gc = XCB_NONE;
     std::vector<std::uint8_t> bytes{};
+    CRect unsent{};                    ///< what was put and waits for the display
+    std::optional<unsigned> reading{}; ///< the question whether the last piece has been read
+    std::optional<unsigned> showing{}; ///< and that for the window's attributes
     std::optional<xcb_button_press_event_t> firstClick{};
 };
 
-bool XcbWindow::create(xcb_window_t parent, const xcb_screen_t& screen, CPoint size) {
+bool XcbWindow::create(xcb_window_t parent, const xcb_screen_t& screen) {
+    const CRect size = picture.bounds();
     xcb_connection_t* const c = connection.get();
     // A parent of another depth needs its child to bring a border and a colormap.
     constexpr std::uint32_t mask = XCB_CW_BORDER_PIXEL | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP;
@@ -97,56 +96,69 @@ bool XcbWindow::create(xcb_window_t parent, const xcb_screen_t& screen, CPoint s
     window = xcb_generate_id(c);
     gc = xcb_generate_id(c);
     xcb_create_window(c, screen.root_depth, window, parent, 0, 0,
-                      static_cast<std::uint16_t>(size.x), static_cast<std::uint16_t>(size.y), 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, screen.root_visual, mask, values);
+                      static_cast<std::uint16_t>(size.width()),
+                      static_cast<std::uint16_t>(size.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      screen.root_visual, mask, values);
     xcb_create_gc(c, gc, window, 0, nullptr);
     const auto mapped = xcb_map_window_checked(c, window);
     const reply_ptr<xcb_generic_error_t> error(xcb_request_check(c, mapped));
-    return !error && xcb_connection_has_error(c) == 0;
+    return !error && !connection.isLost();
 }
 
 XcbWindow::~XcbWindow() {
-    const SigpipeGuard guard;
-    if (window != XCB_NONE) { // waits, so that the host's window is empty once the panel is closed
-        const auto destroyed = xcb_destroy_window_checked(connection.get(), window);
-        const reply_ptr<xcb_generic_error_t> error(xcb_request_check(connection.get(), destroyed));
-    }
-    connection.reset();
+    if (window == XCB_NONE)
+        return;
+    xcb_destroy_window(connection.get(), window); // waits, so that the host's window is then empty
+    (void)connection.answerTo(connection.askWhetherRead());
 }
 
-void XcbWindow::put(const CDrawContext& picture, const CRect& area) {
-    const CRect shown = area.intersection(picture.bounds());
-    if (shown.empty() || window == XCB_NONE)
-        return;
-    const SigpipeGuard guard;
-    const int nb_rows = std::max(1, static_cast<int>(put_bytes / format.stride(shown.width())));
-    for (int top = shown.top; top < shown.bottom; top += nb_rows) {
-        const CRect rows{shown.left, top, shown.right, std::min(top + nb_rows, shown.bottom)};
-        format.pack(picture, rows, bytes);
-        xcb_put_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, gc,
-                      static_cast<std::uint16_t>(rows.width()),
-                      static_cast<std::uint16_t>(rows.height()),
-                      static_cast<std::int16_t>(rows.left), static_cast<std::int16_t>(rows.top), 0,
-                      format.getDepth(), static_cast<std::uint32_t>(bytes.size()), bytes.data());
+void XcbWindow::put(const CRect& area) {
+    unsent = unsent.united(area.intersection(picture.bounds()));
+    sendUnsent();
+}
+
+void XcbWindow::sendUnsent() {
+    const int nb_rows = std::max(
+        1, static_cast<int>(XcbConnection::piece_bytes / format.stride(picture.bounds().width())));
+    while (window != XCB_NONE && !unsent.empty() && hasReadAll()) {
+        CRect rows = unsent;
+        rows.bottom = std::min(rows.top + nb_rows, rows.bottom);
+        unsent.top = rows.bottom;
+        send(rows);
     }
+}
+
+bool XcbWindow::hasReadAll() {
+    if (reading && connection.answerTo(*reading))
+        reading.reset();
+    return !reading;
+}
+
+void XcbWindow::send(const CRect& area) {
+    const SigpipeGuard guard;
+    format.pack(picture, area, bytes);
+    xcb_put_image(connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, gc,
+                  static_cast<std::uint16_t>(area.width()),
+                  static_cast<std::uint16_t>(area.height()), static_cast<std::int16_t>(area.left),
+                  static_cast<std::int16_t>(area.top), 0, format.getDepth(),
+                  static_cast<std::uint32_t>(bytes.size()), bytes.data());
+    reading = connection.askWhetherRead();
     xcb_flush(connection.get());
 }
 
+/// Events that come meanwhile wait for the next turn: a mouse that never rests holds up no host.
 void XcbWindow::handleEvents() {
-    while (const auto event = nextEvent())
-        handle(*event);
-    if (xcb_connection_has_error(connection.get()) != 0)
+    sendUnsent();
+    hearWhetherShown();
+    for (std::size_t nb_left = connection.readEvents(); nb_left > 0; --nb_left)
+        handle(*connection.takeEvent());
+    if (connection.isLost())
         lose();
 }
 
 void XcbWindow::lose() {
     if (std::exchange(window, XCB_NONE) != XCB_NONE)
         listener.onMouseLost();
-}
-
-reply_ptr<xcb_generic_event_t> XcbWindow::nextEvent() {
-    const SigpipeGuard guard;
-    return reply_ptr<xcb_generic_event_t>(xcb_poll_for_event(connection.get()));
 }
 
 void XcbWindow::handle(const xcb_generic_event_t& event) {
@@ -176,8 +188,7 @@ void XcbWindow::handle(const xcb_generic_event_t& event) {
     case XCB_LEAVE_NOTIFY:
         // Hiding the window, or one that it lies in, ends a drag without a release. All that is
         // heard of the latter is that the pointer leaves, wherever it is.
-        if (!isShown())
-            listener.onMouseLost();
+        askWhetherShown();
         break;
     case XCB_DESTROY_NOTIFY:
         lose();
@@ -186,11 +197,21 @@ void XcbWindow::handle(const xcb_generic_event_t& event) {
     }
 }
 
-bool XcbWindow::isShown() const {
-    const SigpipeGuard guard;
-    const reply_ptr<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
-        connection.get(), xcb_get_window_attributes(connection.get(), window), nullptr));
-    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+void XcbWindow::askWhetherShown() {
+    if (showing)
+        xcb_discard_reply(connection.get(), *showing);
+    showing = xcb_get_window_attributes(connection.get(), window).sequence;
+    hearWhetherShown();
+}
+
+void XcbWindow::hearWhetherShown() {
+    const auto answer = showing ? connection.answerTo(*showing) : std::nullopt;
+    if (!answer)
+        return;
+    showing.reset();
+    const auto* attributes = static_cast<xcb_get_window_attributes_reply_t*>(answer->get());
+    if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE)
+        listener.onMouseLost();
 }
 
 void XcbWindow::press(const xcb_button_press_event_t& event) {
@@ -217,11 +238,11 @@ bool XcbWindow::isSecondClick(const xcb_button_press_event_t& event) {
 
 } // namespace
 
-std::unique_ptr<PlatformWindow> open_platform_window(void* parent, CPoint size,
+std::unique_ptr<PlatformWindow> open_platform_window(void* parent, const CDrawContext& picture,
                                                      PlatformWindowListener& listener) {
     const SigpipeGuard guard;
-    connection_ptr connection(xcb_connect(nullptr, nullptr));
-    if (xcb_connection_has_error(connection.get()) != 0)
+    XcbConnection connection;
+    if (connection.isLost())
         return nullptr;
     const auto host_window = static_cast<xcb_window_t>(reinterpret_cast<std::uintptr_t>(parent));
     const xcb_screen_t* const screen = screen_of(connection.get(), host_window);
@@ -230,6 +251,6 @@ std::unique_ptr<PlatformWindow> open_platform_window(void* parent, CPoint size,
     const auto format = PixelFormat::of(xcb_get_setup(connection.get()), *screen);
     if (!format)
         return nullptr;
-    auto window = std::make_unique<XcbWindow>(std::move(connection), *format, listener);
-    return window->create(host_window, *screen, size) ? std::move(window) : nullptr;
+    auto window = std::make_unique<XcbWindow>(std::move(connection), *format, picture, listener);
+    return window->create(host_window, *screen) ? std::move(window) : nullptr;
 }

@@ -18,6 +18,7 @@ public:
     XServer(const XServer&) = delete;
     XServer& operator=(const XServer&) = delete;
 
+    void signal(int number) const { kill(pid, number); }
     void stop(int signal = SIGTERM); ///< with SIGKILL it tells no client
 
 private:

@@ -2,8 +2,10 @@
 #include "tests/vst/editor/panel_host.h"
 #include "tests/x_host/x_host.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace {
 
@@ -78,6 +80,30 @@ TEST_F(PanelXcb, ClosingAfterTheServerHasGoneIsHarmless) {
     host.idle();
     server.stop();
     host.close();
+}
+
+/// What was put meanwhile shows afterwards. A display that holds up an idle turn ends the test.
+TEST_F(PanelXcb, AServerThatStopsAnsweringHoldsUpNothing) {
+    ASSERT_TRUE(host.open(window));
+    take(6);
+    alarm(10);
+    server.signal(SIGSTOP);
+    for (int i = 0; i < 2000; ++i) {
+        host.plugin->setParameter(7 + i % 2, 0.5f * static_cast<float>(i % 3));
+        host.plugin->setParameter(i % 6, static_cast<float>(i / 6 % 2));
+        host.idle();
+    }
+    server.signal(SIGCONT);
+    alarm(0);
+    panel_state state{};
+    for (std::size_t i = 0; i < state.values.size(); ++i)
+        state.values[i] = host.plugin->getParameter(static_cast<VstInt32>(i));
+    std::string difference = "unseen";
+    for (int i = 0; i < 100 && !difference.empty(); ++i) {
+        host.idle();
+        difference = screen.waitFor(window, panel_picture(state));
+    }
+    EXPECT_EQ(difference, "");
 }
 
 TEST_F(PanelXcb, WithoutADisplayNothingOpens) {
