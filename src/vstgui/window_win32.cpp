@@ -4,13 +4,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <utility>
 #include <windows.h>
 #include <windowsx.h>
 
 namespace {
-
-constexpr wchar_t class_name[] = L"vstgui frame";
 
 HINSTANCE library() { return static_cast<HINSTANCE>(hInstance); }
 
@@ -37,11 +36,17 @@ public:
 private:
     static LRESULT CALLBACK receive(HWND receiver, UINT message, WPARAM detail, LPARAM place);
     LRESULT handle(UINT message, WPARAM detail, LPARAM place);
+    void draw(HDC surface, const CRect& area) const;
     void paint();
+    void print(HDC surface);
     void press(int clicks, LPARAM place);
     void release(LPARAM place);
     LRESULT wheel(WPARAM detail, LPARAM place);
 
+    /// Each window has a class of its own: what is opened or closed on another thread cannot come
+    /// between a class and its window.
+    const std::wstring class_name =
+        L"vstgui frame " + std::to_wstring(reinterpret_cast<std::uintptr_t>(this));
     const CDrawContext& picture;
     PlatformWindowListener& listener;
     HWND window = nullptr; ///< null once the parent has gone
@@ -55,10 +60,10 @@ bool Win32Window::create(HWND parent) {
     kind.lpfnWndProc = receive;
     kind.hInstance = library();
     kind.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512)); // IDC_ARROW
-    kind.lpszClassName = class_name;
+    kind.lpszClassName = class_name.c_str();
     if (RegisterClassExW(&kind) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS)
-        return false; // the class may be another panel's work
-    window = CreateWindowExW(0, class_name, L"", WS_CHILD | WS_CLIPSIBLINGS, 0, 0,
+        return false; // one that was closed in its last message has left it here
+    window = CreateWindowExW(0, class_name.c_str(), L"", WS_CHILD | WS_CLIPSIBLINGS, 0, 0,
                              picture.bounds().width(), picture.bounds().height(), parent, nullptr,
                              library(), nullptr);
     if (!window)
@@ -71,19 +76,26 @@ bool Win32Window::create(HWND parent) {
     return IsWindow(window) != 0;
 }
 
-/// The class must go before the library is unloaded. While another panel has a window of it, the
-/// system refuses, and that panel's end takes it away.
+/// The class must go before the library is unloaded.
 Win32Window::~Win32Window() {
     if (const HWND closing = std::exchange(window, nullptr)) {
         SetWindowLongPtrW(closing, GWLP_USERDATA, 0);
         DestroyWindow(closing);
     }
-    UnregisterClassW(class_name, library());
+    UnregisterClassW(class_name.c_str(), library());
 }
 
 void Win32Window::put(const CRect& area) {
+    if (!window)
+        return;
+    const HDC surface = GetDC(window);
+    draw(surface, area);
+    ReleaseDC(window, surface);
+}
+
+void Win32Window::draw(HDC surface, const CRect& area) const {
     const CRect shown = area.intersection(picture.bounds());
-    if (!window || shown.empty())
+    if (shown.empty())
         return;
     BITMAPINFO layout{};
     layout.bmiHeader.biSize = sizeof layout.bmiHeader;
@@ -92,12 +104,10 @@ void Win32Window::put(const CRect& area) {
     layout.bmiHeader.biPlanes = 1;
     layout.bmiHeader.biBitCount = 32;
     layout.bmiHeader.biCompression = BI_RGB;
-    const HDC surface = GetDC(window);
     SetDIBitsToDevice(surface, shown.left, shown.top, static_cast<DWORD>(shown.width()),
                       static_cast<DWORD>(shown.height()), shown.left, 0, 0,
                       static_cast<UINT>(shown.height()), picture.row(shown.top).data(), &layout,
                       DIB_RGB_COLORS);
-    ReleaseDC(window, surface);
 }
 
 LRESULT CALLBACK Win32Window::receive(HWND receiver, UINT message, WPARAM detail, LPARAM place) {
@@ -107,13 +117,16 @@ LRESULT CALLBACK Win32Window::receive(HWND receiver, UINT message, WPARAM detail
     return self->handle(message, detail, place);
 }
 
-/// A call to the listener may end this object: each is the last that its message does here.
+/// Most calls to the listener may end this object: each is the last that its message does here.
 LRESULT Win32Window::handle(UINT message, WPARAM detail, LPARAM place) {
     switch (message) {
     case WM_ERASEBKGND:
         return 1;
     case WM_PAINT:
         paint();
+        return 0;
+    case WM_PRINTCLIENT:
+        print(reinterpret_cast<HDC>(detail));
         return 0;
     case WM_LBUTTONDOWN:
         press(0, place);
@@ -149,6 +162,12 @@ void Win32Window::paint() {
     const RECT& area = damage.rcPaint;
     listener.onExpose({static_cast<int>(area.left), static_cast<int>(area.top),
                        static_cast<int>(area.right), static_cast<int>(area.bottom)});
+}
+
+/// Somebody asks for a picture of the window.
+void Win32Window::print(HDC surface) {
+    listener.onExpose({}); // for what changed since it was drawn last
+    draw(surface, picture.bounds());
 }
 
 void Win32Window::press(int clicks, LPARAM place) {

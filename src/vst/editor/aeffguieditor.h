@@ -1,6 +1,7 @@
 #pragma once
 /// The base of an editor that shows its panel on a frame. All is [ui].
 
+#include "platform/component_services/component_services.h"
 #include "vst/aeffeditor.h"
 #include "vst/audioeffectx.h"
 #include "vstgui/cframe.h"
@@ -39,5 +40,6 @@ private:
     template <typename Turn>
     void takeIdleTurn(Turn turn);
 
+    ComponentServices services{};
     bool inIdle = false;
 };
