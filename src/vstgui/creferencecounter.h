@@ -1,5 +1,6 @@
 #pragma once
-/// What several users own together lives until the last of them forgets it. Counting is [ui].
+/// What several users own together lives until the last of them forgets it. Its users are on one
+/// thread at a time.
 
 #include <utility>
 
@@ -29,10 +30,11 @@ class CReference {
 public:
     CReference() = default;
 
-    /// Takes over the caller's reference to what it has just created.
-    [[nodiscard]] static CReference adopt(Counted* created) {
+    /// Creates one and holds its first reference.
+    template <typename... Arguments>
+    [[nodiscard]] static CReference make(Arguments&&... arguments) {
         CReference reference;
-        reference.counted = created;
+        reference.counted = new Counted(std::forward<Arguments>(arguments)...);
         return reference;
     }
 

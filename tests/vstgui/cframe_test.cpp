@@ -22,7 +22,7 @@ TEST_F(Frame, IdleShowsWhatChangedAndNothingElse) {
 }
 
 TEST_F(Frame, LaterViewsLieOverEarlierOnes) {
-    const CReference<CBitmap> over = CReference<CBitmap>::adopt(new CBitmap(156));
+    const CReference<CBitmap> over = CReference<CBitmap>::make(156);
     CDrawContext alone(480, 400);
     over->draw(alone, {256, 100, 313, 228});
     editor.controls[left_tag]->setValue(1); // the earlier one is redrawn alone

@@ -22,7 +22,7 @@ public:
     ~PanelEditor() override { PanelEditor::close(); }
 
     bool open(void* parent) override {
-        auto opened = CReference<CFrame>::adopt(new CFrame({0, 0, 480, 400}, parent, this));
+        auto opened = CReference<CFrame>::make(CRect{0, 0, 480, 400}, parent, this);
         if (!opened->isOpen())
             return false;
         opened->setBackground(bitmap(128).get());
@@ -64,9 +64,7 @@ public:
     bool takes_modifiers = false;
 
 private:
-    static CReference<CBitmap> bitmap(int number) {
-        return CReference<CBitmap>::adopt(new CBitmap(number));
-    }
+    static CReference<CBitmap> bitmap(int number) { return CReference<CBitmap>::make(number); }
 
     template <typename Control, typename... Rest>
     void add(CFrame& panel, const CRect& area, int tag, Rest... rest) {

@@ -34,7 +34,7 @@ bool Editor::open(void* parent) {
     close();
     setKnobMode(kRelativeCircularMode);
     const CRect size{0, 0, hBackground->getWidth(), hBackground->getHeight()};
-    auto opened = CReference<CFrame>::adopt(new CFrame(size, parent, this));
+    auto opened = CReference<CFrame>::make(size, parent, this);
     if (!opened->isOpen())
         return false;
     opened->setBackground(hBackground.get());

@@ -34,7 +34,7 @@ constexpr panel_place learn{MIDI_LEARN_TAG, 129, {306, 11}};
 constexpr panel_place lamp{MIDI_IN_TAG, 130, {351, 11}};
 constexpr panel_place panic{PANIC_TAG, 132, {398, 11}};
 
-CReference<CBitmap> load(int number) { return CReference<CBitmap>::adopt(new CBitmap(number)); }
+CReference<CBitmap> load(int number) { return CReference<CBitmap>::make(number); }
 
 /// The place of a control whose bitmap stacks that many pictures.
 CRect picture_area(const CBitmap& bitmap, int nb_pictures, CPoint corner) {
