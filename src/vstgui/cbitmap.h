@@ -1,6 +1,7 @@
 #pragma once
 /// A bitmap resource of the library, shown where it lies: nothing is copied or converted before it
-/// is drawn, so that many panels cost no more than one.
+/// is drawn, so that many panels cost no more than one. All is [ui], but that one may be created
+/// and forgotten in [setup].
 
 #include "vstgui/cdrawcontext.h"
 #include "vstgui/creferencecounter.h"
@@ -18,7 +19,7 @@ public:
     [[nodiscard]] int getHeight() const { return height; }
 
     /// Fills `rect` from the bitmap's pixel at `offset` on, as far as the bitmap and the context's
-    /// clip go. [ui]
+    /// clip go.
     void draw(CDrawContext& context, const CRect& rect, CPoint offset = {}) const;
 
 private:

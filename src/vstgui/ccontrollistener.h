@@ -1,5 +1,5 @@
 #pragma once
-/// Whom a control tells that the user changed it.
+/// Whom a control tells that the user changed it. All is [ui].
 
 class CControl;
 class CDrawContext;

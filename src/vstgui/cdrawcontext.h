@@ -1,5 +1,5 @@
 #pragma once
-/// The picture that a frame is composed on before any of it is put on the screen.
+/// The picture that a frame is composed on before any of it is put on the screen. All is [ui].
 
 #include "vstgui/geometry.h"
 

@@ -1,5 +1,6 @@
 #pragma once
 /// A button that is 1 while it is pressed; it tells its listener of the press and of the release.
+/// All is [ui].
 
 #include "vstgui/ccontrol.h"
 

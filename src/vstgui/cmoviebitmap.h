@@ -1,5 +1,5 @@
 #pragma once
-/// A display: the picture nearest to its value. It does not react to the mouse.
+/// A display: the picture nearest to its value. It does not react to the mouse. All is [ui].
 
 #include "vstgui/ccontrol.h"
 

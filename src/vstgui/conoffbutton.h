@@ -1,5 +1,6 @@
 #pragma once
-/// A switch: a left click toggles it. It is on, and shows its lower picture, from 0.5 up.
+/// A switch: a left click toggles it. It is on, and shows its lower picture, from 0.5 up. All is
+/// [ui].
 
 #include "vstgui/ccontrol.h"
 

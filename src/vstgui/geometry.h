@@ -1,5 +1,5 @@
 #pragma once
-/// Places on a picture, in pixels from its top-left corner.
+/// Places on a picture, in pixels from its top-left corner. [any]
 
 #include <algorithm>
 

@@ -1,5 +1,6 @@
 #pragma once
 /// How an X server wants its pixels: the visual's channels in the depth's bytes, in its own order.
+/// All is [ui].
 
 #include "vstgui/cdrawcontext.h"
 

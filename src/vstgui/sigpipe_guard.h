@@ -1,6 +1,6 @@
 #pragma once
 /// Writing to a display that has gone raises a signal that by default ends the process, which is
-/// the host's. While a guard stands, this thread's writes just fail.
+/// the host's. While a guard stands, this thread's writes just fail. [any]
 
 #include <cerrno>
 #include <csignal>

@@ -1,6 +1,6 @@
 #pragma once
 /// A system without a display, for tests: the host's "window" is a record of theirs, in which they
-/// see what is shown and from which they move the mouse.
+/// see what is shown and from which they move the mouse. [ui]
 
 #include "vstgui/window.h"
 

@@ -1,5 +1,6 @@
 #pragma once
-/// The base of an editor that shows its panel on a frame. All is [ui].
+/// The base of an editor that shows its panel on a frame. It comes and goes in [setup]; all else is
+/// [ui].
 
 #include "platform/component_services/component_services.h"
 #include "vst/aeffeditor.h"

@@ -4,7 +4,7 @@
 /// parameters.
 ///
 /// setParameter is [any] for parameters: values wait in slots, which live as long as the editor,
-/// until the panel is idle. All else is [ui].
+/// until the panel is idle. The editor comes and goes in [setup]; all else is [ui].
 
 #include "vst/editor/aeffguieditor.h"
 #include "vst/editor/value_slot.h"
