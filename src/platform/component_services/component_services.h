@@ -2,17 +2,10 @@
 /// The system's services for drag and drop and for components such as its dialogs bring along: OLE
 /// on Windows, nothing elsewhere. [setup] and [ui]
 
-class ComponentServices {
-public:
-    /// Prepares them for this thread, if it has no others.
-    ComponentServices();
+#include <memory>
 
-    /// Releases them. On another thread they stay: each thread has its own.
-    ~ComponentServices();
+using component_services = std::shared_ptr<void>;
 
-    ComponentServices(const ComponentServices&) = delete;
-    ComponentServices& operator=(const ComponentServices&) = delete;
-
-private:
-    unsigned long thread = 0; ///< for which they are prepared; 0 for none
-};
+/// Prepares them for this thread, if it has no others, until what is returned goes. Where that goes
+/// on another thread they stay: each thread has its own.
+[[nodiscard]] component_services component_services_prepare();

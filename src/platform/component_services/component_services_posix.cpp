@@ -1,4 +1,3 @@
 #include "platform/component_services/component_services.h"
 
-ComponentServices::ComponentServices() = default;
-ComponentServices::~ComponentServices() = default;
+component_services component_services_prepare() { return nullptr; }

@@ -4,12 +4,12 @@
 // OLE comes after the system's own header.
 #include <ole2.h>
 
-ComponentServices::ComponentServices() {
-    if (SUCCEEDED(OleInitialize(nullptr)))
-        thread = GetCurrentThreadId();
-}
-
-ComponentServices::~ComponentServices() {
-    if (thread == GetCurrentThreadId())
-        OleUninitialize();
+component_services component_services_prepare() {
+    if (FAILED(OleInitialize(nullptr)))
+        return nullptr;
+    const auto release = [thread = GetCurrentThreadId()](void*) {
+        if (GetCurrentThreadId() == thread)
+            OleUninitialize();
+    };
+    return {nullptr, release};
 }

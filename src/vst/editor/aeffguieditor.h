@@ -41,6 +41,6 @@ private:
     template <typename Turn>
     void takeIdleTurn(Turn turn);
 
-    ComponentServices services{};
+    component_services services = component_services_prepare();
     bool inIdle = false;
 };
