@@ -3,10 +3,8 @@
 #include "tests/temporary_folder.h"
 #include "tests/vst/playing.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 #include <numeric>
-#include <thread>
 
 namespace {
 
@@ -58,38 +56,6 @@ TEST(PlugIn, TheLatestDumpIsKeptWithoutItsEnds) {
         p_effect->processEvents(&events);
         EXPECT_EQ(p_effect->sysexPayload(), std::string_view(bytes + 1, kept)) << nb_bytes;
     }
-}
-
-/// An instrument from its creation on, with a hand on its panel all the while.
-void play_with_a_panel() {
-    organ* p_organ = korvel_create("Tindelwax");
-    control_update& update = *p_organ->p_control->p_control_update;
-    Organ effect(silent_host, 0, 10, p_organ);
-    effect.setSampleRate(48000);
-    const std::jthread user([&](const std::stop_token& ended) {
-        for (int i = 0; !ended.stop_requested(); ++i) {
-            char text[16];
-            effect.setParameter(i % 10, static_cast<float>(i % 101) / 100);
-            EXPECT_GE(effect.getParameter(i % 10), 0.0f);
-            effect.getParameterDisplay(i % 10, text);
-            effect.midiNumEvents = 0;
-            update.midi_learning = i % 2;
-            if (i % 100 == 0)
-                effect.panic();
-            effect.setOutputMode(i % 3);
-        }
-    });
-    for (const timed_message& message : random_messages(1000)) {
-        send(effect, {message});
-        for (const float x : process(effect, 100))
-            ASSERT_TRUE(std::isfinite(x));
-    }
-}
-
-// For ThreadSanitizer to see what instances share, and what the threads of one do.
-TEST(PlugIn, ThreadsAndInstancesDoNotDisturbEachOther) {
-    const std::jthread other(play_with_a_panel);
-    play_with_a_panel();
 }
 
 } // namespace

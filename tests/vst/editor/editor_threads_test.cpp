@@ -10,8 +10,8 @@
 
 namespace {
 
-// A fault here is for ThreadSanitizer to see; elsewhere it is a crash at best.
-TEST(EditorThreads, SoundAutomationAndHandsGoOnSideBySide) {
+/// An instrument from its creation on, with sound, automation and hands side by side.
+void play_with_a_panel() {
     panel_host host;
     host.plugin->setSampleRate(48000);
     host.plugin->setBlockSize(64);
@@ -31,6 +31,8 @@ TEST(EditorThreads, SoundAutomationAndHandsGoOnSideBySide) {
     std::thread automation([&] {
         for (int i = 0; !done; ++i) {
             host.plugin->setParameter(i % 10, static_cast<float>(i % 100) / 100);
+            char text[16];
+            host.plugin->getParameterDisplay(i % 10, text);
             host.plugin->getParameter(i % 10);
         }
     });
@@ -52,6 +54,13 @@ TEST(EditorThreads, SoundAutomationAndHandsGoOnSideBySide) {
     done = true;
     audio.join();
     automation.join();
+}
+
+// A fault here is for ThreadSanitizer to see; elsewhere it is a crash at best.
+TEST(EditorThreads, SoundAutomationHandsAndInstancesGoOnSideBySide) {
+    std::thread other(play_with_a_panel);
+    play_with_a_panel();
+    other.join();
 }
 
 } // namespace
