@@ -34,6 +34,7 @@ struct request_case {
 // A table, one row a request.
 // clang-format off
 const request_case cases[] = {
+    {[](effect& e) { e.setParameterAutomated(3, 1); return 0; }, "set(3) 0(3, 0, null, 1)", none},
     {[](effect& e) { return e.getMasterVersion(); }, "1(0, 0, null, 0)", at_least_1},
     {[](effect& e) { return e.getCurrentUniqueId(); }, "2(0, 0, null, 0)", same},
     {[](effect& e) { e.masterIdle(); return 0; }, "3(0, 0, null, 0)", none},

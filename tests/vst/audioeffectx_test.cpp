@@ -97,19 +97,4 @@ TEST(AudioEffectX, KeysAreUnpackedForTheEditor) {
                              "up(65, 5, 0) up(65, 5, 0)");
 }
 
-/// An automated parameter is set before the host hears of it.
-struct automated_effect final : default_effect {
-    using default_effect::default_effect;
-    void setParameter(VstInt32 index, float value) override {
-        fake_host::log.note("setParameter", index, value);
-    }
-};
-
-TEST(AudioEffectX, AutomatedParametersAreSetBeforeTheHostHears) {
-    fake_host host;
-    automated_effect effect{fake_host::callback};
-    effect.setParameterAutomated(3, 0.5f);
-    EXPECT_EQ(host.log.calls, "setParameter(3, 0.5) 0(3, 0, null, 0.5)");
-}
-
 } // namespace

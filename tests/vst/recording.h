@@ -6,7 +6,7 @@
 
 #include <sstream>
 #include <string>
-#include <type_traits>
+#include <utility>
 
 /// Two places that a host may point to; they are told apart by name: "ptr" and "value".
 inline char host_data[256];
@@ -14,18 +14,12 @@ inline char other_data[256];
 
 inline VstIntPtr address_of(void* pointer) { return reinterpret_cast<VstIntPtr>(pointer); }
 
-template <typename Argument>
-std::string argument_text(Argument argument) {
-    if constexpr (std::is_pointer_v<Argument>) {
-        const void* address = argument;
-        if (address == nullptr)
-            return "null";
-        return address == host_data ? "ptr" : address == other_data ? "value" : "elsewhere";
-    } else {
-        std::ostringstream text;
-        text << std::boolalpha << argument;
-        return text.str();
-    }
+inline std::string argument_text(const void* address) {
+    return !address ? "null" : address == host_data ? "ptr" : address == other_data ? "value" : "?";
+}
+template <typename Number>
+Number argument_text(Number number) {
+    return number;
 }
 
 struct call_log {
@@ -34,21 +28,12 @@ struct call_log {
     /// Returns 7, which is true as well, as the answer of the operation that was called.
     template <typename... Arguments>
     VstInt32 note(const std::string& name, Arguments... arguments) {
-        std::string list;
-        ((list += (list.empty() ? "" : ", ") + argument_text(arguments)), ...);
-        calls += (calls.empty() ? "" : " ") + name + "(" + list + ")";
+        std::ostringstream text;
+        text << (calls.empty() ? "" : " ") << name << '(' << std::boolalpha;
+        [[maybe_unused]] const char* separator = "";
+        ((text << std::exchange(separator, ", ") << argument_text(arguments)), ...);
+        calls += text.str() + ')';
         return 7;
-    }
-};
-
-/// An effect of defaults.
-struct default_effect : AudioEffectX {
-    explicit default_effect(audioMasterCallback host = nullptr) : AudioEffectX(host, 4, 2) {}
-    void processReplacing(float**, float**, VstInt32) override {}
-
-    VstIntPtr ask(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
-                  float opt = 0) {
-        return cEffect.dispatcher(&cEffect, opcode, index, value, ptr, opt);
     }
 };
 
@@ -65,5 +50,17 @@ struct fake_host {
         caller = effect;
         log.note(std::to_string(opcode), index, value, ptr, opt);
         return reply;
+    }
+};
+
+/// An effect of defaults.
+struct default_effect : AudioEffectX {
+    explicit default_effect(audioMasterCallback host = nullptr) : AudioEffectX(host, 4, 2) {}
+    void processReplacing(float**, float**, VstInt32) override {}
+    void setParameter(VstInt32 index, float) override { fake_host::log.note("set", index); }
+
+    VstIntPtr ask(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
+                  float opt = 0) {
+        return cEffect.dispatcher(&cEffect, opcode, index, value, ptr, opt);
     }
 };
