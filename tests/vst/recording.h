@@ -6,6 +6,7 @@
 
 #include <sstream>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 /// Two places that a host may point to; they are told apart by name: "ptr" and "value".
@@ -18,9 +19,7 @@ inline std::string argument_text(const void* address) {
     return !address ? "null" : address == host_data ? "ptr" : address == other_data ? "value" : "?";
 }
 template <typename Number>
-Number argument_text(Number number) {
-    return number;
-}
+requires std::is_arithmetic_v<Number> Number argument_text(Number number) { return number; }
 
 struct call_log {
     std::string calls; ///< "setProgram(3) suspend()"
