@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <linux/seccomp.h>
 #include <pthread.h>
+#include <random>
 #include <semaphore.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
@@ -117,14 +118,18 @@ TEST(AudioThread, NothingAllocatesLocksOrCallsTheSystem) {
     constexpr VstInt32 volume = 6;
     std::vector<float> left(nb_frames), right(nb_frames);
     float* outputs[] = {right.data(), left.data()};
-    event_list messages(random_messages(10000)); // half of them notes: more than the queue holds
-    event_list taught({{0, {0xB2, 20, 127}}, {0, {0xB2, 20, 64}}});
+    constexpr int statuses[] = {0x90, 0x90, 0x80, 0xB0, 0xC0, 0xE0};
+    std::mt19937 random(1);
+    const auto below = [&](unsigned n) { return static_cast<int>(random() % n); };
+    event_list messages, taught, dumps;
+    for (int i = 0; i < 10000; ++i) // half of them notes: more than the queue holds
+        messages.add({0, {statuses[below(6)], below(128), below(128)}}, below(5000));
+    for (const int value : {127, 64})
+        taught.add(controller(0, 20, value, 3), 0);
     char dump[] = "\xF0 payload \xF7";
-    VstMidiSysexEvent sysex{};
-    sysex.type = kVstSysExType;
-    sysex.dumpBytes = sizeof dump;
-    sysex.sysexDump = dump;
-    VstEvents dumps{1, 0, {reinterpret_cast<VstEvent*>(&sysex)}};
+    dumps.add_sysex(dump);
+    VstEvents* const lists[] = {messages.record(), dumps.record()};
+    VstEvents* const lesson = taught.record();
     for (const bool is_open : {false, true})
         for (const auto& [rate, announced] : {std::pair{22050, 0},
                                               {32000, 1},
@@ -141,12 +146,12 @@ TEST(AudioThread, NothingAllocatesLocksOrCallsTheSystem) {
             p_effect->setSampleRate(static_cast<float>(rate));
             p_effect->setBlockSize(announced); // 0 is none
             EXPECT_EQ(violations([&] {
-                          p_effect->processEvents(taught.record());
+                          p_effect->processEvents(lesson);
                           if ((p_effect->getParameter(volume) == 64 / 127.0f) != is_open)
                               note(); // it has not learned
                           for (const int len : {1, 64, 63, 4096, 7, 65, nb_frames}) {
-                              p_effect->processEvents(messages.record());
-                              p_effect->processEvents(&dumps);
+                              for (VstEvents* list : lists)
+                                  p_effect->processEvents(list);
                               p_effect->processReplacing(nullptr, outputs, len);
                               p_effect->setParameter(7, 0.7f);
                               p_effect->panic();

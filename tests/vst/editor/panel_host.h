@@ -40,9 +40,7 @@ struct panel_host {
     void idle() { ask(effEditIdle); }
 
     void sendMidi(int status, int data1, int data2) {
-        send(*plugin, {{0,
-                        {static_cast<unsigned char>(status), static_cast<unsigned char>(data1),
-                         static_cast<unsigned char>(data2)}}});
+        send(*plugin, {{0, {status, data1, data2}}});
     }
 
     Organ* plugin; ///< null once it has ended
