@@ -2,6 +2,7 @@
 
 #include "tests/vst/recording.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
@@ -28,12 +29,9 @@ TEST(AudioEffect, TextsEndAtTheirLength) {
     for (VstInt32 len = -1; len < 12; ++len) {
         std::string text(16, '#');
         effect.float2string(-123.456f, text.data(), len);
-        const std::string shown = std::string("-123.456").substr(0, static_cast<std::size_t>(len));
-        std::string expected(16, '#');
-        if (len >= 0)
-            expected.replace(
-                0, static_cast<std::size_t>(len) + 1,
-                shown + std::string(static_cast<std::size_t>(len) + 1 - shown.size(), '\0'));
+        std::string expected("-123.456", static_cast<std::size_t>(std::clamp(len, 0, 8)));
+        expected.resize(static_cast<std::size_t>(len + 1));
+        expected.resize(text.size(), '#');
         EXPECT_EQ(text, expected) << len;
     }
     effect.float2string(1.0f, nullptr, 8);
