@@ -41,7 +41,8 @@ need_wine() {
 }
 
 build_packages=(
-    g++ cmake ninja-build pkg-config libcli11-dev libsndfile1-dev libxcb1-dev libpng-dev)
+    g++ cmake ninja-build pkg-config libcli11-dev libsndfile1-dev libxcb1-dev
+    libxcb-xtest0-dev libpng-dev)
 windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
 package_packages=(nsis dpkg-dev file fakeroot)
 

@@ -1,7 +1,7 @@
 #include "command/instrument.h"
 
 #include "command/arguments.h"
-#include "platform/streams.h"
+#include "platform/process.h"
 
 void instrument_try(const instrument_request& request,
                     const std::function<void(plugin&)>& rehearse) {

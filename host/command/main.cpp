@@ -4,6 +4,7 @@
 #include "command/render_command.h"
 #include "failure/printable.h"
 #include "platform/interrupt.h"
+#include "platform/process.h"
 #include "platform/streams.h"
 
 #include <CLI/CLI.hpp>

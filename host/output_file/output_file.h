@@ -11,9 +11,9 @@
 
 class output_file {
 public:
-    /// Opens a file that replaces `file`, and keeps its mode, when it is finished. If `file` is there and no regular
-    /// file (a named pipe, say), it receives the bytes instead. Throws a failure if that cannot
-    /// work out.
+    /// Opens a file that replaces `file`, and keeps its mode, when it is finished. If `file` is
+    /// there and no regular file (a named pipe, say), it receives the bytes instead. Throws a
+    /// failure if that cannot work out.
     explicit output_file(const std::filesystem::path& file);
 
     /// Opens a file whose bytes go to `p_receiver` when it is finished; that stream stays open.

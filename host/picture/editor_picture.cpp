@@ -47,7 +47,7 @@ private:
     plugin& instrument_;
 };
 
-picture still_picture(open_editor& editor, const picture_window& window) {
+picture still_picture(open_editor& editor, const editor_window& window) {
     const auto deadline = std::chrono::steady_clock::now() + max_wait;
     picture shown;
     for (int nb_still = 0;
@@ -68,7 +68,7 @@ picture editor_picture(plugin& instrument) {
         fail("the plug-in has no editor");
     // Some know their size only once they are open.
     extent size = editor_extent(instrument);
-    picture_window window{std::max(size.width, 1), std::max(size.height, 1)};
+    editor_window window{std::max(size.width, 1), std::max(size.height, 1)};
     if (!window.handle())
         fail("the display shows no window; set DISPLAY to another");
     open_editor editor{instrument, window.handle()};

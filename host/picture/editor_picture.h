@@ -1,7 +1,7 @@
 #pragma once
 /// What a plug-in's editor looks like.
 
-#include "platform/picture_window.h"
+#include "platform/editor_window.h"
 #include "plugin/plugin.h"
 
 /// Opens the plug-in's editor in a window, waits until its picture stands still, and closes it. An

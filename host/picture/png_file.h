@@ -2,7 +2,7 @@
 /// Pictures as PNG files. The same picture gives the same bytes: no dates are put in.
 
 #include "output_file/output_file.h"
-#include "platform/picture_window.h"
+#include "platform/editor_window.h"
 
 /// Writes the picture with each pixel as a sharp square of `scale` by `scale`, and puts the output
 /// in its place. Throws a failure.

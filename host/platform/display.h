@@ -1,17 +1,26 @@
 #pragma once
 /// A display for the windows of editors.
 
+#include <csignal>
 #include <memory>
 #include <string>
 
 class display {
 public:
-    /// Uses the user's display; where there is none, starts one that nobody sees and makes it this
-    /// process's. Where that fails too, `error` tells why and what to do.
-    display();
-    ~display(); ///< ends the display that it started
+    enum class choice { users, unseen };
+
+    /// Uses the user's display, if that is wanted and there is one. Else starts one that nobody
+    /// sees and makes it this process's; where that fails, `error` tells why and what to do.
+    explicit display(choice wanted = choice::users, int depth = 24);
+    ~display() { stop(); }
     display(const display&) = delete;
     display& operator=(const display&) = delete;
+
+    /// Ends the display that it started; with SIGKILL that tells no client.
+    void stop(int signal = SIGTERM);
+
+    /// To the display that it started: one that is stopped answers nobody.
+    void send_signal(int number) const;
 
     std::string error{};
 
@@ -20,7 +29,7 @@ private:
         void operator()(void* p_connection) const;
     };
 
-    void start();
+    void start(int depth);
 
     std::unique_ptr<void, closer> p_connection_{}; // the library's, held so that it stays up
     int process_ = 0;                              // that was started

@@ -1,6 +1,6 @@
 #include "platform/display.h"
 
-#include "platform/streams.h"
+#include "platform/process.h"
 
 #include <array>
 #include <cerrno>
@@ -10,24 +10,25 @@
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <xcb/xcb.h>
 
 namespace {
 
 constexpr const char* server = "Xvfb";
 
-// Larger than any editor. Without clients it ends by itself, so a process that crashes leaves none
-// behind; the number of its display comes through standard output.
-constexpr std::array arguments{
-    server,         "-displayfd", "1",   "-screen",    "0",
-    "4096x3072x24", "-nolisten",  "tcp", "-terminate", static_cast<const char*>(nullptr)};
-
 xcb_connection_t* as_connection(void* p_connection) {
     return static_cast<xcb_connection_t*>(p_connection);
 }
 
-/// Returns 0 or the reason as a value of errno.
-int spawn(pid_t& process, int output) {
+/// Returns 0 or the reason as a value of errno. Without clients the server ends by itself, so a
+/// process that crashes leaves none behind; the number of its display comes through standard
+/// output.
+int spawn(pid_t& process, int output, int depth) {
+    const std::string screen = "4096x3072x" + std::to_string(depth); // larger than any editor
+    const std::array arguments{
+        server,         "-displayfd", "1",   "-screen",    "0",
+        screen.c_str(), "-nolisten",  "tcp", "-terminate", static_cast<const char*>(nullptr)};
     posix_spawn_file_actions_t files;
     posix_spawn_file_actions_init(&files);
     posix_spawn_file_actions_adddup2(&files, output, STDOUT_FILENO);
@@ -54,10 +55,13 @@ void display::closer::operator()(void* p_connection) const {
     xcb_disconnect(as_connection(p_connection));
 }
 
-display::display() : p_connection_{xcb_connect(nullptr, nullptr)} {
-    if (xcb_connection_has_error(as_connection(p_connection_.get())) == 0)
-        return;
-    start();
+display::display(choice wanted, int depth) {
+    if (wanted == choice::users) {
+        p_connection_.reset(xcb_connect(nullptr, nullptr));
+        if (xcb_connection_has_error(as_connection(p_connection_.get())) == 0)
+            return;
+    }
+    start(depth);
     if (!error.empty())
         return;
     p_connection_.reset(xcb_connect(nullptr, nullptr));
@@ -65,13 +69,13 @@ display::display() : p_connection_{xcb_connect(nullptr, nullptr)} {
         error = "the display that Xvfb gives cannot be opened; set DISPLAY to another";
 }
 
-void display::start() {
+void display::start(int depth) {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) {
         error = std::string{"no display can be started: "} + std::strerror(errno);
         return;
     }
-    const int reason = spawn(process_, ends[1]);
+    const int reason = spawn(process_, ends[1], depth);
     close(ends[1]);
     const std::string number = read_line(ends[0]);
     if (reason == ENOENT)
@@ -84,10 +88,12 @@ void display::start() {
         process_ = 0;
 }
 
-display::~display() {
+void display::send_signal(int number) const { kill(process_, number); }
+
+void display::stop(int signal) {
     p_connection_.reset();
-    if (process_ == 0)
-        return;
-    kill(process_, SIGTERM);
-    waitpid(process_, nullptr, 0);
+    if (const int ended = std::exchange(process_, 0)) {
+        kill(ended, signal);
+        waitpid(ended, nullptr, 0);
+    }
 }

@@ -1,5 +1,5 @@
 #pragma once
-/// The process and its surroundings.
+/// Standard streams and files without a name.
 
 #include <cstdio>
 #include <filesystem>
@@ -38,11 +38,6 @@ void set_permissions(std::FILE* stream, std::filesystem::perms permissions);
 [[nodiscard]] bool may_write(const std::filesystem::path& file);
 
 [[nodiscard]] int process_id();
-
-/// Empty if the system does not tell.
-[[nodiscard]] std::filesystem::path executable_path();
-
-void set_environment(const char* name, const char* value);
 
 /// Makes a write into a closed pipe fail instead of ending the process.
 void ignore_closed_pipes();

@@ -3,7 +3,6 @@
 #include "platform/interrupt.h"
 
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -70,12 +69,5 @@ void set_permissions(std::FILE* stream, std::filesystem::perms permissions) {
 bool may_write(const std::filesystem::path& file) { return access(file.c_str(), W_OK) == 0; }
 
 int process_id() { return getpid(); }
-
-std::filesystem::path executable_path() {
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error);
-}
-
-void set_environment(const char* name, const char* value) { setenv(name, value, 1); }
 
 void ignore_closed_pipes() { std::signal(SIGPIPE, SIG_IGN); }

@@ -6,34 +6,46 @@ namespace {
 constexpr std::uint8_t sysex_start = 0xF0;
 }
 
-event_list::event_list() : slots_(capacity) {
-    for (std::size_t i = 0; i < capacity; ++i)
-        list_.events[i] = &slots_[i].any;
+void event_list::clear() {
+    messages_.clear();
+    dumps_.clear();
+    pointers_.clear();
 }
 
 void event_list::add(std::span<const std::uint8_t> message, int frame_offset) {
-    event_slot& slot = slots_[nb_events_++];
-    if (message[0] == sysex_start) {
-        // The interface has no const here; a dump is read, never written.
-        auto* dump = const_cast<char*>(reinterpret_cast<const char*>(message.data()));
-        slot.sysex = {.type = kVstSysExType,
-                      .byteSize = sizeof(VstMidiSysexEvent),
-                      .deltaFrames = frame_offset,
-                      .flags = 0,
-                      .dumpBytes = static_cast<VstInt32>(message.size()),
-                      .resvd1 = 0,
-                      .sysexDump = dump,
-                      .resvd2 = 0};
-        return;
-    }
-    slot.midi = {};
-    slot.midi.type = kVstMidiType;
-    slot.midi.byteSize = sizeof(VstMidiEvent);
-    slot.midi.deltaFrames = frame_offset;
-    std::copy_n(message.begin(), std::min(message.size(), std::size_t{3}), slot.midi.midiData);
+    if (message[0] == sysex_start)
+        add_sysex(message, frame_offset);
+    else
+        add_midi(message, frame_offset);
 }
 
+void event_list::add_midi(std::span<const std::uint8_t> message, int frame_offset) {
+    VstMidiEvent& event = messages_.emplace_back();
+    event.type = kVstMidiType;
+    event.byteSize = sizeof event;
+    event.deltaFrames = frame_offset;
+    std::copy_n(message.begin(), std::min(message.size(), std::size_t{3}), event.midiData);
+    add(reinterpret_cast<VstEvent*>(&event));
+}
+
+void event_list::add_sysex(std::span<const std::uint8_t> dump, int frame_offset) {
+    VstMidiSysexEvent& event = dumps_.emplace_back();
+    event.type = kVstSysExType;
+    event.byteSize = sizeof event;
+    event.deltaFrames = frame_offset;
+    event.dumpBytes = static_cast<VstInt32>(dump.size());
+    // The interface has no const here; a dump is read, never written.
+    event.sysexDump = const_cast<char*>(reinterpret_cast<const char*>(dump.data()));
+    add(reinterpret_cast<VstEvent*>(&event));
+}
+
+void event_list::add(VstEvent* event) { pointers_.push_back(event); }
+
 VstEvents* event_list::records() {
-    list_.numEvents = static_cast<VstInt32>(nb_events_);
-    return reinterpret_cast<VstEvents*>(&list_);
+    const std::size_t nb_bytes = offsetof(VstEvents, events) + pointers_.size() * sizeof(VstEvent*);
+    memory_.resize(nb_bytes / sizeof(VstEvents) + 1);
+    VstEvents& list = memory_.front();
+    list = {.numEvents = static_cast<VstInt32>(pointers_.size()), .reserved = 0, .events = {}};
+    std::copy(pointers_.begin(), pointers_.end(), &list.events[0]);
+    return &list;
 }

@@ -5,47 +5,37 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <vector>
 
-/// Fixed room, so that neither the list nor a damaged song's heap of events grows.
 class event_list {
 public:
-    static constexpr std::size_t capacity = 1024;
-
-    event_list();
+    event_list() = default;
     event_list(const event_list&) = delete; // the records point at each other
     event_list& operator=(const event_list&) = delete;
 
-    void clear() { nb_events_ = 0; }
-    [[nodiscard]] bool is_empty() const { return nb_events_ == 0; }
-    [[nodiscard]] bool is_full() const { return nb_events_ == capacity; }
+    void clear();
+    [[nodiscard]] bool is_empty() const { return pointers_.empty(); }
+    [[nodiscard]] std::size_t size() const { return pointers_.size(); }
 
-    /// Adds a channel message of 2 or 3 bytes or a SysEx message, whose bytes must outlive the
-    /// list's use. The list must not be full.
+    /// Adds a channel message, or a SysEx message with its first byte; not an empty one.
     void add(std::span<const std::uint8_t> message, int frame_offset);
+
+    /// Adds a message of up to 3 bytes, whatever they say.
+    void add_midi(std::span<const std::uint8_t> message, int frame_offset);
+
+    /// Adds a dump, whose bytes must outlive the list's use.
+    void add_sysex(std::span<const std::uint8_t> dump, int frame_offset);
+
+    void add(VstEvent* event); ///< of whatever type; may be null
 
     /// The list in the interface's form, valid until the next change.
     [[nodiscard]] VstEvents* records();
 
 private:
-    struct event_slot {
-        union {
-            VstEvent any;
-            VstMidiEvent midi;
-            VstMidiSysexEvent sysex;
-        };
-    };
-
-    /// A VstEvents with all the pointers that may follow it.
-    struct full_list {
-        VstInt32 numEvents;
-        VstIntPtr reserved;
-        VstEvent* events[capacity];
-    };
-    static_assert(offsetof(full_list, events) == offsetof(VstEvents, events));
-
-    std::vector<event_slot> slots_;
-    full_list list_{};
-    std::size_t nb_events_ = 0;
+    std::deque<VstMidiEvent> messages_{};
+    std::deque<VstMidiSysexEvent> dumps_{};
+    std::vector<VstEvent*> pointers_{};
+    std::vector<VstEvents> memory_{}; ///< room for a list with all its pointers
 };

@@ -8,10 +8,6 @@
 namespace {
 
 constexpr std::chrono::seconds trial_limit{20};
-// A record that says more is no record.
-constexpr int max_channels = 1024;
-constexpr int max_parameters = 65536;
-
 // The published lengths are 8 to 64 bytes, and instruments write past them.
 constexpr std::size_t text_capacity = 4096;
 
@@ -39,52 +35,18 @@ void resize_channels(std::vector<std::vector<float>>& channels, std::vector<floa
 } // namespace
 
 plugin::plugin(const std::filesystem::path& file)
-    : library_{file}, state_{.plugin_folder = std::filesystem::absolute(file).parent_path()} {
-    if (!library_.error.empty())
-        fail(file, "is no plug-in: " + library_.error);
-    host_callback_serve(&state_);
-    try {
-        create(file);
-    } catch (...) {
-        host_callback_serve(nullptr);
-        throw;
-    }
-    ask(effOpen);
-}
+    : host_{.plugin_folder = std::filesystem::absolute(file).parent_path()},
+      effect_{file, [this](const host_call& call) { return host_.answer(call); },
+              effect::after_closing::stays_loaded} {}
 
-void plugin::create(const std::filesystem::path& file) {
-    void* address = library_.find("main");
-    if (!address)
-        address = library_.find("VSTPluginMain");
-    if (!address)
-        fail(file, "is no plug-in: it exports neither main nor VSTPluginMain");
+plugin::~plugin() { stop(); }
 
-    p_effect_ = reinterpret_cast<VstPluginMainProc>(address)(host_callback);
-    if (!p_effect_)
-        fail(file, "refuses to start: its entry point answers nothing");
-    const AEffect& effect = *p_effect_;
-    if (effect.magic != kEffectMagic || !effect.dispatcher || !effect.setParameter
-        || !effect.getParameter)
-        fail(file, "is no plug-in: its entry point answers something else");
-    if (effect.numInputs < 0 || effect.numInputs > max_channels || effect.numOutputs < 0
-        || effect.numOutputs > max_channels)
-        fail(file, "claims an impossible number of channels");
-    if (effect.numParams < 0 || effect.numParams > max_parameters)
-        fail(file, "claims an impossible number of parameters");
-}
+int plugin::nb_parameters() const { return record().numParams; }
 
-plugin::~plugin() {
-    stop();
-    ask(effClose);
-    host_callback_serve(nullptr);
-}
-
-int plugin::nb_parameters() const { return p_effect_->numParams; }
-
-int plugin::nb_channels() const { return std::min(p_effect_->numOutputs, 2); }
+int plugin::nb_channels() const { return std::min(record().numOutputs, 2); }
 
 VstIntPtr plugin::ask(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
-    return p_effect_->dispatcher(p_effect_, opcode, index, value, ptr, opt);
+    return effect_.ask(opcode, index, value, ptr, opt);
 }
 
 std::string plugin::text(VstInt32 opcode, VstInt32 index) {
@@ -94,28 +56,26 @@ std::string plugin::text(VstInt32 opcode, VstInt32 index) {
     return tidy(buffer.data());
 }
 
-float plugin::parameter(int index) { return p_effect_->getParameter(p_effect_, index); }
+float plugin::parameter(int index) { return effect_.get(index); }
 
-void plugin::set_parameter(int index, float value) {
-    p_effect_->setParameter(p_effect_, index, value);
-}
+void plugin::set_parameter(int index, float value) { effect_.set(index, value); }
 
 void plugin::prepare(double rate_hz, int block_frames) {
-    state_.rate_hz = rate_hz;
-    state_.block_frames = block_frames;
-    state_.time.sampleRate = rate_hz;
+    host_.rate_hz = rate_hz;
+    host_.block_frames = block_frames;
+    host_.time.sampleRate = rate_hz;
     ask(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate_hz));
     ask(effSetBlockSize, 0, block_frames);
 }
 
 void plugin::start() {
-    if (!p_effect_->processReplacing || !(p_effect_->flags & effFlagsCanReplacing))
+    if (!record().processReplacing || !(record().flags & effFlagsCanReplacing))
         throw failure{exit_failed, "the plug-in cannot process audio in single precision"};
     if (nb_channels() == 0)
         throw failure{exit_failed, "the plug-in has no audio output"};
-    resize_channels(inputs_, p_inputs_, p_effect_->numInputs, state_.block_frames);
-    resize_channels(outputs_, p_outputs_, p_effect_->numOutputs, state_.block_frames);
-    state_.renders = true;
+    resize_channels(inputs_, p_inputs_, record().numInputs, host_.block_frames);
+    resize_channels(outputs_, p_outputs_, record().numOutputs, host_.block_frames);
+    host_.renders = true;
     ask(effMainsChanged, 0, 1);
     ask(effStartProcess);
     runs_ = true;
@@ -127,14 +87,14 @@ void plugin::stop() {
     ask(effStopProcess);
     ask(effMainsChanged, 0, 0);
     runs_ = false;
-    state_.renders = false;
+    host_.renders = false;
 }
 
 void plugin::send(event_list& events) { ask(effProcessEvents, 0, 0, events.records()); }
 
 void plugin::process() {
-    p_effect_->processReplacing(p_effect_, p_inputs_.data(), p_outputs_.data(),
-                                state_.block_frames);
+    record().processReplacing(effect_.record(), p_inputs_.data(), p_outputs_.data(),
+                              host_.block_frames);
 }
 
 std::span<const float> plugin::output(int channel) const {

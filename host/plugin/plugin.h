@@ -1,10 +1,10 @@
 #pragma once
-/// A VST 2.4 instrument in this process, known by nothing but its binary interface.
+/// The command's instrument: a plug-in that it asks, sets up and renders with.
 
 #include "failure/failure.h"
-#include "platform/library.h"
+#include "plugin/command_host.h"
+#include "plugin/effect.h"
 #include "plugin/event_list.h"
-#include "plugin/host_callback.h"
 
 #include <filesystem>
 #include <functional>
@@ -14,14 +14,13 @@
 
 class plugin {
 public:
-    /// Loads the plug-in and opens it. Throws a failure that names the file and the reason. One
-    /// at a time, see host_callback_serve.
+    /// Loads the plug-in and opens it. Throws a failure that names the file and the reason.
     explicit plugin(const std::filesystem::path& file);
     ~plugin(); ///< stops it if it runs, and closes it
     plugin(const plugin&) = delete;
     plugin& operator=(const plugin&) = delete;
 
-    [[nodiscard]] const AEffect& record() const { return *p_effect_; }
+    [[nodiscard]] const AEffect& record() const { return *effect_.record(); }
     [[nodiscard]] int nb_parameters() const;
     [[nodiscard]] int nb_channels() const; ///< 1 or 2: the outputs that are listened to
 
@@ -41,7 +40,7 @@ public:
     void start(); ///< Only after prepare. Throws a failure if the plug-in cannot process.
     void stop();
 
-    [[nodiscard]] VstTimeInfo& time() { return state_.time; }
+    [[nodiscard]] VstTimeInfo& time() { return host_.time; }
 
     /// Hands over what happens in the block that is processed next; more than one call is possible.
     void send(event_list& events);
@@ -51,11 +50,8 @@ public:
     [[nodiscard]] std::span<const float> output(int channel) const;
 
 private:
-    void create(const std::filesystem::path& file);
-
-    library library_;
-    host_state state_;
-    AEffect* p_effect_ = nullptr;
+    command_host host_;
+    effect effect_;
     bool runs_ = false;
     std::vector<std::vector<float>> inputs_{};
     std::vector<std::vector<float>> outputs_{};

@@ -5,6 +5,9 @@
 
 namespace {
 
+// A damaged song may hold heaps of them at one time.
+constexpr std::size_t max_events_a_list = 1024;
+
 /// Watches the sound after the song's end, from which alone silence counts.
 class tail_watch {
 public:
@@ -81,7 +84,7 @@ private:
             const score_event& event = music_.events[next_event_];
             if (event.frame >= end_frame)
                 break;
-            if (list_.is_full()) {
+            if (list_.size() == max_events_a_list) {
                 instrument_.send(list_);
                 list_.clear();
             }

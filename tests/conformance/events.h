@@ -1,12 +1,8 @@
 #pragma once
-/// What is played, and the lists in which a host hands it over.
-
-#include "vst/interface.h"
+/// What is played.
 
 #include <array>
-#include <cstddef>
-#include <deque>
-#include <span>
+#include <cstdint>
 #include <vector>
 
 struct midi {
@@ -26,23 +22,7 @@ inline midi controller(long frame, int number, int value, int channel = 1) {
     return {frame, {0xB0 | (channel - 1), number, value}};
 }
 
-/// A list of events with room for as many as are added. Not to be copied: it points into itself.
-class event_list {
-public:
-    event_list() = default;
-    event_list(const event_list&) = delete;
-    event_list& operator=(const event_list&) = delete;
-
-    void add(const midi& event, VstInt32 delta_frames);
-    void add_sysex(std::span<char> dump);
-    void add(VstEvent* event); ///< of whatever type; may be null
-
-    /// The record, valid until the next event is added.
-    [[nodiscard]] VstEvents* record();
-
-private:
-    std::deque<VstMidiEvent> messages{};
-    std::deque<VstMidiSysexEvent> dumps{};
-    std::vector<VstEvent*> pointers{};
-    std::vector<std::byte> memory{};
-};
+[[nodiscard]] inline std::array<std::uint8_t, 3> message_of(const midi& event) {
+    return {static_cast<std::uint8_t>(event.bytes[0]), static_cast<std::uint8_t>(event.bytes[1]),
+            static_cast<std::uint8_t>(event.bytes[2])};
+}

@@ -1,31 +1,21 @@
 #pragma once
-/// The host that a plug-in under test talks to. Each instrument has its own.
+/// A host that writes down what it is asked.
 
-#include "vst/interface.h"
+#include "plugin/host.h"
 
-#include <functional>
+#include <algorithm>
 #include <vector>
 
-struct host_call {
-    AEffect* effect;
-    VstInt32 opcode;
-    VstInt32 index;
-    VstIntPtr value;
-    void* ptr;
-    float opt;
-};
-
-using host_answers = std::function<VstIntPtr(const host_call&)>;
-
-/// The version, and 0 to everything else.
-[[nodiscard]] VstIntPtr answer_ordinarily(const host_call& call);
-
-struct host {
-    host_answers answer = answer_ordinarily;
+struct recording_host {
+    host_answers answer = answer_version;
     std::vector<host_call> calls{};
 
-    [[nodiscard]] long nb_calls(VstInt32 opcode) const;
-};
+    VstIntPtr take(const host_call& call) {
+        calls.push_back(call);
+        return answer(call);
+    }
 
-/// The library's main, with this host. Its effects' records point back to the host by `user`.
-[[nodiscard]] AEffect* create_effect(host& its_host, VstPluginMainProc entry);
+    [[nodiscard]] long nb_calls(VstInt32 opcode) const {
+        return static_cast<long>(std::ranges::count(calls, opcode, &host_call::opcode));
+    }
+};

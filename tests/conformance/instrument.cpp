@@ -1,5 +1,7 @@
 #include "conformance/instrument.h"
 
+#include "platform/process.h"
+
 #include <algorithm>
 #include <cmath>
 #include <mutex>
@@ -8,43 +10,32 @@
 namespace {
 
 /// Instruments are created on several threads, and the environment takes no changes meanwhile.
-void seed_instruments(unsigned seed) {
+const std::filesystem::path& seeded_file(const trial& running) {
     static std::mutex changing;
     static std::optional<unsigned> current;
     const std::scoped_lock lock(changing);
-    if (current != seed)
-        set_environment("TINDELWAX_SEED", std::to_string(seed));
-    current = seed;
+    if (current != running.seed)
+        set_environment("TINDELWAX_SEED", std::to_string(running.seed).c_str());
+    current = running.seed;
+    return running.plugin_file;
 }
 
 } // namespace
 
 instrument::instrument(trial& running_, host_answers answers)
-    : running(running_), its_host{.answer = std::move(answers)}, library(running_.plugin_file) {
+    : running(running_),
+      its_host{.answer = std::move(answers)},
+      loaded(seeded_file(running), [this](const host_call& call) { return its_host.take(call); }) {
     running.frame = 0;
-    seed_instruments(running.seed);
-    effect = create_effect(its_host, library.entry());
-    running.expect(effect != nullptr, "main gives no effect");
-    ask(effOpen);
 }
 
 instrument::instrument(trial& running_, const set_up& wanted) : instrument(running_) {
     prepare(wanted);
 }
 
-instrument::~instrument() {
-    if (effect)
-        close();
-}
-
-VstIntPtr instrument::close() {
-    AEffect* const closing = std::exchange(effect, nullptr);
-    return closing->dispatcher(closing, effClose, 0, 0, nullptr, 0);
-}
-
 void instrument::send(const midi& message) {
     event_list events;
-    events.add(message, 0);
+    events.add_midi(message_of(message), 0);
     send(events);
 }
 
@@ -60,14 +51,16 @@ void instrument::prepare(const set_up& wanted) {
 }
 
 VstIntPtr instrument::ask(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
-    return effect->dispatcher(effect, opcode, index, value, ptr, opt);
+    return loaded.ask(opcode, index, value, ptr, opt);
 }
 
 std::string instrument::text(VstInt32 opcode, std::size_t nb_bytes, VstInt32 index) {
     const guarded_memory memory(nb_bytes);
     ask(opcode, index, 0, memory.data());
     running.expect(memory.front_holds(), "bytes in front of the text change");
-    return std::string(memory.text());
+    const auto text = memory.text();
+    running.expect(text.has_value(), "a text without an end");
+    return std::string(*text);
 }
 
 recording instrument::render(const score& played, long nb_frames) {
@@ -87,8 +80,9 @@ recording instrument::render(const score& played, long nb_frames) {
 void instrument::send_until(const score& played, std::size_t& next, long start, int nb_frames) {
     event_list events;
     for (; next < played.size() && played[next].frame < start + nb_frames; ++next)
-        events.add(played[next], static_cast<VstInt32>(played[next].frame - start));
-    if (events.record()->numEvents > 0)
+        events.add_midi(message_of(played[next]),
+                        static_cast<VstInt32>(played[next].frame - start));
+    if (!events.is_empty())
         send(events);
 }
 
@@ -100,6 +94,6 @@ void instrument::process(recording& sound, int nb_frames) {
     sound.right.resize(end, std::nanf(""));
     sound.left.resize(end, std::nanf(""));
     std::array outputs{sound.right.data() + start, sound.left.data() + start};
-    effect->processReplacing(effect, nullptr, outputs.data(), nb_frames);
+    record()->processReplacing(record(), nullptr, outputs.data(), nb_frames);
     running.frame += nb_frames;
 }

@@ -2,10 +2,11 @@
 /// A plug-in under test, from its loading to its unloading.
 
 #include "conformance/events.h"
-#include "conformance/guarded_memory.h"
 #include "conformance/host.h"
-#include "conformance/platform.h"
 #include "conformance/trial.h"
+#include "plugin/effect.h"
+#include "plugin/event_list.h"
+#include "probe/guarded_memory.h"
 
 #include <array>
 #include <string>
@@ -44,12 +45,11 @@ struct recording {
 class instrument {
 public:
     /// Loads the library and asks for an effect, seeded with the trial's seed; nothing is set up.
-    explicit instrument(trial& running, host_answers answers = answer_ordinarily);
+    explicit instrument(trial& running, host_answers answers = answer_version);
 
     /// The same, ready to play.
     instrument(trial& running, const set_up& wanted);
 
-    ~instrument(); ///< closes the effect, unless that was done, and unloads the library
     instrument(const instrument&) = delete;
     instrument& operator=(const instrument&) = delete;
 
@@ -57,13 +57,14 @@ public:
 
     VstIntPtr ask(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
                   float opt = 0);
-    void set(VstInt32 index, float value) { effect->setParameter(effect, index, value); }
-    [[nodiscard]] float get(VstInt32 index) { return effect->getParameter(effect, index); }
+    void set(VstInt32 index, float value) { loaded.set(index, value); }
+    [[nodiscard]] float get(VstInt32 index) { return loaded.get(index); }
     [[nodiscard]] std::string text(VstInt32 opcode, std::size_t nb_bytes, VstInt32 index = 0);
 
-    VstIntPtr close(); ///< there is no effect any more
+    [[nodiscard]] AEffect* record() const { return loaded.record(); } ///< null once it is closed
+    VstIntPtr close() { return loaded.close(); }
 
-    void send(event_list& events) { ask(effProcessEvents, 0, 0, events.record()); }
+    void send(event_list& events) { ask(effProcessEvents, 0, 0, events.records()); }
     void send(const midi& message); ///< at the start of the next block
 
     /// Plays the next frames in blocks of the lengths set up, the last one cut to fit.
@@ -73,13 +74,13 @@ public:
     void process(recording& sound, int nb_frames);
 
     trial& running;
-    host its_host;
-    AEffect* effect;
+    recording_host its_host;
 
 private:
+    effect loaded;
+
     void send_until(const score& played, std::size_t& next, long start, int nb_frames);
 
-    plugin_library library;
     std::vector<int> blocks{64};
     std::size_t next_block = 0;
 };

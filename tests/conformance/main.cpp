@@ -1,9 +1,9 @@
 /// conformance judges a plug-in's file through the binary interface alone.
 
-#include "conformance/measure.h"
-#include "conformance/platform.h"
 #include "conformance/reference.h"
 #include "conformance/tables.h"
+#include "platform/process.h"
+#include "probe/signal.h"
 
 #include <algorithm>
 #include <atomic>

@@ -12,7 +12,7 @@ class panel_player {
 public:
     /// With an open panel.
     explicit panel_player(trial& its_trial, CPoint corner_on_screen = {40, 30},
-                          host_answers answers = answer_ordinarily);
+                          host_answers answers = answer_version);
 
     VstIntPtr open() { return playing.ask(effEditOpen, 0, 0, window.handle()); }
     void close() { playing.ask(effEditClose); }

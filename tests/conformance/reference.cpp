@@ -1,7 +1,7 @@
 #include "conformance/reference.h"
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
+#include "probe/signal.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,8 +1,8 @@
 /// The bass: one key at a time, and its octave as chords on the manual.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 #include <cmath>
 

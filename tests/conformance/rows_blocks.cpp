@@ -1,8 +1,8 @@
 /// The sound does not depend on how the host cuts time.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 namespace {
 
@@ -120,7 +120,8 @@ void no_frames(trial& running) {
         played->send(note_on(0, 60));
     for (const int length : {0, -1, -2147483647}) {
         std::array<float*, 2> outputs{};
-        interrupted.effect->processReplacing(interrupted.effect, nullptr, outputs.data(), length);
+        interrupted.record()->processReplacing(interrupted.record(), nullptr, outputs.data(),
+                                               length);
     }
     running.expect(interrupted.render({}, 4800).right == usual.render({}, 4800).right,
                    "a block of no frames changes the sound");

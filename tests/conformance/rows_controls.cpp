@@ -1,8 +1,8 @@
 /// Controllers, the split, and the messages that silence.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 /// The door: what main gives to hosts of every kind.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 #include <cstdint>
 #include <random>
@@ -10,9 +10,10 @@
 namespace {
 
 void host_of_version_0(trial& running) {
-    const plugin_library library(running.plugin_file);
-    host silent{.answer = [](const host_call&) { return VstIntPtr{0}; }};
-    running.expect(create_effect(silent, library.entry()) == nullptr,
+    const library loaded(running.plugin_file);
+    recording_host silent{.answer = [](const host_call&) { return VstIntPtr{0}; }};
+    host_answers answers = [&silent](const host_call& call) { return silent.take(call); };
+    running.expect(effect_create(plugin_entry(loaded), answers) == nullptr,
                    "a host of version 0 gets an effect");
     running.expect(silent.calls.size() == 1 && silent.calls[0].opcode == audioMasterVersion,
                    "the host is asked for more than its version");
@@ -22,7 +23,7 @@ void host_of_version_0(trial& running) {
 void host_of_odd_version(trial& running) {
     for (const VstIntPtr version : {1, 2300, 2400, -1}) {
         const instrument accepted(running, [version](const host_call&) { return version; });
-        running.expect(accepted.effect->magic == kEffectMagic, "the record has no magic number");
+        running.expect(accepted.record()->magic == kEffectMagic, "the record has no magic number");
     }
 }
 
@@ -42,7 +43,7 @@ void host_of_garbage(trial& running) {
 }
 
 void host_of_nothing_but_a_version(trial& running) {
-    instrument playing(running, answer_ordinarily);
+    instrument playing(running, answer_version);
     expect_sound(playing);
 }
 
@@ -60,7 +61,7 @@ void callback_during_main(trial& running) {
             running.expect(value == 0.5f, "it has no defaults while it is made");
             effect->setParameter(effect, volume, value);
         }
-        return answer_ordinarily(call);
+        return answer_version(call);
     });
     running.expect(nb_questions > 0, "an instrument asks for MIDI events as it is made");
 }

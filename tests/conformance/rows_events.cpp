@@ -1,8 +1,8 @@
 /// System exclusive messages, and events that are none of the instrument's.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ long nb_echoes(const instrument& played, const VstEvents* list) {
 
 void expect_echo(instrument& played, event_list& events) {
     played.its_host.calls.clear();
-    VstEvents* list = events.record();
+    VstEvents* list = events.records();
     played.running.expect(played.ask(effProcessEvents, 0, 0, list) == 1,
                           "it is not answered with 1");
     played.running.expect(nb_echoes(played, list) == 1, "it is not echoed once");
@@ -28,7 +28,7 @@ void dump_of_any_length(trial& running) {
         running.doing = "a dump of " + std::to_string(length) + " bytes";
         const guarded_memory dump(length);
         event_list events;
-        events.add_sysex({dump.data(), dump.size()});
+        events.add_sysex({reinterpret_cast<const std::uint8_t*>(dump.data()), dump.size()}, 0);
         expect_echo(played, events);
         running.expect(dump.is_untouched(), "it is changed");
     }
@@ -37,13 +37,13 @@ void dump_of_any_length(trial& running) {
 /// The list is handed back once for each dump in it.
 void echo_once_a_dump(trial& running) {
     instrument played(running, set_up{});
-    char dump[]{'\xF0', 0x7D, 1, 2, '\xF7'};
+    const std::uint8_t dump[]{0xF0, 0x7D, 1, 2, 0xF7};
     event_list events;
-    events.add_sysex(dump);
-    events.add(note_on(0, 50), 0);
-    events.add_sysex(dump);
+    events.add_sysex(dump, 0);
+    events.add_midi(message_of(note_on(0, 50)), 0);
+    events.add_sysex(dump, 0);
     played.send(events);
-    running.expect(nb_echoes(played, events.record()) == 2, "two dumps are not echoed twice");
+    running.expect(nb_echoes(played, events.records()) == 2, "two dumps are not echoed twice");
     const recording sound = played.render({}, 4800);
     running.expect(peak(sound.right) > 1e-3, "the note between two dumps is lost");
 }
@@ -53,8 +53,8 @@ void dump_of_odd_records(trial& running) {
     for (const VstInt32 length : {-1, 0, 5, 0x7FFFFFFF}) {
         running.doing = "a dump at null of " + std::to_string(length) + " bytes";
         event_list events;
-        events.add_sysex({});
-        reinterpret_cast<VstMidiSysexEvent*>(events.record()->events[0])->dumpBytes = length;
+        events.add_sysex({}, 0);
+        reinterpret_cast<VstMidiSysexEvent*>(events.records()->events[0])->dumpBytes = length;
         expect_echo(played, events);
     }
 }
@@ -65,8 +65,8 @@ void events_of_other_types(trial& running) {
     event_list events;
     constexpr std::size_t nb_events = 12;
     for (std::size_t i = 0; i < nb_events; ++i)
-        events.add(note_on(0, 60), 0);
-    VstEvents* list = events.record();
+        events.add_midi(message_of(note_on(0, 60)), 0);
+    VstEvents* list = events.records();
     VstInt32 type = -2;
     for (VstEvent*& event : std::span(&list->events[0], nb_events)) {
         event->type = type++;
@@ -86,9 +86,9 @@ void lists_of_one_block(trial& running) {
     event_list both;
     for (const midi& note : {note_on(10, 48), note_on(40, 60)}) {
         event_list alone;
-        alone.add(note, static_cast<VstInt32>(note.frame));
+        alone.add_midi(message_of(note), static_cast<VstInt32>(note.frame));
         apart.send(alone);
-        both.add(note, static_cast<VstInt32>(note.frame));
+        both.add_midi(message_of(note), static_cast<VstInt32>(note.frame));
     }
     together.send(both);
     const recording wanted = together.render({}, 4800);

@@ -10,7 +10,7 @@ namespace {
 
 void record(trial& running) {
     const instrument asked(running);
-    const AEffect& effect = *asked.effect;
+    const AEffect& effect = *asked.record();
     const struct {
         const char* field;
         long long value;
@@ -39,7 +39,7 @@ void record(trial& running) {
 /// Old hosts call every pointer of the record without looking at the flags.
 void every_pointer_can_be_called(trial& running) {
     instrument called(running, set_up{});
-    AEffect* effect = called.effect;
+    AEffect* effect = called.record();
     running.expect(effect->dispatcher && effect->__processDeprecated && effect->setParameter
                        && effect->getParameter && effect->processReplacing
                        && effect->processDoubleReplacing && effect->object,

@@ -1,8 +1,8 @@
 /// Many instruments in one process, and the same instrument twice.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 #include <functional>
 #include <future>
@@ -121,7 +121,7 @@ void on_threads(trial& running) {
 
 /// Loading, playing and closing at once, as hosts do that open a project's tracks in parallel.
 void created_on_threads(trial& running) {
-    const plugin_library kept(running.plugin_file);
+    const library kept(running.plugin_file);
     const recording wanted = play_alone(running, 1);
     recordings got(nb_threads);
     std::vector<std::function<void()>> jobs;

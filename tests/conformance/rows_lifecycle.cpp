@@ -1,9 +1,9 @@
 /// What an instrument takes from the system it gives back.
 
-#include "conformance/given_back.h"
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/tables.h"
+#include "probe/lost_resources.h"
+#include "probe/signal.h"
 
 #include <list>
 #include <memory>
@@ -20,21 +20,23 @@ void query(instrument& asked) {
 }
 
 void loads_and_unloads(trial& running) {
-    expect_given_back(running, [&running] {
+    const std::string lost = lost_resources([&running] {
         for (int i = 0; i < nb_rounds; ++i)
             query(*std::make_unique<instrument>(running));
     });
+    running.expect(lost.empty(), "it loses " + lost);
 }
 
 /// The library stays, so that what its static parts would hold shows.
 void creates_and_closes(trial& running) {
-    const plugin_library kept(running.plugin_file);
+    library kept(running.plugin_file);
     loads_and_unloads(running);
+    kept.unload();
 }
 
 void unloads_wholly(trial& running) {
     query(*std::make_unique<instrument>(running));
-    running.expect(!plugin_library_is_loaded(running.plugin_file),
+    running.expect(!library_is_loaded(running.plugin_file),
                    "the library stays in memory after its unloading");
 }
 

@@ -1,8 +1,8 @@
 /// Silence, and the frame at which it ends.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 #include <algorithm>
 
@@ -54,7 +54,7 @@ recording play_list(trial& running, const score& list) {
     instrument playing(running, {.blocks = {512}, .parameters = {{bass_chords, 0.0f}}});
     event_list events;
     for (const midi& event : list)
-        events.add(event, static_cast<VstInt32>(event.frame));
+        events.add_midi(message_of(event), static_cast<int>(event.frame));
     playing.send(events);
     return playing.render({}, 4800);
 }

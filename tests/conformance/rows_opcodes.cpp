@@ -1,9 +1,9 @@
 /// Every opcode but effClose, with arguments that no sane host sends.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/tables.h"
 #include "conformance/text_sizes.h"
+#include "probe/signal.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,8 +1,8 @@
 /// What the panel shows, and what a user does to it.
 
-#include "conformance/measure.h"
 #include "conformance/panel_player.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 namespace {
 

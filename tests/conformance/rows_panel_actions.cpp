@@ -1,8 +1,8 @@
 /// What the panel does besides parameters.
 
-#include "conformance/measure.h"
 #include "conformance/panel_player.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 #include <cstdint>
 #include <cstring>
@@ -110,7 +110,7 @@ void menu_asks_for_files(trial& running) {
         if (call.opcode == audioMasterCanDo)
             return 1;
         if (call.opcode != audioMasterOpenFileSelector)
-            return answer_ordinarily(call);
+            return answer_version(call);
         auto* request = static_cast<VstFileSelect*>(call.ptr);
         requests.push_back(request_text(*request));
         std::strcpy(request->returnPath, "no such folder/bank.fxb");

@@ -1,8 +1,8 @@
 /// The panel's window: how it comes and goes, and what it leaves.
 
-#include "conformance/given_back.h"
 #include "conformance/panel_player.h"
 #include "conformance/tables.h"
+#include "probe/lost_resources.h"
 
 #include <functional>
 #include <memory>
@@ -66,17 +66,18 @@ void parent_goes_first(trial& running) {
     user.playing.set(volume, 0.7f);
     user.idle();
     user.close();
-    panel_window next;
+    const panel_window next;
     running.expect(user.playing.ask(effEditOpen, 0, 0, next.handle()) == 1,
                    "it does not open any more");
     user.close();
 }
 
 void leaves_nothing(const trial& running, int nb_rounds, const std::function<void()>& round) {
-    expect_given_back(running, [&] {
+    const std::string lost = lost_resources([&] {
         for (int i = 0; i < nb_rounds; ++i)
             round();
     });
+    running.expect(lost.empty(), "it loses " + lost);
 }
 
 void opens_a_thousand_times(trial& running) {
@@ -118,13 +119,13 @@ void closed_in_a_click(trial& running) {
                     instrument& closed = *std::exchange(clicked, nullptr);
                     closing == effClose ? closed.close() : closed.ask(effEditClose);
                 }
-                return answer_ordinarily(call);
+                return answer_version(call);
             });
             user.window.move(control_places[flute]);
             user.window.press();
             clicked = &user.playing;
             user.window.handle_messages();
-            if (user.playing.effect)
+            if (user.playing.record())
                 user.playing.ask(effEditIdle);
             running.expect(clicked == nullptr, "the host gets no such turn");
             running.expect(user.window.nb_left() == 0, "a window is left");

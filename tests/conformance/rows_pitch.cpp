@@ -2,9 +2,9 @@
 /// whole number of samples at eight times the rate, truncated.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/rates.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 #include <cmath>
 

@@ -1,10 +1,10 @@
 /// The processor's state at the door, on the way in and on the way out.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
-#include "conformance/misaligned_call.h"
 #include "conformance/tables.h"
 #include "conformance/text_sizes.h"
+#include "probe/misaligned_call.h"
+#include "probe/signal.h"
 
 #include <algorithm>
 #include <bit>
@@ -30,8 +30,8 @@ void control_register(trial& running) {
                                   usual | 0x0040u, usual & ~invalid_zero_overflow}) {
         instrument playing(running, set_up{});
         event_list events;
-        events.add(note_on(0, 60), 0);
-        events.add(note_on(0, 26), 0);
+        events.add_midi(message_of(note_on(0, 60)), 0);
+        events.add_midi(message_of(note_on(0, 26)), 0);
         playing.send(events);
         const std::uint16_t x87_before = x87_control_word();
         recording sound;
@@ -128,15 +128,15 @@ void misaligned_stack(trial& running) {
     for (const std::uint32_t offset : {0u, 4u, 8u, 12u}) {
         running.doing = "a stack that is " + std::to_string(offset) + " bytes off";
         const instrument called(running);
-        const misaligned_host asking{called.effect, offset};
+        const misaligned_host asking{called.record(), offset};
         asking.ask(effSetSampleRate, 0, 0, nullptr, 48000);
         asking.ask(effSetBlockSize, 0, 64);
         asking.ask(effMainsChanged, 0, 1);
         expect_values(running, asking);
         expect_editor(running, asking);
         event_list events;
-        events.add(note_on(0, 60), 0);
-        asking.ask(effProcessEvents, 0, 0, events.record());
+        events.add_midi(message_of(note_on(0, 60)), 0);
+        asking.ask(effProcessEvents, 0, 0, events.records());
         std::vector<float> sound(4800);
         float* outputs[]{sound.data(), wanted.left.data()};
         asking.process(outputs, 4800);
@@ -146,7 +146,7 @@ void misaligned_stack(trial& running) {
 
 /// The entry, too, and the object that it makes.
 void misaligned_entry(trial& running) {
-    const plugin_library library(running.plugin_file);
+    const library loaded(running.plugin_file);
     for (const std::uint32_t offset : {0u, 4u, 8u, 12u}) {
         running.doing = "a stack that is " + std::to_string(offset) + " bytes off";
         const audioMasterCallback answer = [](AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*,
@@ -154,7 +154,7 @@ void misaligned_entry(trial& running) {
             return opcode == audioMasterVersion ? kVstVersion : 0;
         };
         auto* effect = reinterpret_cast<AEffect*>(
-            misaligned_call(word_of(library.entry()), {word_of(answer)}, offset));
+            misaligned_call(word_of(plugin_entry(loaded)), {word_of(answer)}, offset));
         running.expect(effect != nullptr, "main gives no effect");
         misaligned_host{effect, offset}.ask(effClose);
     }

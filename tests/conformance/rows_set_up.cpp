@@ -1,8 +1,8 @@
 /// In whatever order a host sets it up, the instrument plays the same.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 #include <cmath>
 #include <functional>

@@ -1,8 +1,8 @@
 /// More events than any player sends.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 #include <random>
 
@@ -71,7 +71,8 @@ void million_messages(trial& running) {
     for (int block = 0; block < nb_blocks; ++block) {
         event_list events;
         for (int i = 0; i < messages_a_block; ++i)
-            events.add(random_message(random), static_cast<VstInt32>(random() % 600) - 40);
+            events.add_midi(message_of(random_message(random)),
+                            static_cast<VstInt32>(random() % 600) - 40);
         playing.send(events);
         const recording sound = playing.render({}, 1 + static_cast<long>(random() % 512));
         running.expect(is_finite(sound.right) && is_finite(sound.left), "it is not finite");

@@ -1,9 +1,9 @@
 /// The vibrato's depth and speed, from how the phase of a held note's partial swings.
 
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/rates.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 #include <cmath>
 #include <numbers>

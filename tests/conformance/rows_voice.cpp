@@ -2,9 +2,9 @@
 
 #include "conformance/closed_form.h"
 #include "conformance/instrument.h"
-#include "conformance/measure.h"
 #include "conformance/rates.h"
 #include "conformance/tables.h"
+#include "probe/signal.h"
 
 #include <algorithm>
 #include <cmath>

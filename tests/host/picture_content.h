@@ -1,7 +1,7 @@
 #pragma once
 /// What is in a PNG file.
 
-#include "platform/picture_window.h"
+#include "platform/editor_window.h"
 
 #include <png.h>
 #include <string>

@@ -102,3 +102,27 @@ std::string first_difference(const CDrawContext& shown, const CDrawContext& expe
     }
     return "";
 }
+
+namespace {
+
+CDrawContext drawing(const picture& shown) {
+    CDrawContext drawn(shown.width, shown.height);
+    const std::uint8_t* bytes = shown.pixels.data();
+    for (int y = 0; !shown.pixels.empty() && y < shown.height; ++y)
+        for (std::uint32_t& pixel : drawn.row(y)) {
+            pixel = static_cast<std::uint32_t>(bytes[0] << 16 | bytes[1] << 8 | bytes[2]);
+            bytes += 3;
+        }
+    return drawn;
+}
+
+} // namespace
+
+std::string shown_difference(const editor_window& window, const CDrawContext& expected,
+                             int tolerance) {
+    constexpr int nb_chances = 100;
+    std::string difference = first_difference(drawing(window.take()), expected, tolerance);
+    for (int i = 0; i < nb_chances && !difference.empty(); ++i)
+        difference = first_difference(drawing(window.take()), expected, tolerance);
+    return difference;
+}

@@ -1,6 +1,7 @@
 #pragma once
 /// What the panel must look like: its bitmaps, read from the artwork and laid over each other.
 
+#include "platform/editor_window.h"
 #include "vstgui/cdrawcontext.h"
 
 #include <array>
@@ -21,3 +22,8 @@ struct panel_state {
 /// Returns "" for pictures whose channels differ by no more than `tolerance`, else where they do.
 [[nodiscard]] std::string first_difference(const CDrawContext& shown, const CDrawContext& expected,
                                            int tolerance = 0);
+
+/// Takes pictures of the window for as long as clients may still be heard by the display. Returns
+/// "" once one shows what is expected, else where the last one differs.
+[[nodiscard]] std::string shown_difference(const editor_window& window,
+                                           const CDrawContext& expected, int tolerance = 0);

@@ -123,13 +123,14 @@ TEST(AudioThread, NothingAllocatesLocksOrCallsTheSystem) {
     const auto below = [&](unsigned n) { return static_cast<int>(random() % n); };
     event_list messages, taught, dumps;
     for (int i = 0; i < 10000; ++i) // half of them notes: more than the queue holds
-        messages.add({0, {statuses[below(6)], below(128), below(128)}}, below(5000));
+        messages.add_midi(message_of({0, {statuses[below(6)], below(128), below(128)}}),
+                          below(5000));
     for (const int value : {127, 64})
-        taught.add(controller(0, 20, value, 3), 0);
-    char dump[] = "\xF0 payload \xF7";
-    dumps.add_sysex(dump);
-    VstEvents* const lists[] = {messages.record(), dumps.record()};
-    VstEvents* const lesson = taught.record();
+        taught.add_midi(message_of(controller(0, 20, value, 3)), 0);
+    constexpr std::uint8_t dump[] = {0xF0, 1, 2, 3, 0xF7};
+    dumps.add_sysex(dump, 0);
+    VstEvents* const lists[] = {messages.records(), dumps.records()};
+    VstEvents* const lesson = taught.records();
     for (const bool is_open : {false, true})
         for (const auto& [rate, announced] : {std::pair{22050, 0},
                                               {32000, 1},

@@ -1,8 +1,9 @@
 #pragma once
 /// What the tests of the plug-in class share: an instrument in a host's hands.
 
-#include "conformance/events.h"
 #include "korvel/korvel.h"
+#include "plugin/event_list.h"
+#include "tests/conformance/events.h"
 #include "vst/organ.h"
 
 #include <cstdlib>
@@ -24,6 +25,6 @@ inline std::unique_ptr<Organ> make_organ(int nb_programs = 0) {
 inline void send(Organ& effect, const score& messages) {
     event_list list;
     for (const midi& message : messages)
-        list.add(message, static_cast<VstInt32>(message.frame));
-    effect.processEvents(list.record());
+        list.add_midi(message_of(message), static_cast<int>(message.frame));
+    effect.processEvents(list.records());
 }

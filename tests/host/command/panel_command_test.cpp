@@ -1,6 +1,6 @@
+#include "platform/display.h"
 #include "tests/host/command/command_fixture.h"
 #include "tests/host/picture_content.h"
-#include "tests/x_host/x_host.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -66,7 +66,7 @@ TEST_F(PanelCommand, AnEditorThatMovesOrGrowsIsPicturedToo) {
 TEST_F(PanelCommand, UsesTheUsersDisplayOfAnyDepth) {
     surroundings.environment["PATH"] = folder.path; // without another server
     for (const int depth : {16, 24, 30}) {
-        const XServer server{depth};
+        const display server{display::choice::unseen, depth};
         surroundings.environment["DISPLAY"] = std::getenv("DISPLAY");
         const picture shown = pictured({}, "painter");
         ASSERT_EQ(shown.width, 40) << "depth " << depth;

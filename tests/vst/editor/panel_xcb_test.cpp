@@ -1,6 +1,6 @@
+#include "platform/display.h"
 #include "tests/panel_picture/panel_picture.h"
 #include "tests/vst/editor/panel_host.h"
-#include "tests/x_host/x_host.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -11,12 +11,12 @@ namespace {
 
 struct PanelXcb : testing::Test {
     void moveTo(CPoint onPanel) {
-        screen.move({corner.x + onPanel.x, corner.y + onPanel.y});
+        window.move({onPanel.x, onPanel.y});
         host.idle();
     }
     void take(VstInt32 knob) {
         moveTo(control_places[knob]);
-        screen.button(1, true);
+        window.press();
         host.idle();
     }
 
@@ -32,36 +32,35 @@ struct PanelXcb : testing::Test {
         return letters;
     }
 
-    CPoint corner{40, 30}; ///< of the host's window on the screen
-    XServer server{};
-    XHost screen{};
-    void* window = screen.makeWindow(corner);
+    display server{display::choice::unseen};
+    editor_window window{480, 400, {40, 30}};
     panel_host host{};
 };
 
 TEST_F(PanelXcb, AHostsWindowMayBeTransparent) {
-    EXPECT_TRUE(host.open(screen.makeWindow(corner, true)));
+    const editor_window transparent{480, 400, {}, true};
+    EXPECT_TRUE(host.open(transparent.handle()));
 }
 
 TEST_F(PanelXcb, HidingItEndsTheDrag) {
-    ASSERT_TRUE(host.open(window));
+    ASSERT_TRUE(host.open(window.handle()));
     for (const bool whole : {true, false})
         for (const bool beyond : {false, true}) { // with a knob each: no double click
             const VstInt32 index = beyond ? 7 : 6;
             take(index);
             moveTo(beyond ? CPoint{759, 301} : CPoint{460, 320});
             EXPECT_FALSE(gestures(index).ends_with("e"));
-            screen.show(window, whole, false);
+            whole ? window.show(false) : window.show_content(false);
             host.idle();
             EXPECT_EQ(gestures(index), "e")
                 << (whole ? "with the host's window" : "alone") << ", pointer beyond: " << beyond;
-            screen.button(1, false);
-            screen.show(window, whole, true);
+            window.release();
+            whole ? window.show(true) : window.show_content(true);
         }
 }
 
 TEST_F(PanelXcb, AServerThatGoesAwayEndsThePanelAndNothingElse) {
-    ASSERT_TRUE(host.open(window));
+    ASSERT_TRUE(host.open(window.handle()));
     take(6);
     server.stop(SIGKILL);
     for (int i = 0; i < 3; ++i) {
@@ -70,13 +69,13 @@ TEST_F(PanelXcb, AServerThatGoesAwayEndsThePanelAndNothingElse) {
     }
     EXPECT_EQ(gestures(6), "be");
     host.close();
-    EXPECT_FALSE(host.open(window));
+    EXPECT_FALSE(host.open(window.handle()));
     host.idle();
     host.close();
 }
 
 TEST_F(PanelXcb, ClosingAfterTheServerHasGoneIsHarmless) {
-    ASSERT_TRUE(host.open(window));
+    ASSERT_TRUE(host.open(window.handle()));
     host.idle();
     server.stop();
     host.close();
@@ -84,16 +83,16 @@ TEST_F(PanelXcb, ClosingAfterTheServerHasGoneIsHarmless) {
 
 /// What was put meanwhile shows afterwards. A display that holds up an idle turn ends the test.
 TEST_F(PanelXcb, AServerThatStopsAnsweringHoldsUpNothing) {
-    ASSERT_TRUE(host.open(window));
+    ASSERT_TRUE(host.open(window.handle()));
     take(6);
     alarm(10);
-    server.signal(SIGSTOP);
+    server.send_signal(SIGSTOP);
     for (int i = 0; i < 2000; ++i) {
         host.plugin->setParameter(7 + i % 2, 0.5f * static_cast<float>(i % 3));
         host.plugin->setParameter(i % 6, static_cast<float>(i / 6 % 2));
         host.idle();
     }
-    server.signal(SIGCONT);
+    server.send_signal(SIGCONT);
     alarm(0);
     panel_state state{};
     for (std::size_t i = 0; i < state.values.size(); ++i)
@@ -101,16 +100,16 @@ TEST_F(PanelXcb, AServerThatStopsAnsweringHoldsUpNothing) {
     std::string difference = "unseen";
     for (int i = 0; i < 100 && !difference.empty(); ++i) {
         host.idle();
-        difference = screen.waitFor(window, panel_picture(state));
+        difference = shown_difference(window, panel_picture(state));
     }
     EXPECT_EQ(difference, "");
 }
 
 TEST_F(PanelXcb, WithoutADisplayNothingOpens) {
     unsetenv("DISPLAY");
-    EXPECT_FALSE(host.open(window));
+    EXPECT_FALSE(host.open(window.handle()));
     setenv("DISPLAY", ":no such display", 1);
-    EXPECT_FALSE(host.open(window));
+    EXPECT_FALSE(host.open(window.handle()));
 }
 
 TEST(PanelXcbDepth, ScreensOfOtherDepthsShowItToo) {
@@ -120,13 +119,12 @@ TEST(PanelXcbDepth, ScreensOfOtherDepthsShowItToo) {
     const panel_state defaults{.values = {1, 1, 1, 1, 0, 1, 0.5f, 0.1f, 0.5f}};
     const CDrawContext wanted = panel_picture(defaults);
     for (const row r : {row{16, 8}, {30, 1}}) {
-        const XServer server(r.depth);
-        XHost screen;
-        void* window = screen.makeWindow({0, 0});
+        const display server(display::choice::unseen, r.depth);
+        const editor_window window(480, 400);
         panel_host host;
-        ASSERT_TRUE(host.open(window));
+        ASSERT_TRUE(host.open(window.handle()));
         host.idle();
-        EXPECT_EQ(screen.waitFor(window, wanted, r.tolerance), "") << "depth " << r.depth;
+        EXPECT_EQ(shown_difference(window, wanted, r.tolerance), "") << "depth " << r.depth;
     }
 }
 

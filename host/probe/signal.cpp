@@ -1,4 +1,4 @@
-#include "conformance/measure.h"
+#include "probe/signal.h"
 
 #include <algorithm>
 #include <cmath>

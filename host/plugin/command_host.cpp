@@ -1,4 +1,4 @@
-#include "plugin/host_callback.h"
+#include "plugin/command_host.h"
 
 #include <algorithm>
 #include <array>
@@ -12,8 +12,6 @@ constexpr VstIntPtr process_level_offline = 4;
 constexpr VstIntPtr automation_off = 1;
 constexpr VstIntPtr language_english = 1;
 constexpr VstIntPtr vendor_version = 1000;
-
-host_state* p_served = nullptr;
 
 VstIntPtr write_text(void* ptr, std::string_view text) {
     if (!ptr)
@@ -31,53 +29,43 @@ VstIntPtr can_do(const void* ptr) {
            });
 }
 
-VstIntPtr answer_from_state(host_state& state, VstInt32 opcode) {
-    switch (opcode) {
-    case audioMasterGetTime:
-        return reinterpret_cast<VstIntPtr>(&state.time);
-    case __audioMasterTempoAtDeprecated:
-        return static_cast<VstIntPtr>(state.time.tempo * 10000);
-    case audioMasterGetSampleRate:
-        return static_cast<VstIntPtr>(state.rate_hz);
-    case audioMasterGetBlockSize:
-        return state.block_frames;
-    case audioMasterGetCurrentProcessLevel:
-        return state.renders ? process_level_offline : process_level_user;
-    case audioMasterGetDirectory:
-        return reinterpret_cast<VstIntPtr>(state.plugin_folder.c_str());
-    default:
-        return 0;
-    }
-}
-
 } // namespace
 
-void host_callback_serve(host_state* p_state) { p_served = p_state; }
-
-VstIntPtr VSTCALLBACK host_callback(AEffect* effect, VstInt32 opcode, VstInt32, VstIntPtr,
-                                    void* ptr, float) {
-    switch (opcode) {
+VstIntPtr command_host::answer(const host_call& call) {
+    switch (call.opcode) {
     case audioMasterVersion:
         return kVstVersion;
     case audioMasterCurrentId:
-        return effect ? effect->uniqueID : 0;
+        return call.effect ? call.effect->uniqueID : 0;
     case __audioMasterWantMidiDeprecated:
     case audioMasterProcessEvents:
     case audioMasterUpdateDisplay:
         return 1;
+    case audioMasterGetTime:
+        return reinterpret_cast<VstIntPtr>(&time);
+    case __audioMasterTempoAtDeprecated:
+        return static_cast<VstIntPtr>(time.tempo * 10000);
+    case audioMasterGetSampleRate:
+        return static_cast<VstIntPtr>(rate_hz);
+    case audioMasterGetBlockSize:
+        return block_frames;
+    case audioMasterGetCurrentProcessLevel:
+        return renders ? process_level_offline : process_level_user;
     case audioMasterGetAutomationState:
         return automation_off;
     case audioMasterGetVendorString:
-        return write_text(ptr, "Quenmar");
+        return write_text(call.ptr, "Quenmar");
     case audioMasterGetProductString:
-        return write_text(ptr, "Tindelwax command");
+        return write_text(call.ptr, "Tindelwax command");
     case audioMasterGetVendorVersion:
         return vendor_version;
     case audioMasterCanDo:
-        return can_do(ptr);
+        return can_do(call.ptr);
     case audioMasterGetLanguage:
         return language_english;
+    case audioMasterGetDirectory:
+        return reinterpret_cast<VstIntPtr>(plugin_folder.c_str());
     default:
-        return p_served ? answer_from_state(*p_served, opcode) : 0;
+        return 0;
     }
 }

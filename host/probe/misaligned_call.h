@@ -1,5 +1,5 @@
 #pragma once
-/// 32-bit hosts align the stack to 4 bytes and no more; compilers of today do not, so a test that
+/// 32-bit hosts align the stack to 4 bytes and no more; compilers of today do not, so whoever
 /// wants to call like such a host has to lay out the arguments itself.
 
 #if defined(__i386__)

@@ -1,4 +1,4 @@
-#include "conformance/misaligned_call.h"
+#include "probe/misaligned_call.h"
 
 #if defined(__i386__)
 

@@ -1,0 +1,18 @@
+#pragma once
+/// The process and what it inherits.
+
+#include <filesystem>
+
+/// Empty if the system does not tell.
+[[nodiscard]] std::filesystem::path executable_path();
+
+void set_environment(const char* name, const char* value);
+
+/// From now on nothing that prints on standard output is seen.
+void discard_standard_output();
+
+/// From now on a crash ends the process at once, without asking anyone.
+void silence_crash_dialogs();
+
+/// Loads what a host of this system has loaded anyway, for good.
+void keep_system_libraries();

@@ -1,0 +1,66 @@
+#include "plugin/effect.h"
+
+#include "failure/failure.h"
+
+#include <utility>
+
+namespace {
+
+// A record that says more is no record.
+constexpr int max_channels = 1024;
+constexpr int max_parameters = 65536;
+
+bool is_within(VstInt32 number, int max) { return number >= 0 && number <= max; }
+
+/// Why it cannot be one; empty if it can.
+std::string flaw(const AEffect* p_record) {
+    if (!p_record)
+        return "refuses to start: its entry point answers nothing";
+    if (p_record->magic != kEffectMagic || !p_record->dispatcher || !p_record->setParameter
+        || !p_record->getParameter)
+        return "is no plug-in: its entry point answers something else";
+    if (!is_within(p_record->numInputs, max_channels)
+        || !is_within(p_record->numOutputs, max_channels))
+        return "claims an impossible number of channels";
+    if (!is_within(p_record->numParams, max_parameters))
+        return "claims an impossible number of parameters";
+    return {};
+}
+
+[[noreturn]] void fail(const std::filesystem::path& file, const std::string& what) {
+    throw failure{exit_failed, file.string() + " " + what};
+}
+
+} // namespace
+
+VstPluginMainProc plugin_entry(const library& its_library) {
+    void* address = its_library.find("main");
+    return reinterpret_cast<VstPluginMainProc>(address ? address
+                                                       : its_library.find("VSTPluginMain"));
+}
+
+effect::effect(const std::filesystem::path& file, host_answers answers, after_closing library_then)
+    : library_{file}, library_then_{library_then}, answers_{std::move(answers)} {
+    if (!library_.error.empty())
+        fail(file, "is no plug-in: " + library_.error);
+    const VstPluginMainProc entry = plugin_entry(library_);
+    if (!entry)
+        fail(file, "is no plug-in: it exports neither main nor VSTPluginMain");
+    AEffect* const p_record = effect_create(entry, answers_);
+    if (const std::string what = flaw(p_record); !what.empty())
+        fail(file, what);
+    p_record_ = p_record;
+    ask(effOpen);
+}
+
+effect::~effect() {
+    if (p_record_)
+        close();
+    if (library_then_ == after_closing::is_unloaded)
+        library_.unload();
+}
+
+VstIntPtr effect::close() {
+    AEffect* const p_closing = std::exchange(p_record_, nullptr);
+    return p_closing->dispatcher(p_closing, effClose, 0, 0, nullptr, 0);
+}

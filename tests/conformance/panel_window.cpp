@@ -1,0 +1,32 @@
+#include "conformance/panel_window.h"
+
+#include "conformance/trial.h"
+#include "tests/panel_picture/panel_picture.h"
+#ifndef _WIN32
+#include "platform/display.h"
+#endif
+
+namespace {
+
+/// One for all rows. Windows has its own.
+window_place on_display(CPoint corner) {
+#ifndef _WIN32
+    static const display unseen{display::choice::unseen};
+    if (!unseen.error.empty())
+        throw mismatch{unseen.error};
+#endif
+    return {corner.x, corner.y};
+}
+
+} // namespace
+
+panel_window::panel_window(CPoint corner_on_screen)
+    : editor_window(480, 400, on_display(corner_on_screen)) {
+    if (!handle())
+        throw mismatch{"no window can be shown; run it where there is a display"};
+    take_keys();
+}
+
+std::string panel_window::difference(const CDrawContext& expected) const {
+    return shown_difference(*this, expected);
+}
