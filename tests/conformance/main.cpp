@@ -1,216 +1,108 @@
-/// conformance judges a plug-in's file through the binary interface alone.
+/// The suite says what this organ is, on any of its libraries and through their binary interface
+/// alone. Its rows are GoogleTest's tests; what remains of the command line is GoogleTest's too.
 
 #include "conformance/reference.h"
 #include "conformance/tables.h"
 #include "platform/process.h"
-#include "probe/signal.h"
 
-#include <algorithm>
-#include <atomic>
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <functional>
+#include <gtest/gtest.h>
 #include <iostream>
-#include <optional>
-#include <string_view>
-#include <thread>
+#include <map>
+#include <memory>
+#include <string>
 
 namespace {
 
-constexpr std::string_view usage =
-    "conformance --plugin FILE [--only START]... [--seed N]  judges the plug-in\n"
-    "conformance --plugin FILE --write FILE                  records reference sounds\n"
-    "conformance --plugin FILE --compare FILE [--exact]      compares its sounds with those\n"
-    "conformance --list                                      names the rows\n"
-    "START is the start of rows' names: a group, or all of one.\n";
+constexpr const char* usage =
+    "conformance --plugin=FILE [--seed=N]          judges the plug-in\n"
+    "conformance --plugin=FILE --write=SOUNDS      records reference sounds\n"
+    "conformance --plugin=FILE --compare=SOUNDS    compares its sounds with those, to the bit\n"
+    "Options of GoogleTest pick rows (--gtest_filter) and list them (--gtest_list_tests).\n";
 
-constexpr int failed = 1;
 constexpr int misused = 2;
-constexpr int crashed = 3;
 
-struct arguments {
-    std::filesystem::path plugin_file{};
-    std::vector<std::string> starts{};
-    unsigned seed = 1;
-    bool lists = false;
-    std::optional<std::filesystem::path> write_file{};
-    std::optional<std::filesystem::path> compare_file{};
-    double bound_db = between_systems_db; ///< of what is compared
+class row_test : public testing::Test {
+public:
+    row_test(std::function<void(trial&)> judge_row, trial context)
+        : judge(std::move(judge_row)), running(std::move(context)) {}
+
+    void TestBody() override {
+        testing::internal::CaptureStdout(); // where plug-ins write lines of their own
+        try {
+            judge(running);
+        } catch (const mismatch& failure) {
+            ADD_FAILURE() << trial_text(running) << failure.what;
+        }
+        testing::internal::GetCapturedStdout();
+    }
+
+private:
+    std::function<void(trial&)> judge;
+    trial running;
 };
 
-bool is_number(const std::string& word) {
-    return !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
+void register_row(const row& judged, const trial& context) {
+    const auto slash = judged.name.find('/');
+    testing::RegisterTest(
+        judged.name.substr(0, slash).c_str(), judged.name.substr(slash + 1).c_str(), nullptr,
+        nullptr, __FILE__, __LINE__,
+        [judge = judged.judge, context]() -> row_test* { return new row_test(judge, context); });
 }
 
-/// Nothing when they are not to be understood.
-std::optional<arguments> parse(std::vector<std::string> words) {
-    arguments given;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        if (words[i] == "--list") {
-            given.lists = true;
-            continue;
-        }
-        if (words[i] == "--exact") {
-            given.bound_db = equal_db;
-            continue;
-        }
-        if (i + 1 == words.size())
-            return {};
-        const std::string& value = words[i + 1];
-        if (words[i] == "--plugin")
-            given.plugin_file = value;
-        else if (words[i] == "--only")
-            given.starts.push_back(value);
-        else if (words[i] == "--seed" && is_number(value))
-            given.seed = static_cast<unsigned>(std::strtoul(value.c_str(), nullptr, 10));
-        else if (words[i] == "--write")
-            given.write_file = value;
-        else if (words[i] == "--compare")
-            given.compare_file = value;
-        else
-            return {};
-        ++i;
-    }
-    if (!given.lists && given.plugin_file.empty())
-        return {};
-    return given;
-}
-
-table all_rows() {
-    table rows;
+void register_rows(const trial& context) {
     for (const auto& subject :
          {entry_rows,       lifecycle_rows, opcode_rows,    identity_rows, parameter_rows,
           program_rows,     event_rows,     onset_rows,     pitch_rows,    voice_rows,
           vibrato_rows,     control_rows,   bass_rows,      block_rows,    set_up_rows,
           storm_rows,       instance_rows,  processor_rows, panel_rows,    panel_action_rows,
           panel_window_rows})
-        std::ranges::copy(subject(), std::back_inserter(rows));
-    return rows;
+        for (const row& judged : subject())
+            register_row(judged, context);
 }
 
-bool is_picked(const row& judged, const std::vector<std::string>& starts) {
-    return starts.empty() || std::ranges::any_of(starts, [&](const std::string& start) {
-               return judged.name.starts_with(start);
-           });
-}
-
-/// The row that a crash is told of; handlers of signals get no argument.
-const trial* running_trial = nullptr;
-
-/// The process is lost, so what else could go wrong here does not matter.
-[[noreturn]] void report_end(const std::string& how) {
-    std::cerr << how << " " << trial_text(*running_trial);
-    if (!running_trial->doing.empty())
-        std::cerr << ", " << running_trial->doing;
-    std::cerr << std::endl;
-    std::_Exit(crashed);
-}
-
-void report_crash(int signal) { report_end("CRASH (signal " + std::to_string(signal) + ")"); }
-
-void report_crashes() {
-    silence_crash_dialogs();
-    for (const int signal : {SIGSEGV, SIGILL, SIGFPE, SIGABRT})
-        std::signal(signal, report_crash);
-}
-
-/// Ends the process when the plug-in does not come back from a row.
-class watchdog {
-public:
-    void row_begins() { begun = std::chrono::steady_clock::now(); }
-
-private:
-    /// Sleeps and looks, for anything else might allocate, which rows measure.
-    void watch(const std::stop_token& end) {
-        while (!end.stop_requested()) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-            if (std::chrono::steady_clock::now() - begun.load() > patience)
-                report_end("HANG (after four minutes)");
-        }
+/// Options of the form --name=value; those that are none of these make it empty.
+std::map<std::string, std::string> options_of(int argc, char** argv) {
+    std::map<std::string, std::string> options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        const auto equals = word.find('=');
+        const std::string name = word.substr(0, equals);
+        if (equals == std::string::npos
+            || (name != "--plugin" && name != "--seed" && name != "--write" && name != "--compare"))
+            return {};
+        options[name] = word.substr(equals + 1);
     }
-
-    static constexpr std::chrono::minutes patience{4};
-
-    std::atomic<std::chrono::steady_clock::time_point> begun = std::chrono::steady_clock::now();
-    std::jthread watching{[this](const std::stop_token& end) { watch(end); }};
-};
-
-void report_failure(const trial& failed_trial, const std::string& what) {
-    std::cerr << "FAIL " << trial_text(failed_trial);
-    if (!failed_trial.doing.empty())
-        std::cerr << ", " << failed_trial.doing;
-    std::cerr << ": " << what << std::endl;
-}
-
-bool holds(trial running, const std::function<void(trial&)>& judge_row) {
-    running_trial = &running;
-    try {
-        judge_row(running);
-        return true;
-    } catch (const mismatch& failure) {
-        report_failure(running, failure.what);
-    } catch (const std::exception& failure) {
-        report_failure(running, failure.what());
-    }
-    return false;
-}
-
-int judge(const arguments& given) {
-    watchdog hangs;
-    int nb_rows = 0;
-    int nb_failed = 0;
-    for (const row& judged : all_rows())
-        if (is_picked(judged, given.starts)) {
-            hangs.row_begins();
-            ++nb_rows;
-            nb_failed +=
-                !holds({.plugin_file = given.plugin_file, .row = judged.name, .seed = given.seed},
-                       judged.judge);
-        }
-    std::cerr << "conformance: " << nb_rows << " rows, " << nb_rows - nb_failed << " hold, "
-              << nb_failed << " fail (" << given.plugin_file.string() << ", seed " << given.seed
-              << ")" << std::endl;
-    return nb_rows == 0 ? misused : nb_failed > 0 ? failed : EXIT_SUCCESS;
-}
-
-int list_rows(const arguments& given) {
-    for (const row& listed : all_rows())
-        if (is_picked(listed, given.starts))
-            std::cout << listed.name << "\n";
-    return EXIT_SUCCESS;
-}
-
-int run(const arguments& given) {
-    if (given.lists)
-        return list_rows(given);
-    if (!std::filesystem::is_regular_file(given.plugin_file)) {
-        std::cerr << given.plugin_file.string() << ": there is no such file to judge" << std::endl;
-        return misused;
-    }
-    report_crashes();
-    discard_standard_output();
-    keep_system_libraries();
-    if (!given.write_file && !given.compare_file)
-        return judge(given);
-    const bool done =
-        holds({.plugin_file = given.plugin_file, .row = "reference", .seed = given.seed},
-              [&](trial& running) {
-                  if (given.write_file)
-                      write_reference(running, *given.write_file);
-                  if (given.compare_file)
-                      compare_reference(running, *given.compare_file, given.bound_db);
-              });
-    return done ? EXIT_SUCCESS : failed;
+    return options;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    const std::optional<arguments> given = parse({argv + 1, argv + argc});
-    if (!given) {
-        std::cerr << usage;
+    testing::InitGoogleTest(&argc, argv);
+    const auto options = options_of(argc, argv);
+    const auto value = [&](const char* name) {
+        const auto found = options.find(name);
+        return found == options.end() ? std::string() : found->second;
+    };
+    trial context{.plugin_file = value("--plugin")};
+    if (!value("--seed").empty())
+        context.seed = static_cast<unsigned>(std::atol(value("--seed").c_str()));
+    if (!testing::GTEST_FLAG(list_tests)
+        && !std::filesystem::is_regular_file(context.plugin_file)) {
+        std::cerr << usage << "There is no plug-in \"" << context.plugin_file.string() << "\".\n";
         return misused;
     }
-    return run(*given);
+    silence_crash_dialogs();
+    keep_system_libraries();
+    const std::string written = value("--write"), compared = value("--compare");
+    if (!written.empty())
+        register_row({"reference/write", [=](trial& row) { write_reference(row, written); }},
+                     context);
+    else if (!compared.empty())
+        register_row({"reference/compare", [=](trial& row) { compare_reference(row, compared); }},
+                     context);
+    else
+        register_rows(context);
+    const int result = RUN_ALL_TESTS();
+    return testing::UnitTest::GetInstance()->test_to_run_count() == 0 ? misused : result;
 }

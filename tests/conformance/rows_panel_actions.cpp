@@ -150,10 +150,10 @@ void host_of_garbage(trial& running) {
 } // namespace
 
 table panel_action_rows() {
-    return {{"panel-actions/keys", keys},
-            {"panel-actions/MIDI learn", learn},
-            {"panel-actions/panic", panic},
-            {"panel-actions/menu sets the outputs", menu_sets_the_outputs},
-            {"panel-actions/menu asks for files", menu_asks_for_files},
-            {"panel-actions/host that answers garbage", host_of_garbage}};
+    return {{"panel_actions/keys", keys},
+            {"panel_actions/MIDI learn", learn},
+            {"panel_actions/panic", panic},
+            {"panel_actions/menu sets the outputs", menu_sets_the_outputs},
+            {"panel_actions/menu asks for files", menu_asks_for_files},
+            {"panel_actions/host that answers garbage", host_of_garbage}};
 }

@@ -136,11 +136,11 @@ void closed_in_a_click(trial& running) {
 } // namespace
 
 table panel_window_rows() {
-    return {{"panel-window/opens in windows alone", opens_in_windows_alone},
-            {"panel-window/two at once", two_at_once},
-            {"panel-window/lost mouse", lost_mouse},
-            {"panel-window/parent goes first", parent_goes_first},
-            {"panel-window/1000 x open, idle, close", opens_a_thousand_times},
-            {"panel-window/goes with its instrument", goes_with_its_instrument},
-            {"panel-window/closed in a click", closed_in_a_click}};
+    return {{"panel_window/opens in windows alone", opens_in_windows_alone},
+            {"panel_window/two at once", two_at_once},
+            {"panel_window/lost mouse", lost_mouse},
+            {"panel_window/parent goes first", parent_goes_first},
+            {"panel_window/1000 x open, idle, close", opens_a_thousand_times},
+            {"panel_window/goes with its instrument", goes_with_its_instrument},
+            {"panel_window/closed in a click", closed_in_a_click}};
 }

@@ -35,31 +35,31 @@ struct order_case {
 };
 
 const order_case orders[]{
-    {"set-up/block before rate",
+    {"set_up/block before rate",
      [](instrument& playing) {
          set_block(playing, 64);
          set_rate(playing, 48000);
      }},
-    {"set-up/no block", [](instrument& playing) { set_rate(playing, 48000); }},
-    {"set-up/process before either",
+    {"set_up/no block", [](instrument& playing) { set_rate(playing, 48000); }},
+    {"set_up/process before either",
      [](instrument& playing) {
          expect_silence(playing);
          set_rate(playing, 48000);
          set_block(playing, 64);
      }},
-    {"set-up/process between",
+    {"set_up/process between",
      [](instrument& playing) {
          set_block(playing, 64);
          expect_silence(playing);
          set_rate(playing, 48000);
      }},
-    {"set-up/rate 0 first",
+    {"set_up/rate 0 first",
      [](instrument& playing) {
          set_rate(playing, 0);
          expect_silence(playing);
          set_rate(playing, 48000);
      }},
-    {"set-up/odd rates and sizes",
+    {"set_up/odd rates and sizes",
      [](instrument& playing) {
          using limits = std::numeric_limits<float>;
          set_rate(playing, 48000);
@@ -71,7 +71,7 @@ const order_case orders[]{
          for (const VstIntPtr size : {0, -1, 2147483647, -2147483647 - 1})
              set_block(playing, size);
      }},
-    {"set-up/rate with a fraction", [](instrument& playing) { set_rate(playing, 48000.7f); }},
+    {"set_up/rate with a fraction", [](instrument& playing) { set_rate(playing, 48000.7f); }},
 };
 
 void order(trial& running, const order_case& judged) {
@@ -136,9 +136,9 @@ void changes_while_it_sounds(trial& running) {
 } // namespace
 
 table set_up_rows() {
-    table rows{{"set-up/suspend and resume 1000 x", suspend_and_resume},
-               {"set-up/notes before the rate", notes_before_the_rate},
-               {"set-up/changes while it sounds", changes_while_it_sounds}};
+    table rows{{"set_up/suspend and resume 1000 x", suspend_and_resume},
+               {"set_up/notes before the rate", notes_before_the_rate},
+               {"set_up/changes while it sounds", changes_while_it_sounds}};
     for (const order_case& judged : orders)
         rows.push_back({judged.name, [&judged](trial& running) { order(running, judged); }});
     return rows;

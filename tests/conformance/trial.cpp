@@ -6,7 +6,7 @@ void trial::expect(bool holds, const std::string& what) const {
 }
 
 std::string trial_text(const trial& current) {
-    return "row \"" + current.row + "\", rate " + std::to_string(current.rate) + ", block "
-           + std::to_string(current.block) + ", frame " + std::to_string(current.frame) + ", seed "
-           + std::to_string(current.seed);
+    return "rate " + std::to_string(current.rate) + ", block " + std::to_string(current.block)
+           + ", frame " + std::to_string(current.frame) + ", seed " + std::to_string(current.seed)
+           + (current.doing.empty() ? "" : ", ") + current.doing + ": ";
 }

@@ -14,8 +14,7 @@ struct mismatch {
 
 struct trial {
     std::filesystem::path plugin_file;
-    std::string row{};   ///< "group/name"
-    std::string doing{}; ///< the call in progress, for when it does not come back
+    std::string doing{}; ///< what of the row is under way
     unsigned seed = 1;   ///< of the instruments that it creates and of the row's own choices
     int rate = 0;        ///< Hz, of the instrument in use
     int block = 0;       ///< frames, of the latest block
@@ -25,7 +24,7 @@ struct trial {
     void expect(bool holds, const std::string& what) const;
 };
 
-/// "row entry/..., rate 48000, block 64, frame 128, seed 1".
+/// "rate 48000, block 64, frame 128, seed 1, a dump of 5 bytes: ".
 [[nodiscard]] std::string trial_text(const trial& current);
 
 struct row {
