@@ -1,6 +1,7 @@
 # What both Windows toolchains share; each sets mingw_arch, the first part of its compilers' names.
 # The posix flavour: the standard library's threads and clocks need it.
 set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_C_COMPILER ${mingw_arch}-w64-mingw32-gcc-posix) # GoogleTest asks for one
 set(CMAKE_CXX_COMPILER ${mingw_arch}-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER ${mingw_arch}-w64-mingw32-windres)
 set(CMAKE_CROSSCOMPILING_EMULATOR wine)
