@@ -19,7 +19,7 @@ is_installed() { [[ $(dpkg-query -W -f '${Status}' "$1" 2>/dev/null) == *" insta
 
 # Installs those of the named packages that are missing, and says which.
 need() {
-    local missing=() package
+    local missing=() package install=(apt-get -qq -y --no-install-recommends install)
     for package in "$@"; do
         is_installed "$package" || missing+=("$package")
     done
@@ -28,16 +28,8 @@ need() {
     echo "Installing ${missing[*]}" >&2
     "${as_root[@]}" apt-get -qq update >&2 ||
         echo "Some package lists are out of date; going on with those there are." >&2
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get -qq -y --no-install-recommends install "${missing[@]}" >/dev/null
-}
-
-# Installs Wine for 32-bit and 64-bit programs.
-need_wine() {
-    is_installed wine64 && is_installed wine32:i386 && return
-    need_root wine
-    echo "Installing wine64 wine32" >&2
-    "${as_root[@]}" tools/install_wine >/dev/null
+    [[ " ${missing[*]} " == *":i386 "* ]] && install=(tools/install_i386)
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive "${install[@]}" "${missing[@]}" >/dev/null
 }
 
 build_packages=(
@@ -45,6 +37,21 @@ build_packages=(
     libxcb-xtest0-dev libpng-dev)
 windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
 package_packages=(nsis dpkg-dev file fakeroot)
+wine_packages=(wine wine64 wine32:i386)
+emulation_packages=(g++-multilib qemu-user libxcb1-dev:i386 libxcb-xtest0-dev:i386)
+
+# Wine's loader of programs of each width. Its wrapper starts the 32-bit one for both.
+declare -A wine=([win32]=/usr/lib/wine/wine [win64]=/usr/lib/wine/wine64)
+
+# Whether the machine executes 32-bit programs. Anything but the kernel's refusal is an error.
+runs_32_bit_programs() {
+    local status=0
+    "${wine[win32]}" --version >/dev/null 2>&1 || status=$?
+    ((status == 126)) && return 1
+    ((status == 0)) && return
+    echo "Wine's 32-bit loader does not start: ${wine[win32]} --version" >&2
+    exit 1
+}
 
 # Configures and builds a preset, quietly unless it fails: build PRESET [cmake options]
 build() {
