@@ -1,22 +1,12 @@
 #include "command/arguments.h"
 
+#include "command/number.h"
+
 #include <algorithm>
-#include <charconv>
 #include <cmath>
-#include <optional>
 #include <sstream>
 
 namespace {
-
-template <typename Number>
-std::optional<Number> parse_number(std::string_view text) {
-    if (text.starts_with('+') && !text.starts_with("+-"))
-        text.remove_prefix(1);
-    Number number{};
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const bool is_whole = error == std::errc{} && end == text.data() + text.size();
-    return is_whole && !text.empty() ? std::optional{number} : std::nullopt;
-}
 
 [[noreturn]] void misuse(const std::string& sentence) { throw failure{exit_misused, sentence}; }
 
@@ -34,22 +24,6 @@ std::string lower_case(std::string text) {
         c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     return text;
 }
-
-template <typename Number>
-Number parse_within(const std::string& option, const std::string& text, Number low, Number high) {
-    const auto number = parse_number<Number>(text);
-    if (number && *number >= low && *number <= high)
-        return *number;
-    std::ostringstream sentence;
-    sentence << option << " takes a " << (std::is_integral_v<Number> ? "whole " : "")
-             << "number from " << low << " to " << high << "; \"" << text << "\" is none";
-    misuse(sentence.str());
-}
-
-template int parse_within(const std::string&, const std::string&, int, int);
-template std::uint32_t parse_within(const std::string&, const std::string&, std::uint32_t,
-                                    std::uint32_t);
-template double parse_within(const std::string&, const std::string&, double, double);
 
 int parse_bits(const std::string& text) {
     const auto number = parse_number<int>(text);

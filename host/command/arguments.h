@@ -11,12 +11,6 @@
 /// ASCII letters only, whatever the locale.
 [[nodiscard]] std::string lower_case(std::string text);
 
-/// A number from `low` to `high`, a whole one if Number is an integer, for an option of that name.
-/// For int, std::uint32_t and double.
-template <typename Number>
-[[nodiscard]] Number parse_within(const std::string& option, const std::string& text, Number low,
-                                  Number high);
-
 /// 16, 24 or 32.
 [[nodiscard]] int parse_bits(const std::string& text);
 

@@ -1,4 +1,5 @@
 #include "command/arguments.h"
+#include "command/check_command.h"
 #include "command/info_command.h"
 #include "command/panel_command.h"
 #include "command/render_command.h"
@@ -7,7 +8,6 @@
 #include "platform/process.h"
 #include "platform/streams.h"
 
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstring>
 #include <limits>
@@ -16,19 +16,6 @@
 #include <utility>
 
 namespace {
-
-/// An option that takes a number within limits. The library reads numbers its own way (010 is 8),
-/// and complains in words of its own.
-template <typename Number, typename Target>
-CLI::Option* add_number(CLI::App& app, const std::string& name, Target& target, Number low,
-                        Number high, const std::string& description) {
-    return app.add_option_function<std::string>(
-        name,
-        [&target, name, low, high](const std::string& text) {
-            target = parse_within(name, text, low, high);
-        },
-        description);
-}
 
 void add_plugin_option(CLI::App& app, std::filesystem::path& file) {
     app.add_option("--plugin", file,
@@ -125,6 +112,12 @@ CLI::App* add_panel(CLI::App& app, panel_request& request) {
     return panel;
 }
 
+CLI::App* add_check(CLI::App& app, check_request& request) {
+    CLI::App* check = app.add_subcommand("check", "Judge any VST 2.4 plug-in");
+    add_check_options(*check, request);
+    return check;
+}
+
 std::string complaint_text(const CLI::App& app, const CLI::ParseError& error) {
     const std::string words = error.what();
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) // none or two
@@ -156,7 +149,8 @@ std::filesystem::path own_plugin_file() {
     return !exists(beside, ignored) && exists(installed, ignored) ? installed : beside;
 }
 
-void run(std::vector<std::string> arguments, std::FILE* p_output) {
+/// Returns the exit status.
+int run(std::vector<std::string> arguments, std::FILE* p_output) {
     CLI::App app{"Plays MIDI songs on Tindelwax or any other VST 2.4 instrument and pictures its\n"
                  "editor.\n"
                  "tindelwax COMMAND --help tells all about a command.",
@@ -172,6 +166,8 @@ void run(std::vector<std::string> arguments, std::FILE* p_output) {
     instrument_request to_describe{.plugin_file = ours};
     CLI::App* info = app.add_subcommand("info", "Tell what a plug-in says of itself");
     add_plugin_option(*info, to_describe.plugin_file);
+    check_request to_check;
+    const CLI::App* check = add_check(app, to_check);
 
     join_optional_level(arguments);
     std::reverse(arguments.begin(), arguments.end()); // the library takes them from the back
@@ -182,14 +178,18 @@ void run(std::vector<std::string> arguments, std::FILE* p_output) {
         std::ostringstream complaint;
         if (app.exit(end, asked_for, complaint) != 0)
             throw failure{exit_misused, complaint_text(app, end) + " (--help tells more)"};
-        return print(p_output, asked_for.str());
+        print(p_output, asked_for.str());
+        return exit_success;
     }
+    if (check->parsed())
+        return check_run(to_check, p_output);
     if (render->parsed())
         render_run(to_render, p_output);
     else if (panel->parsed())
         panel_run(to_picture);
     else
         print(p_output, info_text(to_describe.plugin_file));
+    return exit_success;
 }
 
 } // namespace
@@ -199,8 +199,7 @@ int main(int argc, char** argv) {
     ignore_closed_pipes();
     interrupt_catch();
     try {
-        run({argv + 1, argv + argc}, p_output);
-        return exit_success;
+        return run({argv + 1, argv + argc}, p_output);
     } catch (const failure& end) {
         std::fprintf(stderr, "tindelwax: %s\n", end.what());
         return end.status;

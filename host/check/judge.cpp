@@ -1,0 +1,128 @@
+#include "check/judge.h"
+
+#include "check/isolated.h"
+#include "failure/failure.h"
+#include "failure/printable.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+/// A row that was judged.
+struct finding {
+    verdict result;
+    std::string seen;
+};
+
+std::string place_text(const report& seen, std::uint32_t seed) {
+    std::string text = " (";
+    if (seen.doing[0])
+        text += std::string{seen.doing.data()} + "; ";
+    if (seen.rate > 0)
+        text += "rate " + std::to_string(seen.rate) + ", block " + std::to_string(seen.block)
+                + ", frame " + std::to_string(seen.frame) + ", ";
+    return text + "seed " + std::to_string(seed) + ")";
+}
+
+finding find(const row& judged, const std::filesystem::path& file, const check_request& request) {
+    const auto& [crash, told] = judge_isolated(judged, file, request);
+    finding found{told.result, told.seen.data()};
+    if (!crash.empty())
+        found = {verdict::failed, crash};
+    if (found.result == verdict::failed && judged.by == demand::hosts)
+        found.result = verdict::warning;
+    if (found.result == verdict::failed || found.result == verdict::warning || request.is_verbose)
+        found.seen += place_text(told, request.seed);
+    return found;
+}
+
+const char* word(verdict result) {
+    switch (result) {
+    case verdict::warning:
+        return "warning";
+    case verdict::failed:
+        return "FAILED";
+    case verdict::skipped:
+        return "skipped";
+    default:
+        return "ok";
+    }
+}
+
+bool is_picked(const row& judged, const std::vector<std::string>& starts) {
+    return starts.empty() || std::ranges::any_of(starts, [&](const std::string& start) {
+               return judged.name.starts_with(start);
+           });
+}
+
+/// Loads a file and no more. A plug-in that crashes then is one.
+void expect_plugin(const std::filesystem::path& file, const check_request& request) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error))
+        throw failure{exit_misused, file.string() + " is no file; name a plug-in's"};
+    const auto& [crash, told] = judge_isolated(row_of(load_row), file, request);
+    if (crash.empty() && told.result == verdict::failed)
+        throw failure{exit_misused, std::string{told.seen.data()}
+                                        + "; name the file of a VST 2 plug-in for this system"};
+}
+
+/// Returns whether no row failed.
+bool judge_file(const std::filesystem::path& file, const table& rows, const check_request& request,
+                std::FILE* p_output) {
+    expect_plugin(file, request);
+    std::fprintf(p_output, "%s\n", printable(file.string()).c_str());
+    std::array<int, 5> counts{};
+    for (const row& judged : rows) {
+        const finding found = find(judged, file, request);
+        ++counts[static_cast<std::size_t>(found.result)];
+        std::fprintf(p_output, "%-8s %s%s%s\n", word(found.result), judged.name.c_str(),
+                     found.seen.empty() ? "" : ": ", printable(found.seen).c_str());
+        std::fflush(p_output);
+    }
+    const auto count = [&](verdict result) { return counts[static_cast<std::size_t>(result)]; };
+    std::fprintf(p_output, "%zu rows: %d ok, %d with a warning, %d FAILED, %d skipped (seed %u)\n",
+                 rows.size(), count(verdict::ok), count(verdict::warning), count(verdict::failed),
+                 count(verdict::skipped), request.seed);
+    return count(verdict::failed) == 0;
+}
+
+} // namespace
+
+void judge_here(const row& judged, const std::filesystem::path& file, std::uint32_t seed,
+                report& shared) {
+    trial running{file, seed, shared};
+    verdict result = verdict::failed;
+    try {
+        judged.judge(running);
+        report_write(shared.seen, running.warnings());
+        result = running.warnings().empty() ? verdict::ok : verdict::warning;
+    } catch (const row_end& end) {
+        report_write(shared.seen, end.what());
+        result = end.result;
+    } catch (const std::exception& end) {
+        report_write(shared.seen, end.what());
+    }
+    shared.result = result;
+}
+
+int check_run(const check_request& request, std::FILE* p_output) {
+#ifdef _WIN32
+    if (!request.row.empty())
+        judge_for_parent(request);
+#endif
+    table rows = all_rows();
+    std::erase_if(rows, [&](const row& judged) { return !is_picked(judged, request.starts); });
+    if (rows.empty())
+        throw failure{exit_misused, "no row's name starts so; --list tells them all"};
+    if (request.lists) {
+        for (const row& listed : rows)
+            std::fprintf(p_output, "%s%s\n", listed.name.c_str(),
+                         listed.by == demand::hosts ? " (a warning at most)" : "");
+        return exit_success;
+    }
+    bool all_hold = true;
+    for (const std::filesystem::path& file : request.files)
+        all_hold = judge_file(file, rows, request, p_output) && all_hold;
+    return all_hold ? exit_success : exit_failed;
+}

@@ -1,0 +1,169 @@
+/// The panel in a host's window, and a user before it.
+
+#include "check/panel_shown.h"
+#include "check/rows.h"
+#include "probe/lost_resources.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <mutex>
+
+namespace {
+
+/// Gestures that a host hears of, on whatever thread.
+class gestures {
+public:
+    void hear(const host_call& call) {
+        const std::scoped_lock lock(guard_);
+        if (call.opcode == audioMasterBeginEdit && ++open_[call.index] > 1)
+            complain(call, "begins twice");
+        if (call.opcode == audioMasterEndEdit && --open_[call.index] < 0)
+            complain(call, "ends that did not begin");
+        if (call.opcode == audioMasterAutomate && !(call.opt >= 0 && call.opt <= 1))
+            complain(call, "sets a value outside 0 to 1");
+        nb_heard_ += call.opcode == audioMasterBeginEdit || call.opcode == audioMasterAutomate;
+    }
+
+    [[nodiscard]] std::string complaint() {
+        const std::scoped_lock lock(guard_);
+        for (const auto& [index, nb_open] : open_)
+            if (nb_open > 0 && complaint_.empty())
+                complaint_ = "a gesture of parameter " + std::to_string(index) + " does not end";
+        return complaint_;
+    }
+
+    [[nodiscard]] long nb_heard() const { return nb_heard_; }
+
+private:
+    void complain(const host_call& call, const char* what) {
+        if (complaint_.empty())
+            complaint_ = "a gesture of parameter " + std::to_string(call.index) + " " + what;
+    }
+
+    std::mutex guard_{};
+    std::map<VstInt32, int> open_{};
+    std::string complaint_{};
+    long nb_heard_ = 0;
+};
+
+void size(trial& running) {
+    require_display(running);
+    const subject asked(running);
+    if (!asked.has(effFlagsHasEditor))
+        running.skip("it has no panel");
+    ERect* p_size = nullptr;
+    asked.ask(effEditGetRect, 0, 0, &p_size);
+    running.prefer(p_size != nullptr, "it tells no size before it opens");
+    running.expect(!p_size || (p_size->right > p_size->left && p_size->bottom > p_size->top),
+                   "its size is empty");
+}
+
+void opens(trial& running) {
+    panel_shown user(running);
+    user.idle(10);
+    const picture shown = user.window().take();
+    running.prefer(
+        std::ranges::any_of(shown.pixels, [&](auto byte) { return byte != shown.pixels[0]; }),
+        "it shows nothing");
+    user.close();
+    running.expect(user.window().nb_left() == 0, "it leaves a window when it closes");
+}
+
+void opens_many_times(trial& running) {
+    panel_shown user(running);
+    user.close();
+    const std::string lost = lost_resources([&] {
+        for (int i = 0; i < 30; ++i) {
+            user.open();
+            user.idle(2);
+            user.close();
+        }
+    });
+    running.expect(lost.empty(), "over 30 openings it loses " + lost);
+}
+
+void parent_goes_first(trial& running) {
+    panel_shown user(running);
+    user.idle(3);
+    user.window().destroy();
+    user.idle(3);
+    user.close();
+    panel_shown next(running);
+    next.idle(3);
+}
+
+void closed_while_open(trial& running) {
+    panel_shown user(running);
+    user.idle(3);
+    user.plugin().close();
+}
+
+void two_at_once(trial& running) {
+    panel_shown user(running);
+    panel_shown other(running);
+    for (int i = 0; i < 5; ++i) {
+        user.idle(1);
+        other.idle(1);
+    }
+    user.close();
+    other.idle(3);
+}
+
+void plays_while_open(trial& running) {
+    panel_shown user(running);
+    subject& played = user.plugin();
+    require_outputs(running, played);
+    played.prepare(usual_rate, usual_block);
+    for (int i = 0; i < 30; ++i) {
+        played.strike(36 + i);
+        played.play_long(4L * usual_block);
+        for (VstInt32 index = 0; index < std::min<VstInt32>(played.record().numParams, 32); ++index)
+            played.set(index, static_cast<float>(i) / 30);
+        user.idle(1);
+    }
+    played.expect_finite();
+}
+
+void each_place(const panel_shown& user, const std::function<void(window_place)>& act) {
+    constexpr int step = 23; // smaller than any control
+    for (int y = step / 2; y < user.height(); y += step)
+        for (int x = step / 2; x < user.width(); x += step)
+            act({x, y});
+}
+
+/// Clicks, and drags a little way up, all over the panel.
+void balanced(trial& running) {
+    gestures heard;
+    panel_shown user(running, [&heard](const host_call& call) { heard.hear(call); });
+    user.idle(3);
+    each_place(user, [&](window_place place) {
+        running.doing("the mouse at " + std::to_string(place.x) + ", " + std::to_string(place.y));
+        user.window().move(place);
+        user.window().press();
+        user.idle(1);
+        user.window().move({place.x + 3, place.y - 9});
+        user.idle(1);
+        user.window().release();
+        user.idle(1);
+        const std::string complaint = heard.complaint();
+        running.expect(complaint.empty(), complaint);
+    });
+    running.doing("");
+    user.close();
+    if (heard.nb_heard() == 0)
+        running.skip("no click or drag tells the host of a parameter");
+}
+
+} // namespace
+
+table panel_rows() {
+    return {{"panel/size", demand::interface, size},
+            {"panel/opens", demand::interface, opens},
+            {"panel/opens many times", demand::interface, opens_many_times},
+            {"panel/plays while it is open", demand::interface, plays_while_open},
+            {"panel/two at once", demand::interface, two_at_once},
+            {"panel/gestures are balanced", demand::interface, balanced},
+            {"panel/parent goes first", demand::hosts, parent_goes_first},
+            {"panel/closed with its plug-in", demand::hosts, closed_while_open}};
+}

@@ -1,0 +1,57 @@
+/// What a plug-in takes from the system it gives back.
+
+#include "check/rows.h"
+#include "check/subject.h"
+#include "platform/library.h"
+#include "platform/process.h"
+#include "probe/lost_resources.h"
+
+namespace {
+
+constexpr int nb_rounds = 40;
+
+void live_and_die(trial& running) {
+    subject played(running, usual_rate, usual_block);
+    if (!played.has(effFlagsCanReplacing))
+        return;
+    if (played.has(effFlagsIsSynth))
+        played.strike(middle_note);
+    played.play_long(4L * usual_block);
+}
+
+void expect_no_loss(const trial& running, const std::function<void()>& round) {
+    const std::string lost = lost_resources([&] {
+        for (int i = 0; i < nb_rounds; ++i)
+            round();
+    });
+    running.expect(lost.empty(), "over " + std::to_string(nb_rounds) + " rounds it loses " + lost);
+}
+
+/// The library stays, so that what its static parts hold is no loss.
+void opened_and_closed(trial& running) {
+    const subject kept(running);
+    expect_no_loss(running, [&] { live_and_die(running); });
+}
+
+void loaded_and_unloaded(trial& running) {
+    { const subject once(running); }
+    if (library_is_loaded(running.file))
+        running.skip("its library stays in memory once it is loaded");
+    expect_no_loss(running, [&] { live_and_die(running); });
+}
+
+void set_up_anew(trial& running) {
+    subject played(running, usual_rate, usual_block);
+    expect_no_loss(running, [&] {
+        played.prepare(44100, 1024);
+        played.prepare(usual_rate, usual_block);
+    });
+}
+
+} // namespace
+
+table resource_rows() {
+    return {{"resources/opened and closed", demand::interface, opened_and_closed},
+            {"resources/loaded and unloaded", demand::interface, loaded_and_unloaded},
+            {"resources/set up anew", demand::interface, set_up_anew}};
+}

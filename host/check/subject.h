@@ -1,0 +1,107 @@
+#pragma once
+/// A plug-in under judgement, from its loading to its unloading, and what it plays. Functions are
+/// [setup], those of its sound [audio] on whatever thread plays it.
+
+#include "check/trial.h"
+#include "plugin/command_host.h"
+#include "plugin/effect.h"
+#include "plugin/event_list.h"
+#include "probe/guarded_memory.h"
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <vector>
+
+/// Samples of each output.
+using sound = std::vector<std::vector<float>>;
+
+constexpr int usual_rate = 48000;
+constexpr int usual_block = 64;
+constexpr int middle_note = 60;
+
+class subject {
+public:
+    using listener = std::function<void(const host_call&)>;
+
+    /// Loads and opens it; a listener hears what it asks of its host.
+    explicit subject(trial& running, listener heard_by = {});
+
+    /// The same, ready to play.
+    subject(trial& running, int rate, int block);
+
+    ~subject(); ///< as hosts do: stops it, if need be, and closes it
+    subject(const subject&) = delete;
+    subject& operator=(const subject&) = delete;
+
+    void set_rate(int rate);
+    void set_block(int nb_frames);
+    void resume();
+    void suspend();
+    void prepare(int rate, int block); ///< all three
+
+    VstIntPtr ask(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
+                  float opt = 0) const {
+        return effect_.ask(opcode, index, value, ptr, opt);
+    }
+    [[nodiscard]] float get(VstInt32 index) const { return effect_.get(index); }
+    void set(VstInt32 index, float value) const { effect_.set(index, value); }
+    [[nodiscard]] AEffect& record() const { return *effect_.record(); }
+    [[nodiscard]] bool has(VstInt32 flag) const { return (record().flags & flag) != 0; }
+    [[nodiscard]] bool is_closed() const { return !effect_.record(); }
+    void close() { effect_.close(); }
+
+    void send(event_list& events) const { ask(effProcessEvents, 0, 0, events.records()); }
+    void strike(int note) const;
+    void let_go(int note) const;
+
+    /// Room for blocks of so many frames, in memory whose end is guarded; where a block does not
+    /// fill 16 bytes, frames behind it are compared.
+    void make_room(int nb_frames);
+
+    /// Plays one block, and nothing else: no memory, no judgement. Needs room.
+    void run(int nb_frames);
+
+    /// Plays a block and keeps its sound.
+    void play(int nb_frames);
+
+    /// Plays so many frames in blocks of the announced length.
+    void play_long(long nb_frames);
+
+    [[nodiscard]] const sound& heard() const { return heard_; }
+    void forget() { heard_.assign(heard_.size(), {}); }
+
+    // Expectations of what was heard since it was last forgotten.
+
+    void expect_finite();
+    void expect_normal();  ///< no subnormal numbers
+    void expect_written(); ///< each frame of each output, and none beyond
+    [[nodiscard]] double loudest() const;
+
+    /// Strikes a note and expects finite sound, and some of it where `must_sound`.
+    void expect_plays(bool must_sound);
+
+private:
+    [[nodiscard]] float* output(std::size_t channel, int nb_frames) const;
+    void expect_each(bool (*holds)(float), const char* what);
+
+    trial& running_;
+    command_host host_;
+    effect effect_;
+    int rate_ = 0;
+    int block_ = usual_block;
+    bool runs_ = false;
+    int room_ = 0;
+    std::vector<std::unique_ptr<guarded_memory>> memory_{};
+    std::vector<std::vector<float>> inputs_{};
+    std::vector<float*> p_inputs_{};
+    std::vector<float*> p_outputs_{};
+    sound heard_{};
+    bool wrote_beyond_ = false;
+};
+
+/// Skips the row unless the plug-in is an instrument that is heard when a note is struck.
+void require_sound(trial& running);
+
+/// Skips the row unless it processes single precision and has an output.
+void require_outputs(const trial& running, const subject& played);
