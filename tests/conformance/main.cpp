@@ -51,11 +51,9 @@ void register_row(const row& judged, const trial& context) {
 
 void register_rows(const trial& context) {
     for (const auto& subject :
-         {entry_rows,       lifecycle_rows, opcode_rows,    identity_rows, parameter_rows,
-          program_rows,     event_rows,     onset_rows,     pitch_rows,    voice_rows,
-          vibrato_rows,     control_rows,   bass_rows,      block_rows,    set_up_rows,
-          storm_rows,       instance_rows,  processor_rows, panel_rows,    panel_action_rows,
-          panel_window_rows})
+         {identity_rows, parameter_rows, program_rows, event_rows, onset_rows, pitch_rows,
+          voice_rows, vibrato_rows, control_rows, bass_rows, block_rows, set_up_rows, instance_rows,
+          processor_rows, panel_rows, panel_action_rows, panel_window_rows})
         for (const row& judged : subject())
             register_row(judged, context);
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 
 namespace {
 
@@ -91,10 +92,32 @@ void can_do(trial& running) {
     }
 }
 
-void midi_channels(trial& running) {
-    instrument asked(running);
-    running.expect(asked.ask(effGetNumMidiInputChannels) == 1, "MIDI input channels are not 1");
-    running.expect(asked.ask(effGetNumMidiOutputChannels) == 1, "MIDI output channels are not 1");
+/// Every opcode's answer to a host that asks with nothing in its hands. The rest answers 0.
+void answers(trial& running) {
+    const std::map<VstInt32, VstIntPtr> wanted{{__effIdentifyDeprecated, kEffectIdentify},
+                                               {effProcessEvents, 1},
+                                               {effCanBeAutomated, 1},
+                                               {effGetPlugCategory, kPlugCategSynth},
+                                               {effGetEffectName, 1},
+                                               {effGetVendorString, 1},
+                                               {effGetProductString, 1},
+                                               {effGetVendorVersion, 1},
+                                               {effGetVstVersion, kVstVersion},
+                                               {effEditKeyDown, 1},
+                                               {effSetEditKnobMode, 1},
+                                               {effGetCurrentMidiProgram, -1},
+                                               {effGetNumMidiInputChannels, 1},
+                                               {effGetNumMidiOutputChannels, 1}};
+    instrument asked(running, set_up{});
+    for (VstInt32 opcode = -10; opcode <= 200; ++opcode) {
+        if (opcode == effClose)
+            continue;
+        const auto found = wanted.find(opcode);
+        const VstIntPtr answer = asked.ask(opcode);
+        running.expect(answer == (found == wanted.end() ? 0 : found->second),
+                       "opcode " + std::to_string(opcode) + " answers " + std::to_string(answer));
+    }
+    running.expect(asked.ask(effSetTotalSampleToProcess, 0, 77) == 77, "a length is not echoed");
 }
 
 } // namespace
@@ -104,5 +127,5 @@ table identity_rows() {
             {"identity/every pointer can be called", every_pointer_can_be_called},
             {"identity/texts", texts},
             {"identity/canDo", can_do},
-            {"identity/MIDI channels", midi_channels}};
+            {"identity/answers", answers}};
 }

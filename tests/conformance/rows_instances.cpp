@@ -4,14 +4,11 @@
 #include "conformance/tables.h"
 #include "probe/signal.h"
 
-#include <functional>
-#include <future>
 #include <list>
 
 namespace {
 
 constexpr int nb_instances = 16;
-constexpr int nb_threads = 4;
 constexpr int nb_blocks = 300;
 constexpr int block = 96;
 
@@ -83,57 +80,6 @@ void interleaved(trial& running) {
     expect_equal(running, got, wanted);
 }
 
-/// Does each on a thread of its own. What one of them throws comes out here.
-void do_at_once(const std::vector<std::function<void()>>& jobs) {
-    std::vector<std::future<void>> threads;
-    for (const std::function<void()>& job : jobs)
-        threads.push_back(std::async(std::launch::async, job));
-    for (std::future<void>& thread : threads)
-        thread.get();
-}
-
-/// A thread's share of the instances, block by block.
-void play_share(const std::vector<instrument*>& playing, recordings& got, int first) {
-    for (int i = 0; i < nb_blocks; ++i)
-        for (int number = first; number < nb_instances; number += nb_threads) {
-            const auto position = static_cast<std::size_t>(number);
-            play_block(*playing[position], number, i, got[position]);
-        }
-}
-
-void on_threads(trial& running) {
-    const recordings wanted = each_alone(running);
-    // Where an instrument is, it writes down in a trial of its own.
-    std::list<trial> trials;
-    std::list<instrument> playing;
-    std::vector<instrument*> by_number;
-    for (int number = 0; number < nb_instances; ++number) {
-        trials.push_back(running);
-        by_number.push_back(&playing.emplace_back(trials.back(), set_up_of(number)));
-    }
-    recordings got(nb_instances);
-    std::vector<std::function<void()>> jobs;
-    for (int first = 0; first < nb_threads; ++first)
-        jobs.emplace_back([&, first] { play_share(by_number, got, first); });
-    do_at_once(jobs);
-    expect_equal(running, got, wanted);
-}
-
-/// Loading, playing and closing at once, as hosts do that open a project's tracks in parallel.
-void created_on_threads(trial& running) {
-    const library kept(running.plugin_file);
-    const recording wanted = play_alone(running, 1);
-    recordings got(nb_threads);
-    std::vector<std::function<void()>> jobs;
-    for (recording& sound : got)
-        jobs.emplace_back([&sound, own = running]() mutable {
-            for (int i = 0; i < 4; ++i)
-                sound = play_alone(own, 1);
-        });
-    do_at_once(jobs);
-    expect_equal(running, got, recordings(nb_threads, wanted));
-}
-
 void same_seed(trial& running) {
     const recording first = play_alone(running, 3);
     const recording second = play_alone(running, 3);
@@ -148,7 +94,5 @@ void same_seed(trial& running) {
 
 table instance_rows() {
     return {{"instances/16 interleaved", interleaved},
-            {"instances/16 on four threads", on_threads},
-            {"instances/created on four threads", created_on_threads},
             {"instances/same seed, same samples", same_seed}};
 }

@@ -2,26 +2,10 @@
 
 #include "conformance/panel_player.h"
 #include "conformance/tables.h"
-#include "probe/lost_resources.h"
 
-#include <functional>
 #include <memory>
 
 namespace {
-
-void opens_in_windows_alone(trial& running) {
-    panel_player user(running);
-    user.close();
-    user.close();
-    for (void* nothing : {static_cast<void*>(nullptr), reinterpret_cast<void*>(0x7654320)}) {
-        running.expect(user.playing.ask(effEditOpen, 0, 0, nothing) == 0,
-                       "a panel opens in what is no window");
-        user.idle();
-    }
-    running.expect(user.open() == 1 && user.open() == 1, "it does not open in a window, twice");
-    user.idle();
-    user.expect_shown();
-}
 
 void two_at_once(trial& running) {
     panel_player user(running);
@@ -57,55 +41,6 @@ void lost_mouse(trial& running) {
     user.expect_shown();
 }
 
-void parent_goes_first(trial& running) {
-    panel_player user(running);
-    user.press(control_places[volume]);
-    user.window.destroy();
-    user.idle();
-    user.expect_gestures(volume, "be");
-    user.playing.set(volume, 0.7f);
-    user.idle();
-    user.close();
-    const panel_window next;
-    running.expect(user.playing.ask(effEditOpen, 0, 0, next.handle()) == 1,
-                   "it does not open any more");
-    user.close();
-}
-
-void leaves_nothing(const trial& running, int nb_rounds, const std::function<void()>& round) {
-    const std::string lost = lost_resources([&] {
-        for (int i = 0; i < nb_rounds; ++i)
-            round();
-    });
-    running.expect(lost.empty(), "it loses " + lost);
-}
-
-void opens_a_thousand_times(trial& running) {
-    panel_player user(running);
-    user.close();
-    leaves_nothing(running, 1000, [&] {
-        running.expect(user.open() == 1, "it does not open any more");
-        user.idle();
-        user.close();
-    });
-    running.expect(user.window.nb_left() == 0, "a window is left");
-}
-
-/// The library goes, and its windows' code with it, with a knob in the user's hand.
-void goes_with_its_instrument(trial& running) {
-    panel_window window;
-    leaves_nothing(running, 200, [&] {
-        instrument shown(running);
-        running.expect(shown.ask(effEditOpen, 0, 0, window.handle()) == 1, "it does not open");
-        window.move(control_places[volume]);
-        window.press();
-        window.handle_messages();
-        shown.ask(effEditIdle);
-        window.release();
-    });
-    running.expect(window.nb_left() == 0, "a window is left");
-}
-
 /// The host closes the panel, or all of the instrument, in the middle of a click.
 void closed_in_a_click(trial& running) {
     for (const VstInt32 turn :
@@ -136,11 +71,7 @@ void closed_in_a_click(trial& running) {
 } // namespace
 
 table panel_window_rows() {
-    return {{"panel_window/opens in windows alone", opens_in_windows_alone},
-            {"panel_window/two at once", two_at_once},
+    return {{"panel_window/two at once", two_at_once},
             {"panel_window/lost mouse", lost_mouse},
-            {"panel_window/parent goes first", parent_goes_first},
-            {"panel_window/1000 x open, idle, close", opens_a_thousand_times},
-            {"panel_window/goes with its instrument", goes_with_its_instrument},
             {"panel_window/closed in a click", closed_in_a_click}};
 }

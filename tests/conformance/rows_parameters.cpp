@@ -4,11 +4,7 @@
 #include "conformance/tables.h"
 #include "conformance/text_sizes.h"
 
-#include <algorithm>
-#include <bit>
-#include <cmath>
 #include <limits>
-#include <random>
 
 namespace {
 
@@ -64,23 +60,6 @@ void displays(trial& running) {
     }
 }
 
-/// The text ends within its memory, whatever the value; instrument::text checks that.
-void display_of_any_value(trial& running) {
-    instrument asked(running);
-    std::mt19937 random(running.seed);
-    for (int i = 0; i < 20000; ++i) {
-        const float value = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
-        const auto index = static_cast<VstInt32>(random() % nb_parameters);
-        running.doing = "parameter " + std::to_string(index) + " at " + std::to_string(value);
-        asked.set(index, value);
-        const std::string text = asked.text(effGetParamDisplay, display_size, index);
-        running.expect(!text.empty()
-                           && std::ranges::all_of(
-                               text, [](char letter) { return letter >= ' ' && letter <= '~'; }),
-                       "it shows \"" + text + "\"");
-    }
-}
-
 void values_are_kept(trial& running) {
     instrument asked(running);
     const std::pair<float, float> kept[]{
@@ -91,18 +70,6 @@ void values_are_kept(trial& running) {
             running.expect(asked.get(index) == wanted, std::string(cases[index].name) + " set to "
                                                            + std::to_string(given) + " is "
                                                            + std::to_string(asked.get(index)));
-        }
-}
-
-void values_that_are_no_numbers(trial& running) {
-    instrument asked(running);
-    using limits = std::numeric_limits<float>;
-    for (VstInt32 index = 0; index < nb_parameters; ++index)
-        for (const float odd : {limits::quiet_NaN(), limits::infinity(), -limits::infinity()}) {
-            asked.set(index, 0.75f);
-            asked.set(index, odd);
-            running.expect(asked.get(index) == 0.75f,
-                           std::string(cases[index].name) + " takes " + std::to_string(odd));
         }
 }
 
@@ -138,9 +105,7 @@ void labels_are_left_alone(trial& running) {
 table parameter_rows() {
     return {{"parameters/names and defaults", names_and_defaults},
             {"parameters/displays", displays},
-            {"parameters/display of any value", display_of_any_value},
             {"parameters/values are kept", values_are_kept},
-            {"parameters/values that are no numbers", values_that_are_no_numbers},
             {"parameters/indices outside", indices_outside},
             {"parameters/labels are left alone", labels_are_left_alone}};
 }

@@ -60,23 +60,10 @@ void program_name(trial& running) {
     }
 }
 
-void chunks(trial& running) {
-    instrument asked(running);
-    touch(asked);
-    for (const VstInt32 index : {0, 1}) {
-        const guarded_memory pointer(sizeof(void*));
-        running.expect(asked.ask(effGetChunk, index, 0, pointer.data()) == 0, "there is a chunk");
-        const guarded_memory chunk(4096);
-        running.expect(asked.ask(effSetChunk, index, 4096, chunk.data()) == 0, "a chunk is taken");
-    }
-    expect_touched(asked, "a chunk");
-}
-
 } // namespace
 
 table program_rows() {
     return {{"programs/none", programs},
             {"programs/program changes", program_changes},
-            {"programs/name", program_name},
-            {"programs/chunks", chunks}};
+            {"programs/name", program_name}};
 }

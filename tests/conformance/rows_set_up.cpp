@@ -71,6 +71,12 @@ const order_case orders[]{
          for (const VstIntPtr size : {0, -1, 2147483647, -2147483647 - 1})
              set_block(playing, size);
      }},
+    {"set_up/rate again",
+     [](instrument& playing) {
+         set_rate(playing, 48000);
+         set_block(playing, 64);
+         set_rate(playing, 48000);
+     }},
     {"set_up/rate with a fraction", [](instrument& playing) { set_rate(playing, 48000.7f); }},
 };
 

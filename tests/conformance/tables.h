@@ -3,9 +3,6 @@
 
 #include "conformance/trial.h"
 
-table entry_rows();
-table lifecycle_rows();
-table opcode_rows();
 table identity_rows();
 table parameter_rows();
 table program_rows();
@@ -18,7 +15,6 @@ table control_rows();
 table bass_rows();
 table block_rows();
 table set_up_rows();
-table storm_rows();
 table instance_rows();
 table processor_rows();
 table panel_rows();
