@@ -18,9 +18,9 @@ struct process_result {
 
 struct process_surroundings {
     std::string input_file = "/dev/null";
-    std::string output_file{}; ///< receives standard output; empty: a pipe, captured in `out`
-    std::string closed{};      ///< standard streams, such as " <&- >&-"
-    std::string folder = ".";  ///< to run in
+    std::string folder = "."; ///< to run in
+    std::string before{};     ///< what the shell reads before the program, such as "timeout 1"
+    std::string after{};      ///< and after it, such as ">&-"; else `out` gets standard output
     std::map<std::string, std::string> environment{};
 };
 
@@ -33,12 +33,11 @@ inline std::string shell_word(const std::string& text) { return " '" + text + "'
     std::string line = "cd" + shell_word(surroundings.folder) + " && exec env";
     for (const auto& [name, value] : surroundings.environment)
         line += shell_word(name + "=" + value);
+    line += " " + surroundings.before;
     for (const std::string& argument : arguments)
         line += shell_word(argument);
-    line += " <" + shell_word(surroundings.input_file) + " 2>" + shell_word(own / "err");
-    if (!surroundings.output_file.empty())
-        line += " >" + shell_word(surroundings.output_file);
-    line += surroundings.closed;
+    line += " <" + shell_word(surroundings.input_file) + " 2>" + shell_word(own / "err") + " "
+            + surroundings.after;
 
     process_result result;
     std::FILE* p_out = popen(line.c_str(), "r");

@@ -11,6 +11,7 @@
 
 namespace {
 
+using midi_bytes::bytes;
 using midi_bytes::song;
 
 /// At 480 ticks a quarter and 120 bpm, 83 60 is half a second and 24000 frames at 48 kHz.
@@ -29,7 +30,7 @@ struct Command : command_fixture {
     /// What the instrument noted about its host during a render.
     std::string played(words arguments) {
         surroundings.environment["TINDELWAX_TEST_LOG"] = folder / "log";
-        arguments.insert(arguments.begin(), "render");
+        arguments.insert(arguments.begin(), {"render", "song.mid"});
         const process_result result = run(arguments);
         EXPECT_EQ(result.status, 0) << result.err;
         return file_content(folder / "log");
@@ -85,23 +86,30 @@ TEST_F(Command, NamesDoNotSteerTheTerminal) {
 }
 
 TEST_F(Command, DrivesThePluginInOrderAndAtTheFrame) {
-    EXPECT_EQ(played({"--set", "volume=0.5", "song.mid", "--rate", "44100", "--block", "100"}),
-              "open\nrate 44100\nblock 100\nparameter 0 0.50\nmains 1\nstart\n0: 90 45 40\n"
-              "0: tempo 120.0\n22050: 80 45 40\nstop\nmains 0\nclose\n");
-}
-
-TEST_F(Command, PassesOnSysexAndHonoursTempoChannelsAndTransposition) {
-    // A quarter at 60 bpm from half a second on; the drums are left out.
-    file_write(folder / "song.mid",
-               song(0, 480,
-                    {"00 90 45 40 00 99 24 40 00 F0 02 7D F7 83 60 FF 51 03 0F 42 40 "
-                     "83 60 80 45 40"}));
-    const std::string log = played({"song.mid", "--transpose", "-12"});
-    EXPECT_TRUE(contains(
-        log, "0: 90 39 40\n0: dump F0 7D F7\n0: tempo 120.0\n24000: tempo 60.0\n72000: 80 39 40\n"))
-        << log;
-    EXPECT_TRUE(
-        contains(played({"song.mid", "--channels", "10"}), "0: 99 24 40\n0: dump F0 7D F7\n"));
+    struct drive {
+        bytes song;
+        words options;
+        const char* log; ///< a part
+    };
+    for (const drive& row :
+         {drive{half_second,
+                {"--set", "volume=0.5", "--rate", "44100", "--block", "100"},
+                "1 Quenmar, 1 Tindelwax command, can 1 0, rate 48000, block 64, level 1\nopen\n"
+                "rate 44100\nblock 100\nparameter 0 0.50\nmains 1\nrate 44100, block 100, level "
+                "4\nstart\n0: 90 45 40\n0: tempo 120.0 from 0.00\n22050: 80 45 40\nstop\n"
+                "mains 0\nclose\n"},
+          // A quarter at 60 bpm from half a second on; the drums are left out.
+          {song(0, 480,
+                {"00 90 45 40 00 99 24 40 00 F0 02 7D F7 83 60 FF 51 03 0F 42 40 83 60 80 45 40"}),
+           {"--transpose", "-12"},
+           "0: 90 39 40\n0: dump F0 7D F7\n0: tempo 120.0 from 0.00\n24000: tempo 60.0 from 1.00\n"
+           "72000: 80 39 40\n"},
+          {song(0, 480, {"00 90 45 40 0A 80 45 40 87 40 90 45 40 0A 80 45 40"}), // a rest is no end
+           {},
+           "49000: 80 45 40\n"}}) {
+        file_write(folder / "song.mid", row.song);
+        EXPECT_TRUE(contains(played(row.options), row.log)) << file_content(folder / "log");
+    }
 }
 
 TEST_F(Command, MoreSimultaneousEventsThanOneListHoldsAllArrive) {
@@ -109,24 +117,18 @@ TEST_F(Command, MoreSimultaneousEventsThanOneListHoldsAllArrive) {
     for (int i = 0; i < 2500; ++i)
         track += " 00 07 01";
     file_write(folder / "song.mid", song(0, 480, {track}));
-    const std::string log = played({"song.mid"});
-    EXPECT_EQ(nb_lines(log), 2501 + 9) << log.substr(0, 200);
+    const std::string log = played({});
+    EXPECT_EQ(nb_lines(log), 2501 + 11) << log.substr(0, 200);
 }
 
-TEST_F(Command, ReleasesAtTheLengthAndFallsSilentSoon) {
-    file_write(folder / "song.mid", song(0, 480, {"00 90 45 40 8F 00 C0 01"}));
-    EXPECT_TRUE(contains(played({"song.mid", "--length", "0.5"}), "24000: 80 45 40\n"));
+TEST_F(Command, TheTailEndsWithTheSound) {
     // Released at 24000, the test's sine is below -90 dBFS after some 3900 frames of 48 kHz.
-    const auto nb_frames = samples(file_content(folder / "song.wav")).size() / 2;
-    EXPECT_NEAR(static_cast<double>(nb_frames), 24000 + 3900 + 4800, 1000);
-    (void)run({"render", "song.mid", "--length", "0.5", "--tail", "0"});
-    EXPECT_EQ(samples(file_content(folder / "song.wav")).size() / 2, 24000u);
-}
-
-TEST_F(Command, ARestIsNotTheEnd) {
-    file_write(folder / "song.mid",
-               song(0, 480, {"00 90 45 40 0A 80 45 40 87 40 90 45 40 0A 80 45 40"}));
-    EXPECT_TRUE(contains(played({"song.mid"}), "49000: 80 45 40\n"));
+    for (const auto& [tail, nb_frames, tolerance] :
+         {std::tuple{"5", 24000 + 3900 + 4800, 1000}, {"0", 24000, 0}}) {
+        (void)run({"render", "song.mid", "--length", "0.5", "--tail", tail});
+        EXPECT_NEAR(static_cast<double>(samples(file_content(folder / "song.wav")).size()) / 2,
+                    nb_frames, tolerance);
+    }
 }
 
 TEST_F(Command, TheSameCommandGivesTheSameBytes) {
@@ -156,9 +158,8 @@ TEST_F(Command, LevelsAreBroughtWhereTheUserWantsThem) {
                                                     {{"--normalize"}, 0.8913f},
                                                     {{"--set", "Volume=0", "--normalize"}, 0.0f}};
     for (const auto& [options, wished] : rows) {
-        words arguments = options;
-        arguments.insert(arguments.begin(), "render");
-        arguments.emplace_back("song.mid");
+        words arguments{"render", "song.mid"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
         const process_result result = run(arguments);
         EXPECT_EQ(result.status, 0) << result.err;
         EXPECT_FALSE(contains(result.out, "no numbers")) << result.out;
@@ -292,45 +293,38 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
 TEST_F(Command, WhateverStopsARenderLeavesNoFile) {
     const int nameless = open(folder.path.c_str(), O_TMPFILE | O_WRONLY, 0600);
     close(nameless);
+    ASSERT_EQ(mkfifo((folder / "pipe.wav").c_str(), 0600), 0);
     struct stop {
-        const char* signals; ///< from a frame on; the trial run ends before 20000
-        const char* block;
+        const char* signals; ///< from a frame on, -1 to hang; the trial run ends before 20000
+        words arguments;
         int status;
-        std::string part;
+        const char* part;
     };
-    for (const stop& row : {stop{"0 6", "64", 1, "crashes in a trial run (Aborted)"},
-                            {"0 6", "65536", 1, "crashes in a trial run (Aborted)"},
-                            {"20000 6", "64", 128 + SIGABRT, ""},
-                            {"20000 15", "64", 128 + SIGTERM, "interrupted\n"},
-                            {"20000 2", "64", 128 + SIGINT, "interrupted\n"}}) {
+    for (const stop& row :
+         {stop{"0 6", {"song.mid"}, 1, "crashes in a trial run (Aborted)"},
+          {"0 6", {"song.mid", "--block", "65536"}, 1, "crashes in a trial run (Aborted)"},
+          {"20000 6", {"song.mid"}, 128 + SIGABRT, ""},
+          {"20000 15", {"song.mid"}, 128 + SIGTERM, "interrupted\n"},
+          {"20000 -1", {"song.mid"}, 128 + SIGINT, "interrupted\n"},
+          {"-1", {"song.mid", "-o", "pipe.wav"}, 128 + SIGINT, ""}, // that nobody reads
+          {"-1", {"pipe.wav", "-o", "a.wav"}, 128 + SIGINT, ""}}) { // nor writes
         surroundings.environment["TINDELWAX_TEST_SIGNALS"] = row.signals;
-        const process_result result = run({"render", "--block", row.block, "song.mid"});
+        surroundings.before =
+            row.status == 128 + SIGINT ? "timeout --preserve-status -k 5 -s INT 0.3" : "";
+        words arguments = row.arguments;
+        arguments.insert(arguments.begin(), "render");
+        const process_result result = run(arguments);
         EXPECT_EQ(result.status, row.status) << row.signals << result.err;
         EXPECT_TRUE(contains(result.err, row.part)) << row.signals << result.err;
         if (nameless >= 0) { // else a process that dies leaves its temporary
-            EXPECT_EQ(folder.nb_files(), 1u) << row.signals;
+            EXPECT_EQ(folder.nb_files(), 2u) << row.signals;
         }
-    }
-}
-
-TEST_F(Command, OneRequestEndsItWhateverItWaitsFor) {
-    ASSERT_EQ(mkfifo((folder / "pipe.wav").c_str(), 0600), 0);
-    surroundings.environment["TINDELWAX_TEST_SIGNALS"] = "20000 -1"; // hangs from there on
-    for (const char* arguments :
-         {"pipe.wav -o a.wav", "song.mid -o pipe.wav --length 0.1", "song.mid"}) {
-        const process_result result = process_run(
-            {"sh", "-c",
-             "exec timeout --preserve-status -k 5 -s INT 0.3 " TEST_COMMAND " render --plugin "
-                 + test_plugin("sine_main") + " " + arguments},
-            surroundings);
-        EXPECT_EQ(result.status, 128 + SIGINT) << arguments << result.err;
-        EXPECT_EQ(folder.nb_files(), 2u) << arguments;
     }
 }
 
 TEST_F(Command, ClosedStreamsAreNotTakenByFiles) {
     (void)run({"render", "song.mid", "-o", "a.wav"});
-    surroundings.closed = " <&- >&- 2>&-";
+    surroundings.after = "<&- >&- 2>&-";
     EXPECT_EQ(run({"render", "song.mid", "-o", "b.wav"}).status, 0);
     EXPECT_EQ(file_content(folder / "a.wav"), file_content(folder / "b.wav"));
     EXPECT_EQ(run({"render", "-", "-o", "c.wav"}).status, 2);
@@ -351,23 +345,31 @@ TEST_F(Command, MemoryDoesNotGrowWithTheRender) {
     EXPECT_LT(peak_after("30"), peak_of_one_second + 16384);
 }
 
-TEST_F(Command, AFullDeviceAndADamagedSongAreTold) {
-    surroundings.output_file = "/dev/full";
-    const process_result full = run({"render", "song.mid", "-o", "-"});
-    EXPECT_EQ(full.status, 1);
-    EXPECT_TRUE(contains(full.err, "cannot write standard output: No space left")) << full.err;
-    EXPECT_EQ(run({"info"}).status, 1);
-    surroundings.environment["TMPDIR"] = "no such folder";
-    const process_result no_scratch = run({"render", "song.mid", "-o", "-"});
-    EXPECT_EQ(no_scratch.status, 1);
-    EXPECT_TRUE(contains(no_scratch.err, "set TMPDIR")) << no_scratch.err;
-
-    surroundings.output_file.clear();
-    file_write(folder / "song.mid", std::vector(half_second.begin(), half_second.end() - 6));
-    const process_result damaged = run({"render", "song.mid"});
-    EXPECT_EQ(damaged.status, 0);
-    EXPECT_TRUE(contains(damaged.err, "warning: song.mid: ")) << damaged.err;
-    EXPECT_TRUE(contains(damaged.out, "1 note played")) << damaged.out;
+TEST_F(Command, WhereNothingMoreCanBeWrittenTheReasonIsTold) {
+    std::filesystem::create_symlink("/dev/full", folder / "full.wav");
+    struct obstacle {
+        words arguments;
+        const char* temporary_folder;
+        const char* after;
+        const char* part;
+    };
+    for (const obstacle& row :
+         {obstacle{{"render", "song.mid", "-o", "-"},
+                   "/tmp",
+                   ">/dev/full",
+                   "cannot write standard output: No space left"},
+          {{"render", "song.mid", "-o", "full.wav"}, "/tmp", "", "full.wav: No space left"},
+          {{"render", "song.mid", "-o", "-"}, "/tmp", "| head -c 1 >/dev/null", "its reader ended"},
+          {{"render", "song.mid", "-o", "-"}, "/no such folder", "", "set TMPDIR"},
+          {{"render", "song.mid", "--normalize"}, "/no such folder", "", "set TMPDIR"},
+          {{"info"}, "/tmp", ">/dev/full", "cannot write to standard output: No space left"}}) {
+        surroundings.environment["TMPDIR"] = row.temporary_folder;
+        surroundings.after = row.after;
+        const process_result result = run(row.arguments);
+        EXPECT_EQ(result.status, *row.after == '|' ? 0 : 1) << row.part;
+        EXPECT_TRUE(contains(result.err, row.part)) << row.part << result.err;
+        EXPECT_FALSE(std::filesystem::exists(folder / "song.wav")) << row.part;
+    }
 }
 
 } // namespace

@@ -79,6 +79,25 @@ VstIntPtr write(void* ptr, const char* text) {
     return 1;
 }
 
+VstIntPtr ask(sine& s, VstInt32 opcode, const char* text = nullptr) {
+    return s.host(&s.effect, opcode, 0, 0, const_cast<char*>(text), 0);
+}
+
+void log_host(sine& s) {
+    std::array<char, 64> vendor{};
+    std::array<char, 64> product{};
+    const auto answers_vendor = ask(s, audioMasterGetVendorString, vendor.data());
+    const auto answers_product = ask(s, audioMasterGetProductString, product.data());
+    log(s, "%ld %s, %ld %s, can %ld %ld, ", answers_vendor, vendor.data(), answers_product,
+        product.data(), ask(s, audioMasterCanDo, "sendVstMidiEvent"),
+        ask(s, audioMasterCanDo, "makeTea"));
+}
+
+VstIntPtr log_setup(sine& s) {
+    return log(s, "rate %ld, block %ld, level %ld\n", ask(s, audioMasterGetSampleRate),
+               ask(s, audioMasterGetBlockSize), ask(s, audioMasterGetCurrentProcessLevel));
+}
+
 VstIntPtr finish(sine& s) {
     log(s, "close\n");
     if (s.p_log)
@@ -99,7 +118,7 @@ VstIntPtr VSTCALLBACK dispatch(AEffect* effect, VstInt32 opcode, VstInt32 index,
     case effSetSampleRate: return log(s, "rate %.0f\n", s.rate = static_cast<double>(opt));
     case effSetBlockSize: return log(s, "block %ld\n", s.block_frames = value);
     case effMainsChanged: return log(s, "mains %d\n", static_cast<int>(value));
-    case effStartProcess: std::fputs("words", stderr); return log(s, "start\n");
+    case effStartProcess: std::fputs("words", stderr); log_setup(s); return log(s, "start\n");
     case effStopProcess: return log(s, "stop\n");
     case effProcessEvents: receive(s, *static_cast<const VstEvents*>(ptr)); return 1;
     case effGetParamName: return write(ptr, parameter_names[position]);
@@ -126,7 +145,7 @@ void note_tempo(sine& s) {
     const auto* time = reinterpret_cast<const VstTimeInfo*>(
         s.host(&s.effect, audioMasterGetTime, 0, 0, nullptr, 0));
     if (time->tempo != s.tempo)
-        log(s, "%ld: tempo %.1f\n", s.frame, time->tempo);
+        log(s, "%ld: tempo %.1f from %.2f\n", s.frame, time->tempo, time->ppqPos);
     s.tempo = time->tempo;
 }
 
@@ -186,6 +205,8 @@ AEffect* create(audioMasterCallback host) {
     s->effect.uniqueID = SINE_ID;
     s->effect.version = 1;
     s->effect.object = s;
+    log_host(*s);
+    log_setup(*s);
     return &s->effect;
 }
 
