@@ -91,7 +91,7 @@ void add_level_options(CLI::App& app, render_request& request) {
 CLI::App* add_render(CLI::App& app, render_request& request) {
     CLI::App* render = app.add_subcommand("render", "Render a MIDI song to an audio file");
     render->footer("Defaults stand in parentheses. Exit status: 0 success, 1 failure, 2 wrong\n"
-                   "usage or a song that cannot be read.");
+                   "usage, a song that cannot be read or a file that is no plug-in.");
     add_file_options(*render, request);
     add_music_options(*render, request);
     add_level_options(*render, request);

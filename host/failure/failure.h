@@ -8,7 +8,7 @@
 enum exit_status : int {
     exit_success = 0,
     exit_failed = 1, ///< the machine, the plug-in or the disk did not do what was asked
-    exit_misused = 2 ///< wrong options, or a song that cannot be read
+    exit_misused = 2 ///< wrong options, or a file that is no song or no plug-in
 };
 
 struct failure : std::runtime_error {

@@ -35,7 +35,7 @@ class open_editor {
 public:
     open_editor(plugin& instrument, void* window) : instrument_{instrument} {
         if (!instrument_.ask(effEditOpen, 0, 0, window))
-            fail("the plug-in refuses to open its editor");
+            instrument_.fail("refuses to open its editor");
     }
     ~open_editor() { instrument_.ask(effEditClose); }
     open_editor(const open_editor&) = delete;
@@ -65,7 +65,7 @@ picture still_picture(open_editor& editor, const editor_window& window) {
 
 picture editor_picture(plugin& instrument) {
     if (!(instrument.record().flags & effFlagsHasEditor))
-        fail("the plug-in has no editor");
+        instrument.fail("has no editor");
     // Some know their size only once they are open.
     extent size = editor_extent(instrument);
     editor_window window{std::max(size.width, 1), std::max(size.height, 1)};
@@ -74,7 +74,7 @@ picture editor_picture(plugin& instrument) {
     open_editor editor{instrument, window.handle()};
     size = editor_extent(instrument);
     if (size.is_empty())
-        fail("the plug-in does not tell the size of its editor");
+        instrument.fail("does not tell the size of its editor");
     window.resize(size.width, size.height);
     picture shown = still_picture(editor, window);
     if (shown.pixels.empty())

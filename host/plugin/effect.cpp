@@ -18,17 +18,13 @@ std::string flaw(const AEffect* p_record) {
         return "refuses to start: its entry point answers nothing";
     if (p_record->magic != kEffectMagic || !p_record->dispatcher || !p_record->setParameter
         || !p_record->getParameter)
-        return "is no plug-in: its entry point answers something else";
+        return "is broken: its entry point answers something else than a record";
     if (!is_within(p_record->numInputs, max_channels)
         || !is_within(p_record->numOutputs, max_channels))
         return "claims an impossible number of channels";
     if (!is_within(p_record->numParams, max_parameters))
         return "claims an impossible number of parameters";
     return {};
-}
-
-[[noreturn]] void fail(const std::filesystem::path& file, const std::string& what) {
-    throw failure{exit_failed, file.string() + " " + what};
 }
 
 } // namespace
@@ -41,14 +37,15 @@ VstPluginMainProc plugin_entry(const library& its_library) {
 
 effect::effect(const std::filesystem::path& file, host_answers answers, after_closing library_then)
     : library_{file}, library_then_{library_then}, answers_{std::move(answers)} {
-    if (!library_.error.empty())
-        fail(file, "is no plug-in: " + library_.error);
     const VstPluginMainProc entry = plugin_entry(library_);
     if (!entry)
-        fail(file, "is no plug-in: it exports neither main nor VSTPluginMain");
+        throw failure{exit_misused,
+                      file.string() + " is no plug-in for this system: "
+                          + (library_.error.empty() ? "it exports neither main nor VSTPluginMain"
+                                                    : library_.error)};
     AEffect* const p_record = effect_create(entry, answers_);
     if (const std::string what = flaw(p_record); !what.empty())
-        fail(file, what);
+        throw failure{exit_failed, file.string() + " " + what};
     p_record_ = p_record;
     ask(effOpen);
 }

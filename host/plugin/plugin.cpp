@@ -11,9 +11,7 @@ constexpr std::chrono::seconds trial_limit{20};
 // The published lengths are 8 to 64 bytes, and instruments write past them.
 constexpr std::size_t text_capacity = 4096;
 
-[[noreturn]] void fail(const std::filesystem::path& file, const std::string& what) {
-    throw failure{exit_failed, file.string() + " " + what};
-}
+constexpr const char* next_step = "; choose another plug-in with --plugin FILE";
 
 std::string tidy(std::string text) {
     const auto is_control = [](char c) { return (c >= 0 && c < ' ') || c == 0x7F; };
@@ -34,12 +32,22 @@ void resize_channels(std::vector<std::vector<float>>& channels, std::vector<floa
 
 } // namespace
 
-plugin::plugin(const std::filesystem::path& file)
-    : host_{.plugin_folder = std::filesystem::absolute(file).parent_path()},
-      effect_{file, [this](const host_call& call) { return host_.answer(call); },
-              effect::after_closing::stays_loaded} {}
+plugin::plugin(const std::filesystem::path& file) try
+    : name_{file.string()},
+      host_{.plugin_folder = std::filesystem::absolute(file).parent_path()},
+      effect_{file, [this](const host_call& call){return host_.answer(call);}, effect
+    ::after_closing::stays_loaded
+}
+{}
+catch (const failure& refusal) {
+    throw failure{refusal.status, std::string{refusal.what()} + next_step};
+}
 
 plugin::~plugin() { stop(); }
+
+void plugin::fail(const std::string& what) const {
+    throw failure{exit_failed, name_ + " " + what + next_step};
+}
 
 int plugin::nb_parameters() const { return record().numParams; }
 
@@ -70,9 +78,9 @@ void plugin::prepare(double rate_hz, int block_frames) {
 
 void plugin::start() {
     if (!record().processReplacing || !(record().flags & effFlagsCanReplacing))
-        throw failure{exit_failed, "the plug-in cannot process audio in single precision"};
+        fail("cannot process audio in single precision");
     if (nb_channels() == 0)
-        throw failure{exit_failed, "the plug-in has no audio output"};
+        fail("has no audio output");
     resize_channels(inputs_, p_inputs_, record().numInputs, host_.block_frames);
     resize_channels(outputs_, p_outputs_, record().numOutputs, host_.block_frames);
     host_.renders = true;
@@ -104,12 +112,12 @@ std::span<const float> plugin::output(int channel) const {
 void plugin_try(const std::filesystem::path& file, const std::function<void(plugin&)>& rehearse) {
     std::error_code error;
     if (!std::filesystem::exists(file, error))
-        fail(file, "is missing; name the plug-in's file with --plugin FILE");
+        throw failure{exit_misused, file.string() + " is missing" + next_step};
     const auto load_and_close = [&] {
         plugin loaded{file};
         rehearse(loaded);
     };
     const std::string complaint = trial_run(file.string(), load_and_close, trial_limit);
     if (!complaint.empty())
-        throw failure{exit_failed, complaint + "; choose another with --plugin FILE"};
+        throw failure{exit_failed, complaint + next_step};
 }

@@ -14,11 +14,15 @@
 
 class plugin {
 public:
-    /// Loads the plug-in and opens it. Throws a failure that names the file and the reason.
+    /// Loads the plug-in and opens it. Throws a failure that names the file, the reason and the
+    /// next step.
     explicit plugin(const std::filesystem::path& file);
     ~plugin(); ///< stops it if it runs, and closes it
     plugin(const plugin&) = delete;
     plugin& operator=(const plugin&) = delete;
+
+    /// Throws such a failure: the file and what it does, such as "has no editor".
+    [[noreturn]] void fail(const std::string& what) const;
 
     [[nodiscard]] const AEffect& record() const { return *effect_.record(); }
     [[nodiscard]] int nb_parameters() const;
@@ -50,6 +54,7 @@ public:
     [[nodiscard]] std::span<const float> output(int channel) const;
 
 private:
+    std::string name_;
     command_host host_;
     effect effect_;
     bool runs_ = false;

@@ -224,7 +224,7 @@ TEST_F(Command, InfoTellsWhatThePluginSaysOfItself) {
 TEST_F(Command, FindsThePluginBesideItself) {
     std::filesystem::copy(TEST_COMMAND, folder.path / "tindelwax");
     const process_result alone = process_run({folder / "tindelwax", "info"});
-    EXPECT_EQ(alone.status, 1);
+    EXPECT_EQ(alone.status, 2);
     EXPECT_TRUE(contains(alone.err, folder / "tindelwax.so is missing")) << alone.err;
     std::filesystem::copy(test_plugin("sine_main"), folder.path / "tindelwax.so");
     EXPECT_EQ(process_run({folder / "tindelwax", "info"}).status, 0);
@@ -249,6 +249,9 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
     file_write(folder / "noise.mid", std::string{"MTrk no header"});
     file_write(folder / "endless.mid", song(0, 1, {"FF FF FF 7F C0 01"}));
     file_write(folder / "noise.so", std::string{"no library"});
+    file_write(folder / "mz.so", std::string{"MZ"});
+    file_write(folder / "narrow.so", std::string{"\x7F"
+                                                 "ELF\x01\x01\x01"});
     const complaint rows[] = {
         {{}, "", 2, "a command is missing; the commands are render, panel, info"},
         {{"bogus"}, "", 2, "\"bogus\" is no command; the commands are render, panel, info"},
@@ -280,11 +283,17 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
         {{"render", "song.mid"}, "answers_null", 1, "refuses to start"},
         {{"render", "song.mid"}, "aborts", 1, "crashes in a trial run (Aborted)"},
         {{"render", "song.mid"}, "exits", 1, "ends the process in a trial run"},
-        {{"render", "song.mid"}, "answers_rubbish", 1, "answers something else"},
+        {{"render", "song.mid"},
+         "answers_rubbish",
+         1,
+         "answers something else than a record; choose another"},
         {{"info"}, "endless_parameters", 1, "impossible number of parameters"},
-        {{"info"}, "has_no_entry", 1, "exports neither main nor VSTPluginMain"},
-        {{"info"}, "no_such_plugin", 1, "is missing"},
-        {{"info", "--plugin", "noise.so"}, "", 1, "noise.so is no plug-in: "},
+        {{"info"}, "has_no_entry", 2, "exports neither main nor VSTPluginMain"},
+        {{"info"}, "no_such_plugin", 2, "no_such_plugin.so is missing; choose another"},
+        {{"info", "--plugin", "noise.so"}, "", 2, "it is no library; choose another plug-in with"},
+        {{"info", "--plugin", "."}, "", 2, "it is no library"},
+        {{"info", "--plugin", "mz.so"}, "", 2, "it is a Windows library"},
+        {{"info", "--plugin", "narrow.so"}, "", 2, "it is for programs of another width"},
     };
     for (const complaint& row : rows)
         expect_one_sentence_and_no_file(row);
