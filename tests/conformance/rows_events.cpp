@@ -48,27 +48,9 @@ void echo_once_a_dump(trial& running) {
     running.expect(peak(sound.right) > 1e-3, "the note between two dumps is lost");
 }
 
-/// Some hosts send a list for each of a block's events.
-void lists_of_one_block(trial& running) {
-    instrument together(running, set_up{});
-    instrument apart(running, set_up{});
-    event_list both;
-    for (const midi& note : {note_on(10, 48), note_on(40, 60)}) {
-        event_list alone;
-        alone.add_midi(message_of(note), static_cast<VstInt32>(note.frame));
-        apart.send(alone);
-        both.add_midi(message_of(note), static_cast<VstInt32>(note.frame));
-    }
-    together.send(both);
-    const recording wanted = together.render({}, 4800);
-    running.expect(apart.render({}, 4800).right == wanted.right,
-                   "two lists sound otherwise than one with both events");
-}
-
 } // namespace
 
 table event_rows() {
     return {{"events/SysEx of any length", dump_of_any_length},
-            {"events/SysEx is echoed once a dump", echo_once_a_dump},
-            {"events/two lists for one block", lists_of_one_block}};
+            {"events/SysEx is echoed once a dump", echo_once_a_dump}};
 }

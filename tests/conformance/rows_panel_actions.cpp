@@ -4,9 +4,7 @@
 #include "conformance/tables.h"
 #include "probe/signal.h"
 
-#include <cstdint>
 #include <cstring>
-#include <random>
 
 namespace {
 
@@ -131,22 +129,6 @@ void menu_asks_for_files(trial& running) {
                    "it does not play any more");
 }
 
-/// A host that answers garbage to everything says yes to a file without naming one.
-void host_of_garbage(trial& running) {
-    std::mt19937 random(running.seed);
-    panel_player user(running, {40, 30}, [&random](const host_call& call) {
-        return call.opcode == audioMasterVersion
-                   ? kVstVersion
-                   : static_cast<VstIntPtr>(std::uint64_t{random() | 1u} * 0x10001);
-    });
-    for (const float value : {3.0f, 4.0f, 5.0f, 6.0f})
-        user.playing.set(menu_tag, value);
-    for (const CPoint place : control_places)
-        user.click(place);
-    user.idle();
-    user.expect_shown();
-}
-
 } // namespace
 
 table panel_action_rows() {
@@ -154,6 +136,5 @@ table panel_action_rows() {
             {"panel_actions/MIDI learn", learn},
             {"panel_actions/panic", panic},
             {"panel_actions/menu sets the outputs", menu_sets_the_outputs},
-            {"panel_actions/menu asks for files", menu_asks_for_files},
-            {"panel_actions/host that answers garbage", host_of_garbage}};
+            {"panel_actions/menu asks for files", menu_asks_for_files}};
 }

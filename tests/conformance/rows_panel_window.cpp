@@ -7,25 +7,6 @@
 
 namespace {
 
-void two_at_once(trial& running) {
-    panel_player user(running);
-    auto other = std::make_unique<panel_player>(running, CPoint{310, 190}); // covers a part
-    user.playing.set(brass, 0);
-    other->playing.set(bass, 1);
-    user.click(control_places[vibrato]);
-    user.click(learn_place);
-    for (int i = 0; i < 2; ++i) {
-        other->idle();
-        user.idle();
-    }
-    other->expect_gestures(volume, "");
-    other->expect_shown();
-    other.reset(); // uncovers it
-    user.idle();
-    user.idle();
-    user.expect_shown({.learn = true});
-}
-
 void lost_mouse(trial& running) {
     panel_player user(running);
     for (const VstInt32 index : {volume, bass, volume}) { // what was lost once can be lost again
@@ -71,7 +52,6 @@ void closed_in_a_click(trial& running) {
 } // namespace
 
 table panel_window_rows() {
-    return {{"panel_window/two at once", two_at_once},
-            {"panel_window/lost mouse", lost_mouse},
+    return {{"panel_window/lost mouse", lost_mouse},
             {"panel_window/closed in a click", closed_in_a_click}};
 }

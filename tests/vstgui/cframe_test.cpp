@@ -64,45 +64,6 @@ TEST_F(Frame, EveryBeginHasItsEnd) {
 }
 
 // The host may close the panel, and open it again, whenever it is told something.
-TEST_F(Frame, TheHostMayCloseThePanelInTheMiddleOfAGesture) {
-    for (const CPoint place : {CPoint{126, 125}, {210, 110}, {360, 110}})
-        for (int nth = 1; nth <= 5; ++nth)
-            for (const bool reopens : {false, true}) {
-                editor.close();
-                ASSERT_TRUE(editor.open(&host));
-                told();
-                int nb_calls = 0;
-                editor.at_call = [&] {
-                    if (++nb_calls == nth) {
-                        editor.close();
-                        if (reopens)
-                            editor.open(&host);
-                    }
-                };
-                host.at_events = [&, done = false]() mutable {
-                    if (std::exchange(done, true))
-                        return;
-                    PlatformWindowListener* window = host.listener;
-                    window->onMouseDown(place, kLButton);
-                    window->onMouseMoved({126, 25}, 0);
-                    window->onMouseUp({126, 25}, kLButton);
-                };
-                editor.idle();
-                editor.at_call = nullptr;
-                host.at_events = nullptr;
-                const std::string calls = told();
-                const auto count = [&](const char* text) {
-                    std::size_t nb = 0;
-                    for (auto at = calls.find(text); at != calls.npos;
-                         at = calls.find(text, at + 1))
-                        ++nb;
-                    return nb;
-                };
-                EXPECT_EQ(count("begin"), 1u) << calls;
-                EXPECT_EQ(count("end("), 1u) << calls;
-            }
-}
-
 TEST_F(Frame, AnIdleWithinIdleLeavesTheWindowAlone) {
     int nb_turns = 0;
     host.at_events = [&] {

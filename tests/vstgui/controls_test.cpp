@@ -68,23 +68,6 @@ TEST_F(Controls, AMoveThatComesDuringAnotherCountsOnce) {
     EXPECT_NEAR(editor.controls[knob_tag]->getValue(), 0.2f, 1e-6f);
 }
 
-TEST_F(Controls, AWheelADoubleClickAndCtrlAreGesturesOfTheirOwn) {
-    CControl& knob = *editor.controls[knob_tag];
-    knob.setDefaultValue(0.75f);
-    knob.setValue(0.5f);
-    host.listener->onMouseWheel({126, 125}, 2, 0);
-    EXPECT_EQ(told(), "begin(0) change(0, 0.52) end(0)");
-    host.listener->onMouseWheel({126, 125}, -1, kShift);
-    EXPECT_EQ(told(), "begin(0) change(0, 0.5175) end(0)");
-    for (const int keys : {+kDoubleClick, +kControl}) {
-        knob.setValue(0.5f);
-        press({126, 125}, keys);
-        move({126, 25});
-        release({126, 25});
-        EXPECT_EQ(told(), "begin(0) change(0, 0.75) end(0)");
-    }
-}
-
 TEST_F(Controls, AWheelAwayFromAKnobTellsNothing) {
     for (const CPoint place : {CPoint{10, 10}, {210, 110}, {360, 110}, {410, 110}})
         host.listener->onMouseWheel(place, 1, 0);
@@ -124,13 +107,6 @@ TEST_F(Controls, ASwitchIsOnFromTheMiddleUp) {
         press({210, 110});
         EXPECT_EQ(editor.controls[left_tag]->getValue(), r.to) << r.from;
     }
-}
-
-TEST_F(Controls, AButtonTellsOfPressAndRelease) {
-    press({360, 110});
-    EXPECT_EQ(told(), "begin(3) change(3, 1)");
-    release({0, 0}); // wherever the mouse has gone
-    EXPECT_EQ(told(), "change(3, 0) end(3)");
 }
 
 TEST_F(Controls, OnlyTheLeftButtonPlays) {

@@ -6,7 +6,6 @@
 #include "vst/editor/tags.h"
 #include "vstgui/window_headless.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 #include <utility>
 
@@ -49,35 +48,6 @@ TEST_F(EditorTest, AClickCountsThoughTheHostIdlesInIt) {
     EXPECT_EQ(host.plugin->getParameter(0), 1.0f);
 }
 
-TEST_F(EditorTest, OpensWithWhatTheParametersAre) {
-    for (VstInt32 i = 0; i < 10; ++i)
-        host.plugin->setParameter(i, 0.1f * static_cast<float>(i));
-    ASSERT_TRUE(host.open(&window));
-    host.idle();
-    EXPECT_EQ(differs(), "");
-    host.close();
-    host.plugin->setParameter(6, 0.9f); // unseen
-    ASSERT_TRUE(host.open(&window));
-    host.idle();
-    EXPECT_EQ(differs(), "");
-}
-
-TEST_F(EditorTest, ShowsMidiAutomationAndProgramsAtTheNextIdle) {
-    ASSERT_TRUE(host.open(&window));
-    host.idle();
-    host.sendMidi(0xB0, 7, 13);
-    host.plugin->setParameter(3, 0.0f);
-    host.plugin->setParameter(9, 0.3f);  // not on the panel
-    host.plugin->setParameter(8, 1.5f);  // shown as 1
-    host.plugin->setParameter(7, -0.5f); // stored as 0
-    host.plugin->setParameter(8, NAN);
-    host.plugin->setParameter(1023, 1.0f);
-    host.idle();
-    EXPECT_EQ(host.plugin->getParameter(8), 1.5f);
-    host.plugin->setParameter(8, 1.0f);
-    EXPECT_EQ(differs(), "");
-}
-
 TEST_F(EditorTest, EachOpeningTurnsKnobsInCirclesAgain) {
     const auto drag_up = [&] {
         host.plugin->setParameter(6, 0.5f);
@@ -107,15 +77,6 @@ TEST_F(EditorTest, LearnStillArmedAtReopeningIsDisarmedByTheFirstClick) {
     host.idle();
     host.idle();
     EXPECT_EQ(differs(), "");
-}
-
-TEST_F(EditorTest, ActionsNeedAnOpenPanel) {
-    host.plugin->setParameter(MIDI_LEARN_TAG, 1);
-    host.plugin->setParameter(MENU_TAG, BANK_LOAD_TAG);
-    EXPECT_EQ(learning(), 0);
-    EXPECT_EQ(host.nb_requests, 0);
-    host.idle();
-    host.close();
 }
 
 TEST_F(EditorTest, ThePanelGoesOnDuringTheSystemsDialogAndAsksOnce) {
