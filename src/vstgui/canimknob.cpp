@@ -75,8 +75,10 @@ bool CAnimKnob::onWheel(float notches, int buttons) {
 void CAnimKnob::turnTo(float newValue) {
     const float before = getValue();
     setValue(newValue);
-    if (getValue() != before)
-        notifyListener();
+    if (getValue() == before)
+        return;
+    notifyListener();
+    doIdleStuff(); // hosts may idle too seldom for it to be seen to turn
 }
 
 /// Clockwise from 12 o'clock, -pi to pi; the last angle where there is none.

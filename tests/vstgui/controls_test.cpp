@@ -53,6 +53,9 @@ TEST_F(Controls, ADragTurnsTheKnobAsItsModeSays) {
         EXPECT_NEAR(knob.getValue(), r.to, 0.012f) << r.name;
         const std::string calls = told();
         EXPECT_TRUE(calls.starts_with("begin(0)") && calls.ends_with("end(0)")) << calls;
+        for (auto at = calls.find("change("); at != std::string::npos;
+             at = calls.find("change(", at + 1))
+            EXPECT_EQ(calls.substr(calls.find(')', at), 8), ") pump()") << calls;
     }
 }
 
