@@ -145,7 +145,7 @@ void subject::expect_each(bool (*holds)(float), const char* what) {
         const auto found = std::ranges::find_if_not(heard_[i], holds);
         if (found == heard_[i].end())
             continue;
-        running_.at_frame(found - heard_[i].begin());
+        running_.at_frame(static_cast<long>(found - heard_[i].begin()));
         running_.expect(false, "output " + std::to_string(i) + " " + what + " ("
                                    + std::to_string(std::ranges::count_if(
                                        found, heard_[i].end(),
