@@ -119,7 +119,7 @@ CLI::App* add_check(CLI::App& app, check_request& request) {
 }
 
 std::string complaint_text(const CLI::App& app, const CLI::ParseError& error) {
-    const std::string words = error.what();
+    std::string words = error.what();
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) // none or two
         return words.substr(0, words.find(':')) + " takes one value";
     if (!app.get_subcommands().empty())

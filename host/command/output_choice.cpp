@@ -32,11 +32,10 @@ std::string ending_of(const file_kind& kind, const std::string& file) {
 
 std::string output_choose(const render_request& request, std::FILE* p_output) {
     const bool is_named = !request.output.empty();
-    const std::string output =
-        is_named ? request.output
-        : request.song == "-"
-            ? "-"
-            : fs::path{request.song}.filename().replace_extension(".wav").string();
+    std::string output = is_named ? request.output
+                         : request.song == "-"
+                             ? "-"
+                             : fs::path{request.song}.filename().replace_extension(".wav").string();
     if (output == "-") {
         if (is_terminal(p_output))
             misuse("standard output is a terminal; name the audio file with -o FILE");

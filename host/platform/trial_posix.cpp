@@ -27,28 +27,14 @@ enum class outcome { came_back, ended, hangs };
     _exit(written ? 0 : 1);
 }
 
-/// Repeats a system call that a signal cut short.
-template <typename Call>
-auto uninterrupted(Call call) {
-    auto result = call();
-    while (result < 0 && errno == EINTR)
-        result = call();
-    return result;
-}
-
+/// No signal cuts the calls short: the only handlers of this process end it.
 outcome wait_for_answer(int answer_pipe, std::chrono::seconds limit) {
     using namespace std::chrono;
-    const auto deadline = steady_clock::now() + limit;
     pollfd waiting{answer_pipe, POLLIN, 0};
-    const int nb_ready = uninterrupted([&] {
-        const auto rest = ceil<milliseconds>(deadline - steady_clock::now()).count();
-        return poll(&waiting, 1, rest > 0 ? static_cast<int>(rest) : 0);
-    });
-    if (nb_ready <= 0)
+    if (poll(&waiting, 1, static_cast<int>(milliseconds{limit}.count())) <= 0)
         return outcome::hangs;
     char answer = 0;
-    const auto nb_bytes = uninterrupted([&] { return read(answer_pipe, &answer, 1); });
-    return nb_bytes == 1 ? outcome::came_back : outcome::ended;
+    return read(answer_pipe, &answer, 1) == 1 ? outcome::came_back : outcome::ended;
 }
 
 std::string describe_end(int status) {
@@ -75,7 +61,7 @@ std::string trial_run(const std::string& subject, const std::function<void()>& a
     if (end == outcome::hangs)
         kill(child, SIGKILL);
     int status = 0;
-    uninterrupted([&] { return waitpid(child, &status, 0); });
+    waitpid(child, &status, 0);
     if (end == outcome::hangs)
         return subject + " does not finish a trial run within " + std::to_string(limit.count())
                + " seconds";

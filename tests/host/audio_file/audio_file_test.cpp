@@ -1,10 +1,8 @@
 #include "audio_file/audio_file.h"
 
-#include "failure/failure.h"
 #include "platform/interrupt.h"
 #include "tests/temporary_folder.h"
 
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
@@ -47,13 +45,6 @@ void write_samples(const std::string& name, const audio_format& format) {
     file.finish();
 }
 
-/// The number that the next file to be opened gets.
-int free_descriptor() {
-    const int descriptor = dup(STDERR_FILENO);
-    close(descriptor);
-    return descriptor;
-}
-
 struct AudioFile : testing::Test {
     temporary_folder folder;
 };
@@ -71,6 +62,7 @@ TEST_F(AudioFile, EveryFormatReadsBackAndClipsOnlyWholeNumbers) {
                             kind{"d.flac", {true, 16}, SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 4e-5f},
                             kind{"e.flac", {true, 24}, SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 2e-7f}}) {
         write_samples(folder / row.name, row.format);
+        EXPECT_EQ(file_content(folder / row.name).find("PEAK"), std::string::npos) << "has a time";
         SF_INFO info{};
         SNDFILE* p_sound = sf_open((folder / row.name).c_str(), SFM_READ, &info);
         ASSERT_TRUE(p_sound) << row.name;
@@ -87,93 +79,36 @@ TEST_F(AudioFile, EveryFormatReadsBackAndClipsOnlyWholeNumbers) {
     }
 }
 
-TEST_F(AudioFile, HoldsNoChunkWithTheTimeOfDay) {
-    write_samples(folder / "a.wav", {});
-    EXPECT_EQ(file_content(folder / "a.wav").find("PEAK"), std::string::npos);
-}
-
-TEST_F(AudioFile, ThePreviousFileStaysUntilTheNewOneIsWhole) {
+TEST_F(AudioFile, ThePreviousFileStaysBehindItsLinkUntilTheNewOneIsWhole) {
+    const std::string name = folder / "link.wav";
+    std::filesystem::create_symlink("real.wav", name);
     for (const bool denied : {false, true}) {
         denies_nameless_files = denied;
-        file_write(folder / "a.wav", std::string{"before"});
+        file_write(folder / "real.wav", std::string{"before"});
+        const auto expect_nothing_happened = [&] {
+            EXPECT_EQ(file_content(name), "before");
+            EXPECT_EQ(folder.nb_files(), 2u) << "the unfinished file stayed";
+        };
         {
-            output_file output{std::filesystem::path{folder / "a.wav"}};
-            audio_file file{output, {}};
-            file.write(samples);
-            EXPECT_EQ(file_content(folder / "a.wav"), "before");
-            EXPECT_EQ(folder.nb_files() == 2, denied || !knows_nameless_files);
+            output_file output{std::filesystem::path{name}};
+            audio_file{output, {}}.write(samples);
+            EXPECT_EQ(file_content(name), "before");
+            EXPECT_EQ(folder.nb_files() == 3, denied || !knows_nameless_files);
         }
-        const auto end_early = [this] {
+        expect_nothing_happened();
+        const auto end_early = [&] {
             interrupt_catch();
-            const output_file output{std::filesystem::path{folder / "a.wav"}};
+            const output_file output{std::filesystem::path{name}};
             std::raise(SIGTERM);
         };
         EXPECT_EXIT(end_early(), testing::KilledBySignal(SIGTERM), "^tindelwax: interrupted");
-        EXPECT_EQ(file_content(folder / "a.wav"), "before");
-        EXPECT_EQ(folder.nb_files(), 1u) << "the unfinished file stayed";
-        write_samples(folder / "a.wav", {});
-        EXPECT_EQ(file_content(folder / "a.wav").substr(0, 4), "RIFF");
-        EXPECT_EQ(folder.nb_files(), 1u);
+        expect_nothing_happened();
+        write_samples(name, {});
+        EXPECT_EQ(file_content(folder / "real.wav").substr(0, 4), "RIFF");
+        EXPECT_TRUE(std::filesystem::is_symlink(name));
+        EXPECT_EQ(folder.nb_files(), 2u);
     }
     denies_nameless_files = false;
-}
-
-TEST_F(AudioFile, ALinkKeepsLeadingToTheFile) {
-    file_write(folder / "real.wav", std::string{"before"});
-    std::filesystem::create_symlink("real.wav", folder / "link.wav");
-    write_samples(folder / "link.wav", {});
-    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.wav"));
-    EXPECT_EQ(file_content(folder / "real.wav").substr(0, 4), "RIFF");
-}
-
-TEST_F(AudioFile, WhatCannotBeWrittenIsToldAtOnceByName) {
-    for (const std::string& name : {folder / "no/such/folder.wav", folder.path.string()}) {
-        try {
-            output_file output{std::filesystem::path{name}};
-            ADD_FAILURE() << name;
-        } catch (const failure& refusal) {
-            EXPECT_NE(std::string{refusal.what()}.find(name), std::string::npos) << refusal.what();
-            EXPECT_EQ(refusal.status, exit_failed);
-        }
-    }
-}
-
-TEST_F(AudioFile, AFullDeviceIsNoticed) {
-    for (const std::size_t nb_samples : {2u, 100000u}) { // less than the stream's buffer, and more
-        std::FILE* p_full = std::fopen("/dev/full", "wb");
-        ASSERT_TRUE(p_full);
-        output_file to_stream{p_full};
-        output_file by_name{std::filesystem::path{"/dev/full"}};
-        for (output_file* p_output : {&to_stream, &by_name}) {
-            audio_file file{*p_output, {}};
-            file.write(std::vector<float>(nb_samples));
-            const int free_before = free_descriptor();
-            EXPECT_THROW(file.finish(), failure) << nb_samples << " samples";
-            EXPECT_EQ(free_descriptor(), free_before) << "the device stayed open";
-        }
-        std::fclose(p_full);
-    }
-}
-
-TEST_F(AudioFile, ABrokenPipeIsNoMatterOfPlace) {
-    std::signal(SIGPIPE, SIG_IGN);
-    std::array<int, 2> ends{};
-    ASSERT_EQ(pipe(ends.data()), 0);
-    close(ends[0]);
-    std::FILE* p_pipe = fdopen(ends[1], "wb");
-    try {
-        output_file output{p_pipe};
-        audio_file{output, {}}.finish();
-        ADD_FAILURE();
-    } catch (const failure& refusal) {
-        EXPECT_EQ(std::string{refusal.what()}.find("-o"), std::string::npos) << refusal.what();
-    }
-    std::fclose(p_pipe);
-}
-
-TEST(AudioFormat, WavFilesEndBelowFourGibibytes) {
-    EXPECT_LT(audio_format_max_frames({}) * 8, std::uint64_t{1} << 32);
-    EXPECT_GT(audio_format_max_frames({.is_flac = true, .nb_bits = 24}), std::uint64_t{1} << 32);
 }
 
 } // namespace

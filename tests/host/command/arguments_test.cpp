@@ -40,16 +40,4 @@ TEST(Arguments, ParameterNames) {
     EXPECT_THROW((void)find_parameter(names, "Vol"), failure);
 }
 
-TEST(Arguments, TheLevelOfNormalizeIsOptional) {
-    using words = std::vector<std::string>;
-    for (auto [given, joined] :
-         {std::pair{words{"--normalize", "-3", "a.mid"}, words{"--normalize=-3", "a.mid"}},
-          {words{"--normalize", "a.mid"}, words{"--normalize=-1.000000", "a.mid"}},
-          {words{"a.mid", "--normalize"}, words{"a.mid", "--normalize=-1.000000"}},
-          {words{"--normalize=-6", "2"}, words{"--normalize=-6", "2"}}}) {
-        join_optional_level(given);
-        EXPECT_EQ(given, joined);
-    }
-}
-
 } // namespace

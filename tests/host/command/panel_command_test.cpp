@@ -88,12 +88,14 @@ TEST_F(PanelCommand, TheDisplayThatItStartedEndsWithIt) {
 }
 
 TEST_F(PanelCommand, EveryFaultGetsOneSentenceAndLeavesNoFile) {
+    std::filesystem::create_symlink("/dev/full", folder / "full.png");
     const std::pair<const char*, complaint> rows[] = {
         {"", {{"panel"}, "", 2, "--output is required"}},
         {"", {{"panel", "-o", "a.jpg"}, "painter", 2, "picture a.jpg must end in .png"}},
         {"", {{"panel", "-o", "./.png"}, "painter", 2, "call it panel.png"}},
         {"", {{"panel", "-o", "a.png", "--scale", "0"}, "painter", 2, "whole number from 1 to 8"}},
         {"", {{"panel", "-o", "a.png", "--set", "Blue=1"}, "painter", 2, "no parameter \"Blue\""}},
+        {"", {{"panel", "-o", "full.png"}, "painter", 1, "cannot write full.png: No space left"}},
         {"", {{"panel", "-o", "no/a.png"}, "painter", 1, "cannot write no/a.png: No such"}},
         {"", {{"panel", "-o", "a.png"}, "no_such_plugin", 2, "is missing"}},
         {"",

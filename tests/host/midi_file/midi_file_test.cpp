@@ -146,16 +146,6 @@ TEST(MidiFile, ManyDamagedTracksGiveFewWarnings) {
     EXPECT_NE(joined(read.warnings).find("more damage"), std::string::npos);
 }
 
-TEST(MidiFile, TempiTellQuartersForTheHost) {
-    const midi_song read = midi_file_read(
-        song(1, 500, {"00 C0 01", "87 68 FF 51 03 0F 42 40 83 74 FF 51 03 03 D0 90"}));
-    ASSERT_EQ(read.tempi.size(), 3u);
-    EXPECT_DOUBLE_EQ(read.tempi[1].quarters, 2);
-    EXPECT_DOUBLE_EQ(read.tempi[1].seconds, 1);
-    EXPECT_DOUBLE_EQ(read.tempi[2].quarters, 3);
-    EXPECT_DOUBLE_EQ(read.tempi[2].seconds, 2);
-}
-
 /// A song with every kind of content, to be damaged.
 bytes rich_song() {
     return song(1, 480,

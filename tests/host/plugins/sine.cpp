@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <sstream>
+#include <string>
 #include <unistd.h>
 
 namespace {
@@ -183,6 +184,12 @@ AEffect* create(audioMasterCallback host) {
     std::puts("EOF"); // instruments do print; it must not get into anybody's audio
     if (host(nullptr, audioMasterVersion, 0, 0, nullptr, 0) < kVstVersion)
         return nullptr;
+    const char* p_fault = std::getenv("TINDELWAX_TEST_FAULT");
+    const std::string fault = p_fault ? p_fault : "";
+    if (fault == "answers null")
+        return nullptr;
+    if (fault == "exits")
+        std::exit(0);
     auto* s = new sine;
     s->host = host;
     if (const char* log_name = std::getenv("TINDELWAX_TEST_LOG"))
@@ -193,15 +200,16 @@ AEffect* create(audioMasterCallback host) {
     }
     if (const char* seed = std::getenv("TINDELWAX_SEED"))
         s->phase = std::atoi(seed);
-    s->effect.magic = kEffectMagic;
+    s->effect.magic = fault == "answers rubbish" ? 0 : kEffectMagic;
     s->effect.dispatcher = dispatch;
     s->effect.setParameter = set_parameter;
     s->effect.getParameter = get_parameter;
     s->effect.processReplacing = process;
-    s->effect.numParams = static_cast<VstInt32>(parameter_names.size());
+    s->effect.numParams =
+        fault == "endless parameters" ? INT32_MAX : static_cast<VstInt32>(parameter_names.size());
     const char* nb_outputs = std::getenv("TINDELWAX_TEST_OUTPUTS");
     s->effect.numOutputs = nb_outputs ? std::atoi(nb_outputs) : 2;
-    s->effect.flags = effFlagsCanReplacing | effFlagsIsSynth;
+    s->effect.flags = fault == "processes nothing" ? 0 : effFlagsCanReplacing | effFlagsIsSynth;
     s->effect.uniqueID = SINE_ID;
     s->effect.version = 1;
     s->effect.object = s;
