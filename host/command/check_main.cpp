@@ -5,7 +5,8 @@
 
 #include <sstream>
 
-int main(int argc, char** argv) {
+// What nobody catches ends it, as it should.
+int main(int argc, char** argv) { // NOLINT(bugprone-exception-escape)
     CLI::App app{"Judges VST 2.4 plug-ins through their binary interface.", "tindelwax-check"};
     check_request request;
     try {

@@ -42,7 +42,8 @@ void event_list::add_sysex(std::span<const std::uint8_t> dump, int frame_offset)
 void event_list::add(VstEvent* event) { pointers_.push_back(event); }
 
 VstEvents* event_list::records() {
-    const std::size_t nb_bytes = offsetof(VstEvents, events) + pointers_.size() * sizeof(VstEvent*);
+    constexpr std::size_t pointer_bytes = sizeof(void*);
+    const std::size_t nb_bytes = offsetof(VstEvents, events) + pointers_.size() * pointer_bytes;
     memory_.resize(nb_bytes / sizeof(VstEvents) + 1);
     VstEvents& list = memory_.front();
     list = {.numEvents = static_cast<VstInt32>(pointers_.size()), .reserved = 0, .events = {}};
