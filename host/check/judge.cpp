@@ -56,21 +56,25 @@ bool is_picked(const row& judged, const std::vector<std::string>& starts) {
            });
 }
 
-/// Loads a file and no more. A plug-in that crashes then is one.
-void expect_plugin(const std::filesystem::path& file, const check_request& request) {
+/// Why the file is no plug-in, and what to do; empty if it is one, though it may crash when it is
+/// loaded.
+std::string flaw_of(const std::filesystem::path& file, const check_request& request) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(file, error))
-        throw failure{exit_misused, file.string() + " is no file; name a plug-in's"};
+        return file.string() + " is no file; name a plug-in's";
     const auto& [crash, told] = judge_isolated(row_of(load_row), file, request);
-    if (crash.empty() && told.result == verdict::failed)
-        throw failure{exit_misused, std::string{told.seen.data()}
-                                        + "; name the file of a VST 2 plug-in for this system"};
+    if (!crash.empty() || told.result != verdict::failed)
+        return {};
+    return std::string{told.seen.data()} + "; name the file of a VST 2 plug-in for this system";
 }
 
-/// Returns whether no row failed.
-bool judge_file(const std::filesystem::path& file, const table& rows, const check_request& request,
-                std::FILE* p_output) {
-    expect_plugin(file, request);
+/// Returns the exit status that it alone would give.
+int judge_file(const std::filesystem::path& file, const table& rows, const check_request& request,
+               std::FILE* p_output) {
+    if (const std::string flaw = flaw_of(file, request); !flaw.empty()) {
+        std::fprintf(stderr, "tindelwax: %s\n", printable(flaw).c_str());
+        return exit_misused;
+    }
     std::fprintf(p_output, "%s\n", printable(file.string()).c_str());
     std::array<int, 5> counts{};
     for (const row& judged : rows) {
@@ -84,7 +88,7 @@ bool judge_file(const std::filesystem::path& file, const table& rows, const chec
     std::fprintf(p_output, "%zu rows: %d ok, %d with a warning, %d FAILED, %d skipped (seed %u)\n",
                  rows.size(), count(verdict::ok), count(verdict::warning), count(verdict::failed),
                  count(verdict::skipped), request.seed);
-    return count(verdict::failed) == 0;
+    return count(verdict::failed) == 0 ? exit_success : exit_failed;
 }
 
 } // namespace
@@ -121,8 +125,8 @@ int check_run(const check_request& request, std::FILE* p_output) {
                          listed.by == demand::hosts ? " (a warning at most)" : "");
         return exit_success;
     }
-    bool all_hold = true;
+    int status = exit_success;
     for (const std::filesystem::path& file : request.files)
-        all_hold = judge_file(file, rows, request, p_output) && all_hold;
-    return all_hold ? exit_success : exit_failed;
+        status = std::max(status, judge_file(file, rows, request, p_output));
+    return status;
 }

@@ -21,5 +21,5 @@ struct check_request {
     std::string shared{};
 };
 
-/// Returns the exit status. Throws a failure where a file is no plug-in.
+/// Returns the exit status: the worst of the files'. Throws a failure of misuse.
 [[nodiscard]] int check_run(const check_request& request, std::FILE* p_output);

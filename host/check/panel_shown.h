@@ -1,5 +1,6 @@
 #pragma once
-/// A plug-in's panel in a host's window. Functions are [ui].
+/// A plug-in's panel in a host's window. Functions are [ui]. The library stays in memory: toolkits
+/// leave threads behind, and how a library goes is judged elsewhere.
 
 #include "check/subject.h"
 #include "platform/editor_window.h"

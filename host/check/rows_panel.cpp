@@ -49,7 +49,7 @@ private:
 
 void size(trial& running) {
     require_display(running);
-    const subject asked(running);
+    const subject asked(running, {}, effect::after_closing::stays_loaded);
     if (!asked.has(effFlagsHasEditor))
         running.skip("it has no panel");
     ERect* p_size = nullptr;

@@ -25,7 +25,8 @@ public:
     using listener = std::function<void(const host_call&)>;
 
     /// Loads and opens it; a listener hears what it asks of its host.
-    explicit subject(trial& running, listener heard_by = {});
+    explicit subject(trial& running, listener heard_by = {},
+                     effect::after_closing library_then = effect::after_closing::is_unloaded);
 
     /// The same, ready to play.
     subject(trial& running, int rate, int block);
