@@ -28,26 +28,30 @@ std::string hex_text(unsigned number) {
 
 /// What a plug-in sets for its own arithmetic it puts back, or all of its host computes otherwise
 /// from then on. That denormals stay off hosts hardly notice, as they switch them off themselves.
+void expect_kept(trial& running, unsigned before, const std::function<void()>& play) {
+    const std::uint16_t x87_before = x87_control_word();
+    _mm_setcsr(before);
+    play();
+    const unsigned after = _mm_getcsr();
+    const std::uint16_t x87_after = x87_control_word();
+    _mm_setcsr(usual);
+    const std::string change = "MXCSR " + hex_text(before) + " becomes " + hex_text(after);
+    running.expect(((after ^ before) & ~(sticky_flags | denormals_off)) == 0, change);
+    running.expect((before & ~after & denormals_off) == 0, change);
+    running.expect(x87_after == x87_before, "the x87 control word " + hex_text(x87_before)
+                                                + " becomes " + hex_text(x87_after));
+    running.prefer((after & denormals_off) == (before & denormals_off),
+                   "it leaves denormals switched off for its host");
+}
+
 void control_registers(trial& running) {
     for (const unsigned before : {usual, usual | 0x2000u, usual | 0x6000u, usual | denormals_off}) {
         subject played(running, usual_rate, usual_block);
         require_outputs(running, played);
         played.strike(middle_note);
         played.make_room(usual_block);
-        const std::uint16_t x87_before = x87_control_word();
-        _mm_setcsr(before);
         for (int i = 0; i < 10; ++i)
-            played.run(usual_block);
-        const unsigned after = _mm_getcsr();
-        const std::uint16_t x87_after = x87_control_word();
-        _mm_setcsr(usual);
-        const std::string change = "MXCSR " + hex_text(before) + " becomes " + hex_text(after);
-        running.expect(((after ^ before) & ~(sticky_flags | denormals_off)) == 0, change);
-        running.expect((before & ~after & denormals_off) == 0, change);
-        running.expect(x87_after == x87_before, "the x87 control word " + hex_text(x87_before)
-                                                    + " becomes " + hex_text(x87_after));
-        running.prefer((after & denormals_off) == (before & denormals_off),
-                       "it leaves denormals switched off for its host");
+            expect_kept(running, before, [&played] { played.run(usual_block); });
     }
 }
 

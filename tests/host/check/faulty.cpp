@@ -1,0 +1,182 @@
+// An instrument without faults but for the one that FAULT names.
+
+#include "vst/interface.h"
+
+#include <cmath>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <mutex>
+#include <sys/mman.h>
+#include <unistd.h>
+#include <xmmintrin.h>
+
+namespace {
+
+enum faults {
+    none,
+    crash,
+    hang,
+    no_number,
+    subnormals,
+    text_without_zero,
+    text_beyond,
+    shared_state,
+    allocation,
+    lock,
+    leak,
+    mapped_leak,
+    control_register,
+    gestures,
+    null_outputs,
+    long_blocks
+};
+
+struct instrument {
+    AEffect effect{};
+    audioMasterCallback host = nullptr;
+    float value = 0.5f;
+    float rate = 44100;
+    VstIntPtr announced = 0;
+    bool is_held = false;
+    float phase = 0;
+};
+
+float shared_phase = 0;
+std::mutex process_lock;
+
+instrument& self(AEffect* effect) { return *static_cast<instrument*>(effect->object); }
+
+VstIntPtr write(void* ptr, std::size_t nb_bytes, char letter, bool ends = true) {
+    std::memset(ptr, letter, nb_bytes);
+    if (ends)
+        static_cast<char*>(ptr)[nb_bytes - 1] = 0;
+    return 1;
+}
+
+void receive(instrument& played, const VstEvents& events) {
+    for (VstInt32 i = 0; i < events.numEvents; ++i) {
+        const VstEvent* event = events.events[i];
+        if (event && event->type == kVstMidiType) {
+            const int kind = reinterpret_cast<const VstMidiEvent*>(event)->midiData[0] & 0xF0;
+            if (kind == 0x80 || kind == 0x90)
+                played.is_held = kind == 0x90;
+        }
+    }
+}
+
+VstIntPtr edit(instrument& edited) {
+    if (FAULT == gestures)
+        edited.host(&edited.effect, audioMasterBeginEdit, 0, 0, nullptr, 0);
+    return 1;
+}
+
+VstIntPtr VSTCALLBACK dispatch(AEffect* effect, VstInt32 opcode, VstInt32, VstIntPtr value,
+                               void* ptr, float opt) {
+    static ERect size{0, 0, 46, 46};
+    instrument& asked = self(effect);
+    switch (opcode) {
+    case effClose:
+        delete &asked;
+        return 1;
+    case effSetSampleRate:
+        asked.rate = opt;
+        return 0;
+    case effSetBlockSize:
+        asked.announced = value;
+        return 0;
+    case effProcessEvents:
+        if (ptr)
+            receive(asked, *static_cast<const VstEvents*>(ptr));
+        return 1;
+    case effGetEffectName:
+        return ptr ? write(ptr, 32, 'e', FAULT != text_without_zero) : 0;
+    case effGetProductString:
+        while (FAULT == hang && ptr)
+            pause();
+        return ptr ? write(ptr, 9, 'p') : 0;
+    case effGetVendorString:
+        if (FAULT == crash && ptr)
+            std::raise(SIGSEGV);
+        return ptr ? write(ptr, FAULT == text_beyond ? 65 : 64, 'v') : 0;
+    case effGetPlugCategory:
+        return kPlugCategSynth;
+    case effGetVstVersion:
+        return kVstVersion;
+    case effCanDo:
+        return ptr && std::strcmp(static_cast<const char*>(ptr), "receiveVstMidiEvent") == 0;
+    case effEditGetRect:
+        if (ptr)
+            *static_cast<ERect**>(ptr) = &size;
+        return 1;
+    case effEditOpen:
+        return 1;
+    case effEditIdle:
+        return edit(asked);
+    default:
+        return 0;
+    }
+}
+
+void VSTCALLBACK set(AEffect* effect, VstInt32, float value) {
+    if (value >= 0 && value <= 1)
+        self(effect).value = value;
+}
+
+float VSTCALLBACK get(AEffect* effect, VstInt32) { return self(effect).value; }
+
+void misbehave(const instrument& played, VstInt32 nb_frames) {
+    if (FAULT == allocation) {
+        void* volatile memory = std::malloc(512); // volatile, or the compiler leaves both out
+        std::free(memory);
+    }
+    if (FAULT == lock)
+        const std::scoped_lock held(process_lock);
+    if (FAULT == control_register)
+        _mm_setcsr(_mm_getcsr() | 0x2000);
+    if (FAULT == long_blocks && nb_frames > played.announced)
+        std::raise(SIGSEGV);
+}
+
+void VSTCALLBACK process(AEffect* effect, float**, float** outputs, VstInt32 nb_frames) {
+    instrument& played = self(effect);
+    misbehave(played, nb_frames);
+    float& phase = FAULT == shared_state ? shared_phase : played.phase;
+    for (VstInt32 i = 0; i < nb_frames; ++i) {
+        phase = std::fmod(phase + 440 / played.rate, 1.0f);
+        float sample = played.is_held ? phase - 0.5f : 0;
+        if (FAULT == subnormals && !played.is_held)
+            sample = std::numeric_limits<float>::denorm_min();
+        if (FAULT == no_number && played.rate == 88200)
+            sample = std::numeric_limits<float>::quiet_NaN();
+        for (int output = 0; output < 2; ++output)
+            if (outputs[output] || FAULT == null_outputs)
+                outputs[output][i] = sample;
+    }
+}
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) AEffect* VSTCALLBACK
+VSTPluginMain(audioMasterCallback host) {
+    instrument* volatile made = new instrument; // volatile, or the lost one is never made
+    if (FAULT == leak)
+        made = new instrument;
+    if (FAULT == mapped_leak)
+        std::memset(mmap(nullptr, 8192, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0),
+                    1, 8192);
+    made->host = host;
+    AEffect& effect = made->effect;
+    effect.magic = kEffectMagic;
+    effect.dispatcher = dispatch;
+    effect.setParameter = set;
+    effect.getParameter = get;
+    effect.processReplacing = process;
+    effect.numParams = 1;
+    effect.numOutputs = 2;
+    effect.flags = effFlagsCanReplacing | effFlagsIsSynth | effFlagsHasEditor;
+    effect.uniqueID = 0x46617574;
+    effect.object = made;
+    return &effect;
+}
