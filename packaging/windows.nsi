@@ -42,7 +42,9 @@ Function ${un}remove
     ${EndIf}
 
     ClearErrors
+    Delete "$0\Tindelwax\win32\tindelwax-check.exe"
     Delete "$0\Tindelwax\win32\tindelwax.dll"
+    Delete "$0\Tindelwax\win64\tindelwax-check.exe"
     Delete "$0\Tindelwax\win64\tindelwax.dll"
     ${If} ${Errors}
         !insertmacro give_up "Tindelwax is in use. Close your host, then run this again."
