@@ -29,6 +29,10 @@ struct fault_case {
     std::string row{}; ///< the start of those that notice it, and of no others
 };
 
+std::ostream& operator<<(std::ostream& stream, const fault_case& shown) {
+    return stream << shown.name;
+}
+
 struct Faults : testing::TestWithParam<fault_case> {};
 
 TEST_P(Faults, AreNoticedByTheirRowsAlone) {
