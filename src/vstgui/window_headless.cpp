@@ -5,14 +5,18 @@
 
 namespace {
 
+/// A panel may open while the one before it is still closing.
 class HeadlessWindow final : public PlatformWindow {
 public:
     HeadlessWindow(headless_parent& host, const CDrawContext& shown,
                    PlatformWindowListener& listener)
-        : parent(host), picture(shown) {
-        parent.listener = &listener;
+        : parent(host), picture(shown), told(&listener) {
+        parent.listener = told;
     }
-    ~HeadlessWindow() override { parent.listener = nullptr; }
+    ~HeadlessWindow() override {
+        if (parent.listener == told)
+            parent.listener = nullptr;
+    }
 
     void put(const CRect& area) override {
         parent.puts.push_back(area);
@@ -25,13 +29,14 @@ public:
     }
 
     void handleEvents() override {
-        if (parent.at_events)
-            parent.at_events();
+        if (const auto happens = parent.at_events) // which may change what happens next
+            happens();
     }
 
 private:
     headless_parent& parent;
     const CDrawContext& picture;
+    PlatformWindowListener* told;
 };
 
 } // namespace

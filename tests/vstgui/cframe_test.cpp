@@ -1,77 +1,61 @@
-#include "tests/vstgui/panel_fixture.h"
+#include "tests/vst/editor/panel_test.h"
+#include "vst/aeffeditor.h"
 
 namespace {
 
 using Frame = PanelTest;
 
-bool operator==(const CRect& a, const CRect& b) {
-    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
-}
-
 TEST_F(Frame, IdleShowsWhatChangedAndNothingElse) {
-    editor.idle();
-    ASSERT_EQ(host.puts.size(), 1u);
-    EXPECT_TRUE(host.puts[0] == (CRect{0, 0, 480, 400}));
-    editor.idle();
-    EXPECT_EQ(host.puts.size(), 1u);
-    editor.controls[display_tag]->setValue(1);
-    editor.controls[knob_tag]->setValue(0);
-    editor.idle();
-    ASSERT_EQ(host.puts.size(), 2u);
-    EXPECT_TRUE(host.puts[1] == editor.controls[display_tag]->getViewSize());
-}
-
-TEST_F(Frame, LaterViewsLieOverEarlierOnes) {
-    const CReference<CBitmap> over = CReference<CBitmap>::make(156);
-    CDrawContext alone(480, 400);
-    over->draw(alone, {256, 100, 313, 228});
-    editor.controls[left_tag]->setValue(1); // the earlier one is redrawn alone
-    editor.idle();
-    for (int y = 100; y < 228; ++y)
-        ASSERT_EQ(host.screen.row(y)[256], alone.row(y)[256]) << "row " << y;
-    press({256, 110});
-    EXPECT_EQ(editor.controls[right_tag]->getValue(), 1);
-}
-
-TEST_F(Frame, AnUncoveredAreaIsShownAgain) {
-    editor.idle();
-    const auto before = host.screen.row(120)[110];
-    host.screen.row(120)[110] = ~before;
-    host.listener->onExpose({105, 115, 120, 125});
-    EXPECT_EQ(host.screen.row(120)[110], before);
-}
-
-TEST_F(Frame, AWindowThatCannotBeShownOpensNothing) {
-    editor.close();
-    host.refuses = true;
-    EXPECT_FALSE(editor.open(&host));
-    EXPECT_FALSE(editor.isOpen());
-    editor.idle();
-    editor.close();
+    host.idle();
+    EXPECT_EQ(window.puts.size(), 0u);
+    host.set(volume, 0.9f);
+    host.set(7, host.get(7));
+    host.idle();
+    ASSERT_EQ(window.puts.size(), 1u);
+    const CRect put = window.puts[0];
+    EXPECT_EQ((std::array{put.left, put.top, put.right, put.bottom}),
+              (std::array{341, 274, 393, 325}));
+    window.screen.row(300)[350] ^= 1;
+    window.listener->onExpose({345, 295, 355, 305});
+    EXPECT_EQ(differs(), "") << "what was uncovered";
 }
 
 TEST_F(Frame, EveryBeginHasItsEnd) {
-    press({126, 125});
-    host.listener->onMouseLost();
-    EXPECT_EQ(told(), "begin(0) end(0)");
-    move({126, 25});
-    EXPECT_EQ(told(), "") << "a lost mouse turns nothing";
-    press({126, 125});
-    press({360, 110}); // whose release never came
-    EXPECT_EQ(told(), "begin(0) end(0) begin(3) change(3, 1)");
-    editor.close();
-    EXPECT_EQ(told(), "change(3, 0) end(3)");
+    const CPoint knob = control_places[volume];
+    press(knob);
+    window.listener->onMouseLost();
+    move({knob.x, 20});
+    EXPECT_EQ(host.told(), "b6 e6") << "a lost mouse turns nothing";
+    press(knob);       // whose release never comes
+    press({240, 176}); // of two switches there, the later one
+    EXPECT_EQ(host.told(), "b6 e6 b1 i s1 e1");
+    press(knob);
+    host.close();
+    EXPECT_EQ(host.told(), "b6 e6");
+    EXPECT_EQ(window.listener, nullptr) << "its window stays";
 }
 
-// The host may close the panel, and open it again, whenever it is told something.
-TEST_F(Frame, AnIdleWithinIdleLeavesTheWindowAlone) {
-    int nb_turns = 0;
-    host.at_events = [&] {
-        ++nb_turns;
-        editor.idle();
-    };
-    editor.idle();
-    EXPECT_EQ(nb_turns, 1);
+TEST_F(Frame, OnlyTheLeftButtonPlays) {
+    for (const CPoint place : {control_places[volume], control_places[flute], panic_place})
+        for (const int button : {+kMButton, +kRButton}) {
+            press(place, button);
+            move({0, 0});
+            release({0, 0}, button);
+        }
+    EXPECT_EQ(host.told(), "");
+}
+
+TEST_F(Frame, TheWheelIsForTheKnobUnderThePointerUnlessOneIsHeld) {
+    AEffEditor& editor = *host.plugin->getEditor();
+    move(learn_place);
+    EXPECT_FALSE(editor.onWheel(1));
+    move(control_places[volume]);
+    EXPECT_TRUE(editor.onWheel(2));
+    EXPECT_EQ(host.told(), "b6 s6 e6");
+    EXPECT_NEAR(host.get(volume), 0.52f, 1e-6f);
+    press(control_places[volume]);
+    EXPECT_TRUE(editor.onWheel(1)) << "a wheel in a drag reaches the host";
+    EXPECT_EQ(host.told(), "b6");
 }
 
 } // namespace

@@ -7,45 +7,30 @@ namespace {
 
 volatile std::sig_atomic_t nb_signals = 0;
 
-struct SigpipeGuardTest : testing::Test {
-    SigpipeGuardTest() {
-        nb_signals = 0;
-        std::signal(SIGPIPE, [](int) { nb_signals = nb_signals + 1; });
-        EXPECT_EQ(pipe(ends), 0);
-        close(ends[0]);
-    }
-    ~SigpipeGuardTest() override {
-        close(ends[1]);
-        std::signal(SIGPIPE, SIG_DFL);
-    }
-
-    void writeToNobody() const { EXPECT_EQ(write(ends[1], "x", 1), -1); }
-
+TEST(SigpipeGuardTest, HidesWhatIsRaisedUnderItAndNothingElse) {
     int ends[2] = {};
-};
-
-TEST_F(SigpipeGuardTest, WhatIsRaisedUnderItIsNeverDelivered) {
+    ASSERT_EQ(pipe(ends), 0);
+    close(ends[0]);
+    const auto write_to_nobody = [&] { EXPECT_EQ(write(ends[1], "x", 1), -1); };
+    std::signal(SIGPIPE, [](int) { nb_signals = nb_signals + 1; });
     {
         const SigpipeGuard guard;
-        writeToNobody();
+        write_to_nobody();
     }
     EXPECT_EQ(nb_signals, 0);
-    writeToNobody();
+    write_to_nobody();
     EXPECT_EQ(nb_signals, 1) << "afterwards all is as before";
-}
 
-TEST_F(SigpipeGuardTest, WhatStoodBeforeStillStands) {
     sigset_t pipe_signal, before;
     sigemptyset(&pipe_signal);
     sigaddset(&pipe_signal, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &pipe_signal, &before);
-    writeToNobody();
-    {
-        const SigpipeGuard guard;
-        writeToNobody();
-    }
+    write_to_nobody();
+    { const SigpipeGuard guard; }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    EXPECT_EQ(nb_signals, 1);
+    EXPECT_EQ(nb_signals, 2) << "one that stood before is taken";
+    close(ends[1]);
+    std::signal(SIGPIPE, SIG_DFL);
 }
 
 } // namespace

@@ -1,218 +1,189 @@
 #include "platform/file_dialog/file_dialog_headless.h"
-#include "tests/panel_picture/panel_picture.h"
 #include "tests/temporary_folder.h"
-#include "tests/vst/editor/panel_host.h"
-#include "vst/editor/aeffguieditor.h"
+#include "tests/vst/editor/panel_test.h"
 #include "vst/editor/tags.h"
-#include "vstgui/window_headless.h"
+#include "vstgui/cframeowner.h"
 
-#include <gtest/gtest.h>
-#include <utility>
+#include <algorithm>
 
 namespace {
 
-constexpr CPoint volume_knob = control_places[6], flute_switch = control_places[0];
-
-struct EditorTest : testing::Test {
-    explicit EditorTest(VstInt32 nbPrograms = 0) : host(nbPrograms) {}
-
-    void press(CPoint where) { window.listener->onMouseDown(where, kLButton); }
-    void release(CPoint where) { window.listener->onMouseUp(where, kLButton); }
-    void click(CPoint where) {
-        press(where);
-        release(where);
-    }
-
-    [[nodiscard]] int learning() const { return host.p_control->p_control_update->midi_learning; }
-
-    /// The panel's picture for the parameters as they are.
-    [[nodiscard]] std::string differs() {
-        panel_state state{};
-        for (std::size_t i = 0; i < state.values.size(); ++i)
-            state.values[i] = host.plugin->getParameter(static_cast<VstInt32>(i));
-        return first_difference(window.screen, panel_picture(state));
-    }
-
-    panel_host host;
-    headless_parent window{};
-};
+using EditorTest = PanelTest;
 
 TEST_F(EditorTest, AClickCountsThoughTheHostIdlesInIt) {
-    // What was set before waits for an idle turn.
     host.at[audioMasterIdle] = [this] { host.idle(); };
-    ASSERT_TRUE(host.open(&window));
-    host.plugin->setParameter(0, 1.0f);
-    click(flute_switch);
-    EXPECT_EQ(host.plugin->getParameter(0), 0.0f);
-    click(flute_switch);
-    EXPECT_EQ(host.plugin->getParameter(0), 1.0f);
+    host.set(flute, 1); // waits for an idle turn
+    click(control_places[flute]);
+    EXPECT_EQ(host.get(flute), 0);
+    int nb_turns = 0;
+    window.at_events = [&] {
+        ++nb_turns;
+        host.idle();
+        click(control_places[flute]);
+    };
+    host.idle();
+    EXPECT_EQ(nb_turns, 1);
+    EXPECT_EQ(host.get(flute), 1);
 }
 
-TEST_F(EditorTest, EachOpeningTurnsKnobsInCirclesAgain) {
-    const auto drag_up = [&] {
-        host.plugin->setParameter(6, 0.5f);
-        host.idle();
-        press({377, 299});
-        window.listener->onMouseMoved({377, 199}, 0);
-        release({377, 199});
-        return host.plugin->getParameter(6);
-    };
-    ASSERT_TRUE(host.open(&window));
-    EXPECT_EQ(host.ask(effSetEditKnobMode, 0, 2), 1);
-    EXPECT_EQ(drag_up(), 1.0f);
+TEST_F(EditorTest, OpensWithWhatTheParametersAre) {
+    host.set(8, 1.5f);
+    host.idle();
+    host.set(8, 1); // which is what more than 1 looks like
+    EXPECT_EQ(differs(), "");
     host.close();
-    ASSERT_TRUE(host.open(&window));
-    EXPECT_LT(drag_up(), 0.5f);
+    host.set(volume, 0.9f);
+    EXPECT_TRUE(host.open(&window));
+    host.idle();
+    EXPECT_EQ(differs(), "");
 }
 
 TEST_F(EditorTest, LearnStillArmedAtReopeningIsDisarmedByTheFirstClick) {
-    ASSERT_TRUE(host.open(&window));
+    const auto& learning = host.p_control->p_control_update->midi_learning;
     click(learn_place);
+    host.open(&window);
+    host.idle();
+    EXPECT_EQ(differs(), "");
+    EXPECT_EQ(learning, 1);
+    click(learn_place);
+    EXPECT_EQ(learning, 0);
+    host.idle(); // sees it
+    host.idle(); // shows it
+    EXPECT_EQ(differs(), "");
     host.close();
-    ASSERT_TRUE(host.open(&window));
-    host.idle();
-    EXPECT_EQ(differs(), "");
-    click(learn_place);
-    EXPECT_EQ(learning(), 0);
-    host.idle();
-    host.idle();
-    EXPECT_EQ(differs(), "");
+    host.set(MIDI_LEARN_TAG, 1);
+    EXPECT_EQ(learning, 0) << "an action without its panel";
 }
 
 TEST_F(EditorTest, ThePanelGoesOnDuringTheSystemsDialogAndAsksOnce) {
-    ASSERT_TRUE(host.open(&window));
-    host.idle();
-    host.plugin->setParameter(6, 1.0f);
     headless_user::requests.clear();
-    host.at[audioMasterIdle] = [&] { host.plugin->setParameter(MENU_TAG, BANK_SAVE_TAG); };
-    host.plugin->setParameter(MENU_TAG, BANK_LOAD_TAG);
-    EXPECT_EQ(headless_user::requests.size(), 1u);
+    host.set(volume, 1);
+    host.at[audioMasterIdle] = [&] { host.set(MENU_TAG, BANK_SAVE_TAG); };
+    host.set(MENU_TAG, BANK_LOAD_TAG);
+    ASSERT_EQ(headless_user::requests.size(), 1u);
+    const file_request& request = headless_user::requests[0];
+    EXPECT_EQ(request.title + request.folder + request.kinds.at(0).name
+                  + request.kinds.at(0).extension,
+              "Load bank ... ./Bankfxb");
     EXPECT_EQ(differs(), "");
 }
 
-TEST(EditorClosing, TheHostMayCloseTheEffectInAnyTurnItGets) {
-    using hand = void (*)(panel_host&, headless_parent&);
-    const hand press_knob = [](panel_host&, headless_parent& window) {
-        window.listener->onMouseDown(volume_knob, kLButton);
-    };
-    const hand turn_knob = [](panel_host&, headless_parent& window) {
-        window.listener->onMouseWheel(volume_knob, 1, 0);
-    };
-    const hand press_twice = [](panel_host&, headless_parent& window) { // the release is lost
-        for (const int keys : {0, static_cast<int>(kShift)})
-            window.listener->onMouseDown(volume_knob, kLButton | keys);
-    };
-    const hand close_in_a_drag = [](panel_host& host, headless_parent& window) {
-        window.listener->onMouseDown(volume_knob, kLButton);
-        host.close();
-    };
-    const hand press_switch = [](panel_host&, headless_parent& window) {
-        window.listener->onMouseDown(flute_switch, kLButton);
-    };
-    const hand ask_for_file = [](panel_host& host, headless_parent&) {
-        host.plugin->setParameter(MENU_TAG, BANK_LOAD_TAG);
-    };
+/// What a user does to the panel; the host may take any turn that it gets in it for its own ends.
+using hand = void (*)(panel_host&, headless_parent&);
+
+void press_at(const headless_parent& window, CPoint where, int keys = 0) {
+    window.listener->onMouseDown(where, kLButton | keys);
+}
+void turn_knob(panel_host&, headless_parent& window) {
+    window.listener->onMouseWheel(control_places[volume], 1, 0);
+}
+void drag_knob(panel_host&, headless_parent& window) {
+    press_at(window, control_places[volume]);
+    if (window.listener)
+        window.listener->onMouseMoved({750, 320}, 0);
+}
+void press_knob_twice(panel_host&, headless_parent& window) { // the release is lost
+    press_at(window, control_places[volume]);
+    press_at(window, control_places[volume], kShift);
+}
+void close_in_a_drag(panel_host& host, headless_parent& window) {
+    press_at(window, control_places[volume]);
+    host.close();
+}
+void press_switch(panel_host&, headless_parent& window) { press_at(window, control_places[flute]); }
+void ask_for_file(panel_host& host, headless_parent&) { host.set(MENU_TAG, BANK_LOAD_TAG); }
+
+TEST(EditorClosing, TheHostMayCloseEffectOrPanelInAnyTurnItGets) {
     struct row {
         const char* when;
         VstInt32 turn;
         hand use;
     };
-    for (const row& r : {row{"a knob is taken", audioMasterBeginEdit, press_knob},
-                         {"a knob is turned", audioMasterAutomate, turn_knob},
+    enum what { ends, closes, reopens };
+    for (const row& r : {row{"a knob is taken", audioMasterBeginEdit, drag_knob},
+                         {"a knob is turned by the wheel", audioMasterAutomate, turn_knob},
                          {"a knob is let go", audioMasterEndEdit, turn_knob},
-                         {"a lost knob is let go", audioMasterEndEdit, press_twice},
+                         {"a lost knob is let go", audioMasterEndEdit, press_knob_twice},
                          {"the panel is closed", audioMasterEndEdit, close_in_a_drag},
+                         {"a knob shows itself", audioMasterIdle, drag_knob},
                          {"a switch is pressed", audioMasterBeginEdit, press_switch},
                          {"a switch shows itself", audioMasterIdle, press_switch},
                          {"a switch is set", audioMasterAutomate, press_switch},
                          {"the system asks for a file", audioMasterIdle, ask_for_file},
                          {"the host asks for a file", audioMasterOpenFileSelector, ask_for_file},
                          {"the host has asked", audioMasterCloseFileSelector, ask_for_file}})
-        for (const char* where : {"outside of idle", "in idle", "while a file is asked for"}) {
-            SCOPED_TRACE(std::string(r.when) + " " + where);
-            panel_host host;
-            headless_parent window;
-            host.chosen = headless_user::chosen_path = "/nowhere/at all";
-            host.has_file_selector =
-                r.turn == audioMasterOpenFileSelector || r.turn == audioMasterCloseFileSelector;
-            ASSERT_TRUE(host.open(&window));
-            host.ask(effSetEditKnobMode, 0, kCircularMode); // turns it as it is taken
-            host.at[r.turn] = [&] { host.end(); };
-            if (where[0] != 'o')
-                window.at_events = [&] { r.use(host, window); };
-            if (where[0] == 'i')
-                host.idle();
-            else if (where[0] == 'o')
-                r.use(host, window);
-            else
-                ask_for_file(host, window);
-            EXPECT_EQ(host.plugin, nullptr);
-            EXPECT_EQ(window.listener, nullptr) << "its window stays";
-        }
+        for (const char* where : {"outside of idle", "in idle", "while a file is asked for"})
+            for (const what done : {ends, closes, reopens}) {
+                SCOPED_TRACE(std::string(r.when) + " " + where + ": " + std::to_string(done));
+                headless_parent window;
+                panel_host host;
+                host.chosen = headless_user::chosen_path = "/nowhere/at all";
+                host.has_file_selector =
+                    r.turn == audioMasterOpenFileSelector || r.turn == audioMasterCloseFileSelector;
+                ASSERT_TRUE(host.open(&window));
+                host.ask(effSetEditKnobMode, kCircularMode); // turns it as it is taken
+                host.at[r.turn] = [&] {
+                    host.at = {};
+                    done == ends ? host.end() : host.close();
+                    ASSERT_TRUE(done != reopens || host.open(&window));
+                };
+                const auto use_once = [&] {
+                    window.at_events = {};
+                    r.use(host, window);
+                };
+                if (where[0] == 'o') {
+                    use_once();
+                } else {
+                    window.at_events = [use_once] { use_once(); };
+                    where[0] == 'i' ? host.idle() : ask_for_file(host, window);
+                }
+                EXPECT_EQ(host.plugin == nullptr, done == ends);
+                EXPECT_EQ(window.listener != nullptr, done == reopens) << "its window";
+                EXPECT_TRUE(r.use != press_switch || done == ends || host.get(flute) == 0);
+                if (done == ends) // nobody is left to be told of a gesture's end
+                    continue;
+                host.close();
+                EXPECT_EQ(std::ranges::count(host.calls, 'b'), std::ranges::count(host.calls, 'e'))
+                    << host.calls;
+            }
 }
 
-TEST_F(EditorTest, APanelClosedWhileASwitchShowsItselfStillSetsIt) {
-    ASSERT_TRUE(host.open(&window));
-    host.at[audioMasterIdle] = [this] { host.close(); };
-    press(flute_switch);
-    EXPECT_EQ(host.plugin->getParameter(0), 0.0f);
-    EXPECT_EQ(host.gestures.size(), 3u);
-    EXPECT_EQ(window.listener, nullptr);
-}
+struct EditorWithPrograms : PanelTest {
+    EditorWithPrograms() : PanelTest(4) {}
 
-TEST_F(EditorTest, APanelClosedWhileALostKnobIsLetGoTakesNoOther) {
-    ASSERT_TRUE(host.open(&window));
-    press(volume_knob);
-    host.at[audioMasterEndEdit] = [this] { host.close(); };
-    press(volume_knob);
-    EXPECT_EQ(host.gestures.size(), 2u);
-}
-
-TEST_F(EditorTest, TheEffectMayGoWithItsPanelOpenAndAKnobInHand) {
-    ASSERT_TRUE(host.open(&window));
-    press(volume_knob);
-    host.end();
-    EXPECT_EQ(window.listener, nullptr);
-    EXPECT_EQ(host.gestures.back(), (panel_host::gesture{audioMasterEndEdit, 6, 0}));
-}
-
-struct EditorWithPrograms : EditorTest {
-    EditorWithPrograms() : EditorTest(4) {
-        host.has_file_selector = true;
-        host.chosen = folder / "patch.fxp";
-        EXPECT_TRUE(host.open(&window));
-    }
-
-    void act(MenuAction action) { host.plugin->setParameter(MENU_TAG, static_cast<float>(action)); }
-
-    temporary_folder folder{};
+    void act(MenuAction action) const { host.set(MENU_TAG, static_cast<float>(action)); }
 };
 
 TEST_F(EditorWithPrograms, TheValueIsTheProgramsNumber) {
-    struct row {
-        float value;
-        VstInt32 program;
-    };
-    for (const row r : {row{3.9f, 3}, {4, 3}, {1e30f, 3}, {1, 1}, {0, 0}}) {
-        host.plugin->setParameter(PROGRAM_TAG, r.value);
-        EXPECT_EQ(host.plugin->getProgram(), r.program) << r.value;
+    for (const auto& [value, program] : {std::pair{3.9f, 3}, {4, 3}, {1e30f, 3}, {1, 1}, {0, 0}}) {
+        host.set(PROGRAM_TAG, value);
+        EXPECT_EQ(host.plugin->getProgram(), program) << value;
     }
 }
 
 TEST_F(EditorWithPrograms, StoredSavedAndLoadedProgramsShowOnThePanel) {
-    host.plugin->setParameter(6, 0.25f);
-    act(PATCH_STORE_CURRENT);
-    act(PATCH_SAVE_TAG);
-    host.plugin->setParameter(PROGRAM_TAG, 2);
-    host.idle();
-    EXPECT_EQ(host.plugin->getParameter(6), 0.5f);
-    act(PATCH_LOAD_TAG);
-    EXPECT_EQ(host.plugin->getParameter(6), 0.25f);
-    host.idle();
-    EXPECT_EQ(differs(), "");
+    const temporary_folder folder;
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path);
+    host.chosen = headless_user::chosen_path = "p"; // no shorter answer is one
+    for (const bool by_host : {false, true}) {
+        host.has_file_selector = by_host;
+        host.set(PROGRAM_TAG, 0);
+        host.set(volume, by_host ? 0.25f : 0.75f);
+        act(PATCH_STORE_CURRENT);
+        act(PATCH_SAVE_TAG);
+        host.set(PROGRAM_TAG, 2);
+        host.idle();
+        act(PATCH_LOAD_TAG);
+        EXPECT_EQ(host.get(volume), by_host ? 0.25f : 0.75f);
+        host.idle();
+        EXPECT_EQ(differs(), "");
+        EXPECT_EQ(host.nb_requests, by_host ? 2 : 0);
+    }
     act(BANK_SAVE_TAG);
     act(BANK_LOAD_TAG);
-    EXPECT_EQ(host.plugin->getParameter(6), 0.25f);
+    EXPECT_EQ(host.get(volume), 0.25f);
+    std::filesystem::current_path(before);
 }
 
 } // namespace

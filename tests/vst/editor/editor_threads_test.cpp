@@ -1,4 +1,3 @@
-#include "tests/panel_picture/panel_picture.h"
 #include "tests/vst/editor/panel_host.h"
 #include "vst/editor/tags.h"
 #include "vstgui/window_headless.h"
@@ -22,8 +21,8 @@ void play_with_a_panel() {
         std::vector<float> left(64), right(64);
         float* outputs[] = {right.data(), left.data()};
         for (int block = 0; !done; ++block) {
-            host.sendMidi(0xB0, 80 + block % 9, block % 128);
-            host.sendMidi(block % 2 == 0 ? 0x90 : 0x80, 48 + block % 49, 100);
+            send(*host.plugin, {{0, {0xB0, 80 + block % 9, block % 128}}});
+            send(*host.plugin, {{0, {block % 2 == 0 ? 0x90 : 0x80, 48 + block % 49, 100}}});
             host.plugin->setParameter(block % 10, 0.5f);
             host.plugin->processReplacing(nullptr, outputs, 64);
         }

@@ -1,24 +1,17 @@
 #pragma once
 /// A host of one instrument, which writes down what the panel tells it and answers as it is told.
 
+#include "tests/panel_picture/panel_picture.h"
 #include "tests/vst/playing.h"
 
 #include <functional>
 #include <map>
 #include <string>
 #include <utility>
-#include <vector>
 
 struct panel_host {
-    struct gesture {
-        VstInt32 opcode; ///< audioMasterBeginEdit, audioMasterAutomate or audioMasterEndEdit
-        VstInt32 index;
-        float value;
-        bool operator==(const gesture&) const = default;
-    };
-
     explicit panel_host(VstInt32 nbPrograms = 0) {
-        engine = korvel_create("Tindelwax");
+        organ* engine = korvel_create("Tindelwax");
         p_control = engine->p_control;
         plugin = new Organ(callback, nbPrograms, 10, engine);
         record = plugin->getAeffect();
@@ -31,58 +24,61 @@ struct panel_host {
             record->dispatcher(record, effClose, 0, 0, nullptr, 0);
     }
 
-    VstIntPtr ask(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
-                  float opt = 0) {
-        return record->dispatcher(record, opcode, index, value, ptr, opt);
+    VstIntPtr ask(VstInt32 opcode, VstIntPtr value = 0, void* ptr = nullptr) const {
+        return record->dispatcher(record, opcode, 0, value, ptr, 0);
     }
-    bool open(void* parent) { return ask(effEditOpen, 0, 0, parent) != 0; }
-    void close() { ask(effEditClose); }
-    void idle() { ask(effEditIdle); }
+    bool open(void* parent) const { return ask(effEditOpen, 0, parent) != 0; }
+    void close() const { ask(effEditClose); }
+    void idle() const { ask(effEditIdle); }
+    void set(VstInt32 index, float value) const { record->setParameter(record, index, value); }
+    float get(VstInt32 index) const { return record->getParameter(record, index); }
 
-    void sendMidi(int status, int data1, int data2) {
-        send(*plugin, {{0, {status, data1, data2}}});
+    /// What it was told since the last time, with the control's tag: "b6 s6 i e6" begins and ends a
+    /// gesture in which parameter 6 was set and the host got a turn.
+    std::string told() { return std::exchange(calls, ""); }
+
+    /// What the panel shows of the parameters as they are.
+    [[nodiscard]] CDrawContext picture() const {
+        panel_state state{};
+        for (std::size_t i = 0; i < state.values.size(); ++i)
+            state.values[i] = get(static_cast<VstInt32>(i));
+        return panel_picture(state);
     }
 
     Organ* plugin; ///< null once it has ended
     AEffect* record;
-    organ* engine; ///< the plug-in's, and its registry
-    control* p_control;
-    std::vector<gesture> gestures{};
+    control* p_control;                             ///< the plug-in's
     std::map<VstInt32, std::function<void()>> at{}; ///< what the host does when asked that
     bool has_file_selector = false;
     std::string chosen{}; ///< what its file selector answers; empty: cancelled
     int nb_requests = 0;  ///< to its file selector
+    std::string calls{};
 
 private:
     static VstIntPtr VSTCALLBACK callback(AEffect* effect, VstInt32 opcode, VstInt32 index,
-                                          VstIntPtr, void* ptr, float value) {
+                                          VstIntPtr, void* ptr, float) {
         auto* self = static_cast<panel_host*>(effect->user);
-        if (!self)
-            return 0;
-        if (self->at.contains(opcode))
-            self->at[opcode]();
-        return self->answer(opcode, index, ptr, value);
+        return self ? self->answer(opcode, index, ptr) : 0;
     }
 
-    VstIntPtr answer(VstInt32 opcode, VstInt32 index, void* ptr, float value) {
-        switch (opcode) {
-        case audioMasterBeginEdit:
-        case audioMasterAutomate:
-        case audioMasterEndEdit:
-            gestures.push_back({opcode, index, value});
-            return 1;
-        case audioMasterCanDo:
-            return has_file_selector ? 1 : 0;
-        case audioMasterOpenFileSelector:
-            return selectFile(*static_cast<VstFileSelect*>(ptr));
-        default:
-            return 0;
+    VstIntPtr answer(VstInt32 opcode, VstInt32 index, void* ptr) {
+        static const std::map<VstInt32, char> letters{{audioMasterBeginEdit, 'b'},
+                                                      {audioMasterAutomate, 's'},
+                                                      {audioMasterEndEdit, 'e'},
+                                                      {audioMasterIdle, 'i'}};
+        if (const auto letter = letters.find(opcode); letter != letters.end()) {
+            calls += calls.empty() ? "" : " ";
+            calls += letter->second;
+            calls += opcode == audioMasterIdle ? "" : std::to_string(index);
         }
-    }
-
-    bool selectFile(VstFileSelect& request) {
+        if (at.contains(opcode)) {
+            const auto act = at[opcode]; // it may change what it does the next time
+            act();
+        }
+        if (opcode != audioMasterOpenFileSelector)
+            return opcode == audioMasterCanDo && has_file_selector;
         ++nb_requests;
-        chosen.copy(request.returnPath, 1023);
+        chosen.copy(static_cast<VstFileSelect*>(ptr)->returnPath, 1023);
         return !chosen.empty();
     }
 };

@@ -1,5 +1,4 @@
 #include "platform/display.h"
-#include "tests/panel_picture/panel_picture.h"
 #include "tests/vst/editor/panel_host.h"
 
 #include <csignal>
@@ -20,18 +19,6 @@ struct PanelXcb : testing::Test {
         host.idle();
     }
 
-    /// The gestures since the last time in a letter each: "bse" begins, sets and ends one.
-    std::string gestures(VstInt32 index) {
-        std::string letters;
-        for (const auto& gesture : std::exchange(host.gestures, {})) {
-            EXPECT_EQ(gesture.index, index);
-            letters += gesture.opcode == audioMasterAutomate    ? 's'
-                       : gesture.opcode == audioMasterBeginEdit ? 'b'
-                                                                : 'e';
-        }
-        return letters;
-    }
-
     display server{display::choice::unseen};
     editor_window window{480, 400, {40, 30}};
     panel_host host{};
@@ -47,12 +34,13 @@ TEST_F(PanelXcb, HidingItEndsTheDrag) {
     for (const bool whole : {true, false})
         for (const bool beyond : {false, true}) { // with a knob each: no double click
             const VstInt32 index = beyond ? 7 : 6;
+            const char* const end = beyond ? "e7" : "e6";
             take(index);
             moveTo(beyond ? CPoint{759, 301} : CPoint{460, 320});
-            EXPECT_FALSE(gestures(index).ends_with("e"));
+            EXPECT_FALSE(host.told().ends_with(end));
             whole ? window.show(false) : window.show_content(false);
             host.idle();
-            EXPECT_EQ(gestures(index), "e")
+            EXPECT_EQ(host.told(), end)
                 << (whole ? "with the host's window" : "alone") << ", pointer beyond: " << beyond;
             window.release();
             whole ? window.show(true) : window.show_content(true);
@@ -64,10 +52,10 @@ TEST_F(PanelXcb, AServerThatGoesAwayEndsThePanelAndNothingElse) {
     take(6);
     server.stop(SIGKILL);
     for (int i = 0; i < 3; ++i) {
-        host.plugin->setParameter(6, 0.1f * static_cast<float>(i));
+        host.set(6, 0.1f * static_cast<float>(i));
         host.idle();
     }
-    EXPECT_EQ(gestures(6), "be");
+    EXPECT_EQ(host.told(), "b6 e6");
     host.close();
     EXPECT_FALSE(host.open(window.handle()));
     host.idle();
@@ -85,24 +73,24 @@ TEST_F(PanelXcb, ClosingAfterTheServerHasGoneIsHarmless) {
 TEST_F(PanelXcb, AServerThatStopsAnsweringHoldsUpNothing) {
     ASSERT_TRUE(host.open(window.handle()));
     take(6);
+    window.show(false); // which the panel asks for, and hears of when there is an answer
     alarm(10);
     server.send_signal(SIGSTOP);
     for (int i = 0; i < 2000; ++i) {
-        host.plugin->setParameter(7 + i % 2, 0.5f * static_cast<float>(i % 3));
-        host.plugin->setParameter(i % 6, static_cast<float>(i / 6 % 2));
+        host.set(7 + i % 2, 0.5f * static_cast<float>(i % 3));
+        host.set(i % 6, static_cast<float>(i / 6 % 2));
         host.idle();
     }
     server.send_signal(SIGCONT);
     alarm(0);
-    panel_state state{};
-    for (std::size_t i = 0; i < state.values.size(); ++i)
-        state.values[i] = host.plugin->getParameter(static_cast<VstInt32>(i));
+    window.show(true);
     std::string difference = "unseen";
     for (int i = 0; i < 100 && !difference.empty(); ++i) {
         host.idle();
-        difference = shown_difference(window, panel_picture(state));
+        difference = shown_difference(window, host.picture());
     }
     EXPECT_EQ(difference, "");
+    EXPECT_EQ(host.told(), "b6 e6");
 }
 
 TEST_F(PanelXcb, WithoutADisplayNothingOpens) {
@@ -116,15 +104,13 @@ TEST(PanelXcbDepth, ScreensOfOtherDepthsShowItToo) {
     struct row {
         int depth, tolerance;
     };
-    const panel_state defaults{.values = {1, 1, 1, 1, 0, 1, 0.5f, 0.1f, 0.5f}};
-    const CDrawContext wanted = panel_picture(defaults);
     for (const row r : {row{16, 8}, {30, 1}}) {
         const display server(display::choice::unseen, r.depth);
         const editor_window window(480, 400);
         panel_host host;
         ASSERT_TRUE(host.open(window.handle()));
         host.idle();
-        EXPECT_EQ(shown_difference(window, wanted, r.tolerance), "") << "depth " << r.depth;
+        EXPECT_EQ(shown_difference(window, host.picture(), r.tolerance), "") << "depth " << r.depth;
     }
 }
 
