@@ -127,8 +127,8 @@ void state_comes_back(trial& running) {
         running.expect(nb_bytes == 0 || (nb_bytes > 0 && state), "its chunk has no bytes");
         if (nb_bytes <= 0)
             continue;
-        const guarded_memory copy(
-            std::string_view{static_cast<const char*>(state), static_cast<std::size_t>(nb_bytes)});
+        const guarded_memory copy(static_cast<std::size_t>(nb_bytes));
+        std::copy_n(static_cast<const char*>(state), copy.size(), copy.data());
         const subject loaded(running, usual_rate, usual_block);
         loaded.ask(effSetChunk, is_program, nb_bytes, copy.data());
         for (VstInt32 i = 0; i < saved.record().numParams; ++i)

@@ -42,12 +42,6 @@ watched_calls watched_calls_end() noexcept {
     return counted;
 }
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-
-bool watched_calls_are_counted() { return false; }
-
-#else
-
 bool watched_calls_are_counted() { return true; }
 
 extern "C" {
@@ -136,5 +130,3 @@ WATCHED int open(const char* file, int flags, ...) {
 }
 
 } // extern "C"
-
-#endif

@@ -188,6 +188,9 @@ AEffect* create(audioMasterCallback host) {
     const std::string fault = p_fault ? p_fault : "";
     if (fault == "answers null")
         return nullptr;
+    static AEffect rubbish{};
+    if (fault == "answers rubbish")
+        return &rubbish;
     if (fault == "exits")
         std::exit(0);
     auto* s = new sine;
@@ -200,7 +203,7 @@ AEffect* create(audioMasterCallback host) {
     }
     if (const char* seed = std::getenv("TINDELWAX_SEED"))
         s->phase = std::atoi(seed);
-    s->effect.magic = fault == "answers rubbish" ? 0 : kEffectMagic;
+    s->effect.magic = kEffectMagic;
     s->effect.dispatcher = dispatch;
     s->effect.setParameter = set_parameter;
     s->effect.getParameter = get_parameter;
