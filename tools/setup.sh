@@ -59,7 +59,6 @@ build() {
     shift
     mkdir -p build
     log=build/$preset.log
-    echo "Building $preset" >&2
     if ! { cmake --preset "$preset" "$@" && cmake --build --preset "$preset"; } >"$log" 2>&1; then
         cat "$log" >&2
         echo "The build of $preset failed; the lines above are in $log." >&2

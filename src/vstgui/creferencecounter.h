@@ -1,6 +1,6 @@
 #pragma once
 /// What several users own together lives until the last of them forgets it. Its users are on one
-/// thread at a time.
+/// thread at a time. [ui]
 
 #include <utility>
 
