@@ -4,19 +4,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <mutex>
-#include <optional>
 
 namespace {
 
-/// Instruments are created on several threads, and the environment takes no changes meanwhile.
+/// What is loaded reads its seed at once.
 const std::filesystem::path& seeded_file(const trial& running) {
-    static std::mutex changing;
-    static std::optional<unsigned> current;
-    const std::scoped_lock lock(changing);
-    if (current != running.seed)
-        set_environment("TINDELWAX_SEED", std::to_string(running.seed).c_str());
-    current = running.seed;
+    set_environment("TINDELWAX_SEED", std::to_string(running.seed).c_str());
     return running.plugin_file;
 }
 

@@ -8,7 +8,7 @@
 
 class panel_window : public editor_window {
 public:
-    /// Throws a mismatch where no window can be shown.
+    /// Throws a std::runtime_error where no window can be shown.
     explicit panel_window(CPoint corner_on_screen = {40, 30});
 
     /// Returns "" when the screen shows that in it, else where it differs.

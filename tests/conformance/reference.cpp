@@ -1,13 +1,15 @@
-#include "conformance/reference.h"
+/// Sounds of one plug-in written to a file, and another's compared with them: the builds for all
+/// systems play one seed's sounds alike, to the bit.
 
 #include "conformance/instrument.h"
 #include "probe/signal.h"
 
 #include <algorithm>
 #include <fstream>
-#include <iostream>
 
 namespace {
+
+using Reference = Row;
 
 struct sound_case {
     const char* name;
@@ -49,24 +51,25 @@ std::streamsize size_of(const std::vector<float>& samples) {
     return static_cast<std::streamsize>(samples.size() * sizeof(float));
 }
 
-} // namespace
-
-void write_reference(trial& running, const std::filesystem::path& file) {
-    std::ofstream output(file, std::ios::binary);
+TEST_F(Reference, Write) {
+    std::ofstream output(running.sounds_file, std::ios::binary);
     play_all(running, [&](const std::string&, const std::vector<float>& samples) {
         output.write(reinterpret_cast<const char*>(samples.data()), size_of(samples));
     });
-    running.expect(output.flush().good(), file.string() + " cannot be written");
+    running.expect(output.flush().good(), running.sounds_file.string() + " cannot be written");
 }
 
-void compare_reference(trial& running, const std::filesystem::path& file) {
-    std::ifstream input(file, std::ios::binary);
+TEST_F(Reference, Compare) {
+    std::ifstream input(running.sounds_file, std::ios::binary);
     play_all(running, [&](const std::string& name, const std::vector<float>& samples) {
         std::vector<float> wanted(samples.size());
         input.read(reinterpret_cast<char*>(wanted.data()), size_of(wanted));
-        running.expect(input.good(), file.string() + " ends before \"" + name + "\"");
+        running.expect(input.good(),
+                       running.sounds_file.string() + " ends before \"" + name + "\"");
         running.frame = static_cast<long>(worst_index(samples, wanted));
         running.expect(samples == wanted,
                        name + " is " + std::to_string(difference_db(samples, wanted)) + " dB off");
     });
 }
+
+} // namespace

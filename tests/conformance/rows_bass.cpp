@@ -1,12 +1,13 @@
 /// The bass: one key at a time, and its octave as chords on the manual.
 
 #include "conformance/instrument.h"
-#include "conformance/tables.h"
 #include "probe/signal.h"
 
 #include <cmath>
 
 namespace {
+
+using Bass = Row;
 
 constexpr int rate = 48000;
 constexpr int no_note = 0;
@@ -18,43 +19,42 @@ struct mono_case {
 };
 
 const mono_case cases[]{
-    {"bass/a lower key takes over", {note_on(0, 31), note_on(9000, 26)}, 26},
-    {"bass/a higher key waits", {note_on(0, 26), note_on(9000, 31)}, 26},
-    {"bass/a higher key follows", {note_on(0, 26), note_on(9000, 31), note_off(20000, 26)}, 31},
-    {"bass/a waiting key is released",
-     {note_on(0, 26), note_on(9000, 31), note_off(20000, 31)},
-     26},
-    {"bass/both keys are released",
+    {"a lower key takes over", {note_on(0, 31), note_on(9000, 26)}, 26},
+    {"a higher key waits", {note_on(0, 26), note_on(9000, 31)}, 26},
+    {"a higher key follows", {note_on(0, 26), note_on(9000, 31), note_off(20000, 26)}, 31},
+    {"a waiting key is released", {note_on(0, 26), note_on(9000, 31), note_off(20000, 31)}, 26},
+    {"both keys are released",
      {note_on(0, 26), note_on(9000, 31), note_off(20000, 31), note_off(30000, 26)},
      no_note},
-    {"bass/the lowest of a chord", {note_on(0, 35), note_on(0, 28), note_on(0, 32)}, 28},
-    {"bass/a released key is silent", {note_on(0, 26), note_off(20000, 26)}, no_note},
-    {"bass/struck again", {note_on(0, 26), note_on(9000, 26), note_on(12000, 26)}, 26},
-    {"bass/released twice", {note_on(0, 26), note_off(9000, 26), note_off(9001, 26)}, no_note},
-    {"bass/released in the same frame", {note_on(500, 26), note_off(500, 26)}, no_note}};
+    {"the lowest of a chord", {note_on(0, 35), note_on(0, 28), note_on(0, 32)}, 28},
+    {"a released key is silent", {note_on(0, 26), note_off(20000, 26)}, no_note},
+    {"struck again", {note_on(0, 26), note_on(9000, 26), note_on(12000, 26)}, 26},
+    {"released twice", {note_on(0, 26), note_off(9000, 26), note_off(9001, 26)}, no_note},
+    {"released in the same frame", {note_on(500, 26), note_off(500, 26)}, no_note}};
 
 const set_up bass_alone{.rate = rate,
                         .parameters = {{bass_chords, 0.0f}, {split, split_bass_right}}};
 
-void mono(trial& running, const mono_case& judged) {
-    instrument playing(running, bass_alone);
-    const recording sound = playing.render(judged.played, 2 * rate);
-    const signal_span end = signal_span(sound.right).last(rate);
-    if (judged.wanted == no_note) {
-        running.expect(peak(end) <= 1e-5 * peak(sound.right), "a released key sounds");
-        return;
-    }
-    for (int note = 24; note < 36; ++note) {
-        const double hz = 440 * std::exp2((note - 57) / 12.0);
-        const double db = to_db(std::abs(partial(end, rate, hz)) / peak(end));
-        running.expect((db > -20) == (note == judged.wanted), "note " + std::to_string(note)
-                                                                  + " has " + std::to_string(db)
-                                                                  + " dB of the peak");
+TEST_F(Bass, TheLowestKeySoundsAlone) {
+    for (const auto& [name, played, wanted] : cases) {
+        running.doing = name;
+        instrument playing(running, bass_alone);
+        const recording sound = playing.render(played, 2 * rate);
+        const signal_span end = signal_span(sound.right).last(rate);
+        running.expect(wanted != no_note || peak(end) <= 1e-5 * peak(sound.right),
+                       "a released key sounds");
+        for (int note = 24; wanted != no_note && note < 36; ++note) {
+            const double hz = 440 * std::exp2((note - 57) / 12.0);
+            const double db = to_db(std::abs(partial(end, rate, hz)) / peak(end));
+            running.expect((db > -20) == (note == wanted), "note " + std::to_string(note) + " has "
+                                                               + std::to_string(db)
+                                                               + " dB of the peak");
+        }
     }
 }
 
 /// A key that takes over does so within its own piece of 64 frames and the releasing key's 3 ms.
-void take_over_in_time(trial& running) {
+TEST_F(Bass, ALowerKeyTakesOverInTime) {
     constexpr long taken = 20000;
     instrument playing(running, bass_alone);
     instrument lower(running, bass_alone);
@@ -67,7 +67,7 @@ void take_over_in_time(trial& running) {
     running.expect(db < -75, "the lower key is " + std::to_string(db) + " dB off");
 }
 
-void chords(trial& running) {
+TEST_F(Bass, SoundsOnTheManualAsChords) {
     for (int note = 24; note < 36; ++note)
         for (const float value : {0.0f, std::nextafter(0.5f, 0.0f), 0.5f, 1.0f}) {
             instrument playing(running,
@@ -80,7 +80,7 @@ void chords(trial& running) {
         }
 }
 
-void manual_has_no_bass(trial& running) {
+TEST_F(Bass, IsNotOnTheManual) {
     for (int note = 36; note <= 72; ++note) {
         instrument playing(running, bass_alone);
         const recording sound = playing.render({note_on(0, note)}, 4800);
@@ -90,12 +90,3 @@ void manual_has_no_bass(trial& running) {
 }
 
 } // namespace
-
-table bass_rows() {
-    table rows{{"bass/takes over in time", take_over_in_time},
-               {"bass/chords", chords},
-               {"bass/manual has no bass", manual_has_no_bass}};
-    for (const mono_case& judged : cases)
-        rows.push_back({judged.name, [&judged](trial& running) { mono(running, judged); }});
-    return rows;
-}

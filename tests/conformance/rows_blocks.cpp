@@ -1,10 +1,11 @@
 /// The sound does not depend on how the host cuts time.
 
 #include "conformance/instrument.h"
-#include "conformance/tables.h"
 #include "probe/signal.h"
 
 namespace {
+
+using Blocks = Row;
 
 constexpr long nb_frames = 96000;
 
@@ -57,7 +58,7 @@ void expect_same(trial& running, const std::vector<int>& blocks, signal_span got
                                        + std::to_string(db) + " dB of the peak");
 }
 
-void to_the_bit(trial& running) {
+TEST_F(Blocks, MultiplesOf64AreAlikeToTheBit) {
     for (const float vibrato_on : {0.0f, 1.0f}) {
         const recording wanted = play(running, whole, {64}, {{vibrato, vibrato_on}});
         for (const std::vector<int>& blocks : multiples) {
@@ -68,7 +69,7 @@ void to_the_bit(trial& running) {
     }
 }
 
-void manual_to_the_bound(trial& running) {
+TEST_F(Blocks, AnyLengthsLeaveTheManualAsItIs) {
     for (const float vibrato_on : {0.0f, 1.0f}) {
         const recording wanted = play(running, manual_alone, {64}, {{vibrato, vibrato_on}});
         for (const std::vector<int>& blocks : others) {
@@ -80,7 +81,7 @@ void manual_to_the_bound(trial& running) {
 
 /// What changes at an edge may do so up to 64 frames earlier or later; 0.1 s later even the filter
 /// has forgotten it.
-void bass_within_64_frames(trial& running) {
+TEST_F(Blocks, AnyLengthsMoveTheBassByLessThan64Frames) {
     const std::vector<std::pair<VstInt32, float>> apart{{bass_chords, 0.0f}};
     const recording wanted = play(running, bass_keys, {64}, apart);
     for (const std::vector<int>& blocks : others) {
@@ -105,9 +106,3 @@ void bass_within_64_frames(trial& running) {
 }
 
 } // namespace
-
-table block_rows() {
-    return {{"blocks/multiples of 64 to the bit", to_the_bit},
-            {"blocks/manual to -75 dB", manual_to_the_bound},
-            {"blocks/bass within 64 frames", bass_within_64_frames}};
-}

@@ -1,7 +1,6 @@
 /// Controllers, the split, and the messages that silence.
 
 #include "conformance/instrument.h"
-#include "conformance/tables.h"
 #include "probe/signal.h"
 
 #include <algorithm>
@@ -10,9 +9,11 @@
 
 namespace {
 
+using Controls = Row;
+
 constexpr int controllers[]{80, 81, 82, 83, 84, 85, 7, 86, 87, 88};
 
-void controllers_set_their_parameters(trial& running) {
+TEST_F(Controls, ControllersSetTheirParameters) {
     instrument playing(running, set_up{});
     for (VstInt32 index = 0; index < nb_parameters; ++index)
         for (const int value : {0, 1, 63, 64, 127}) {
@@ -31,7 +32,7 @@ std::vector<float> values(instrument& asked) {
     return all;
 }
 
-void other_controllers_and_channels(trial& running) {
+TEST_F(Controls, OtherControllersAndChannelsSetNothing) {
     instrument playing(running, set_up{});
     const std::vector<float> before = values(playing);
     for (int channel = 1; channel <= 16; ++channel)
@@ -46,7 +47,7 @@ void other_controllers_and_channels(trial& running) {
 }
 
 /// Learning is the panel's: while it is closed, its command reaches nobody.
-void nothing_is_learned_without_the_panel(trial& running) {
+TEST_F(Controls, NothingIsLearnedWithoutThePanel) {
     constexpr VstInt32 learn_tag = 1024;
     instrument playing(running, set_up{});
     playing.set(volume, 0.25f);
@@ -77,7 +78,7 @@ const split_case splits[]{{0.0f, false, true, true, false},
                           {1.0f, true, true, true, true},
                           {3.0f, true, true, true, true}};
 
-void splits_route(trial& running) {
+TEST_F(Controls, SplitRoutesTheKeyboards) {
     for (const split_case& wanted : splits)
         for (const bool is_bass : {false, true}) {
             instrument playing(running,
@@ -94,8 +95,8 @@ void splits_route(trial& running) {
 }
 
 /// Each keyboard sounds the same on whichever output it takes, and in the mix.
-void splits_exchange(trial& running) {
-    const auto play = [&running](float value) {
+TEST_F(Controls, SplitExchangesTheOutputs) {
+    const auto play = [this](float value) {
         instrument playing(running, {.parameters = {{split, value}}});
         return playing.render({note_on(0, 28), note_on(700, 60)}, 24000);
     };
@@ -122,7 +123,7 @@ recording play_until(trial& running, const midi& message) {
                           ended);
 }
 
-void all_sound_off(trial& running) {
+TEST_F(Controls, AllSoundOffLeavesNothing) {
     for (int channel = 1; channel <= 16; ++channel) {
         const recording sound = play_until(running, controller(silenced, 120, 0, channel));
         const signal_span end = signal_span(sound.right).subspan(silenced + decay);
@@ -142,7 +143,7 @@ recording play_mellow(trial& running, const score& played) {
 
 /// On the grid of 64 frames and off it, without the 30 ms of a release. The keys lose what they
 /// have not yet played of the piece of 64 frames that brings it.
-void all_sound_off_in_time(trial& running) {
+TEST_F(Controls, AllSoundOffActsInTime) {
     constexpr long piece = 64;
     constexpr long forgotten = 240;
     const recording untouched = play_mellow(running, {note_on(0, 60)});
@@ -162,7 +163,7 @@ void all_sound_off_in_time(trial& running) {
 }
 
 /// In one frame, a list's order decides.
-void all_sound_off_in_order(trial& running) {
+TEST_F(Controls, AllSoundOffActsInItsListsOrder) {
     const midi off = controller(10, 120, 0);
     const recording untouched = play_mellow(running, {note_on(10, 60)});
     running.expect(play_mellow(running, {off, note_on(10, 60)}).right == untouched.right,
@@ -172,7 +173,7 @@ void all_sound_off_in_order(trial& running) {
 }
 
 /// Both keyboards hear every channel, and such a keyboard ignores "all notes off".
-void ignored_messages(trial& running) {
+TEST_F(Controls, OtherMessagesAreIgnored) {
     const recording untouched = play_until(running, {silenced, {0xE0, 0, 64}});
     score ignored{controller(silenced, 123, 5),  controller(silenced, 120, 5),
                   controller(silenced, 121, 0),  midi{silenced, {0xD0, 100, 0}},
@@ -187,7 +188,7 @@ void ignored_messages(trial& running) {
                            + std::to_string(message.bytes[2]) + " is heard");
 }
 
-void notes_end(trial& running) {
+TEST_F(Controls, NotesEnd) {
     for (const midi& end :
          {note_off(silenced, 60), midi{silenced, {0x90, 60, 0}}, midi{silenced, {0x8F, 60, 127}}}) {
         instrument playing(running, set_up{});
@@ -199,7 +200,7 @@ void notes_end(trial& running) {
     }
 }
 
-void notes_of_every_channel(trial& running) {
+TEST_F(Controls, NotesOfEveryChannelSoundAlike) {
     instrument first(running, set_up{});
     const recording wanted = first.render({note_on(0, 60)}, 4800);
     for (int channel = 1; channel < 16; ++channel) {
@@ -211,17 +212,3 @@ void notes_of_every_channel(trial& running) {
 }
 
 } // namespace
-
-table control_rows() {
-    return {{"controls/controllers set their parameters", controllers_set_their_parameters},
-            {"controls/other controllers and channels", other_controllers_and_channels},
-            {"controls/nothing is learned without the panel", nothing_is_learned_without_the_panel},
-            {"controls/split", splits_route},
-            {"controls/split exchanges the outputs", splits_exchange},
-            {"controls/notes of every channel", notes_of_every_channel},
-            {"controls/notes end", notes_end},
-            {"controls/all sound off", all_sound_off},
-            {"controls/all sound off in time", all_sound_off_in_time},
-            {"controls/all sound off in a list's order", all_sound_off_in_order},
-            {"controls/ignored messages", ignored_messages}};
-}

@@ -1,10 +1,11 @@
 /// System exclusive messages, and events that are none of the instrument's.
 
 #include "conformance/instrument.h"
-#include "conformance/tables.h"
 #include "probe/signal.h"
 
 namespace {
+
+using Events = Row;
 
 long nb_echoes(const instrument& played, const VstEvents* list) {
     long nb = 0;
@@ -21,7 +22,7 @@ void expect_echo(instrument& played, event_list& events) {
     played.running.expect(nb_echoes(played, list) == 1, "it is not echoed once");
 }
 
-void dump_of_any_length(trial& running) {
+TEST_F(Events, DumpsOfAnyLengthAreEchoed) {
     instrument played(running, set_up{});
     for (const std::size_t length :
          {0u, 1u, 2u, 3u, 5u, 4095u, 4096u, 4097u, 4098u, 4099u, 65535u, 65536u}) {
@@ -35,7 +36,7 @@ void dump_of_any_length(trial& running) {
 }
 
 /// The list is handed back once for each dump in it.
-void echo_once_a_dump(trial& running) {
+TEST_F(Events, AListIsEchoedOnceADump) {
     instrument played(running, set_up{});
     const std::uint8_t dump[]{0xF0, 0x7D, 1, 2, 0xF7};
     event_list events;
@@ -49,8 +50,3 @@ void echo_once_a_dump(trial& running) {
 }
 
 } // namespace
-
-table event_rows() {
-    return {{"events/SysEx of any length", dump_of_any_length},
-            {"events/SysEx is echoed once a dump", echo_once_a_dump}};
-}

@@ -1,7 +1,6 @@
 /// What the instrument says of itself.
 
 #include "conformance/instrument.h"
-#include "conformance/tables.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +8,9 @@
 
 namespace {
 
-void record(trial& running) {
+using Identity = Row;
+
+TEST_F(Identity, Record) {
     const instrument asked(running);
     const AEffect& effect = *asked.record();
     const struct {
@@ -38,7 +39,7 @@ void record(trial& running) {
 }
 
 /// Old hosts call every pointer of the record without looking at the flags.
-void every_pointer_can_be_called(trial& running) {
+TEST_F(Identity, EveryPointerCanBeCalled) {
     instrument called(running, set_up{});
     AEffect* effect = called.record();
     running.expect(effect->dispatcher && effect->__processDeprecated && effect->setParameter
@@ -53,7 +54,7 @@ void every_pointer_can_be_called(trial& running) {
     effect->processDoubleReplacing(effect, nullptr, double_outputs.data(), 64);
 }
 
-void texts(trial& running) {
+TEST_F(Identity, Texts) {
     instrument asked(running);
     const struct {
         VstInt32 opcode;
@@ -69,7 +70,7 @@ void texts(trial& running) {
     }
 }
 
-void can_do(trial& running) {
+TEST_F(Identity, CanDo) {
     instrument asked(running);
     const std::pair<std::string, VstIntPtr> cases[]{{"receiveVstEvents", 1},
                                                     {"receiveVstMidiEvent", 1},
@@ -93,7 +94,7 @@ void can_do(trial& running) {
 }
 
 /// Every opcode's answer to a host that asks with nothing in its hands. The rest answers 0.
-void answers(trial& running) {
+TEST_F(Identity, Answers) {
     const std::map<VstInt32, VstIntPtr> wanted{{__effIdentifyDeprecated, kEffectIdentify},
                                                {effProcessEvents, 1},
                                                {effCanBeAutomated, 1},
@@ -120,12 +121,16 @@ void answers(trial& running) {
     running.expect(asked.ask(effSetTotalSampleToProcess, 0, 77) == 77, "a length is not echoed");
 }
 
-} // namespace
-
-table identity_rows() {
-    return {{"identity/record", record},
-            {"identity/every pointer can be called", every_pointer_can_be_called},
-            {"identity/texts", texts},
-            {"identity/canDo", can_do},
-            {"identity/answers", answers}};
+std::vector<float> play(trial& running, unsigned seed) {
+    running.seed = seed;
+    instrument playing(running, {.parameters = {{vibrato, 1.0f}}});
+    return playing.render({note_on(0, 60), note_on(700, 28), note_off(9000, 60)}, 24000).right;
 }
+
+TEST_F(Identity, OneSeedGivesOneSound) {
+    const std::vector<float> first = play(running, 1);
+    running.expect(play(running, 1) == first, "one seed gives two sounds");
+    running.expect(play(running, 2) != first, "two seeds give one sound");
+}
+
+} // namespace

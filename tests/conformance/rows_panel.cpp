@@ -1,12 +1,13 @@
 /// What the panel shows, and what a user does to it.
 
 #include "conformance/panel_player.h"
-#include "conformance/tables.h"
 #include "probe/signal.h"
 
 namespace {
 
-void size_before_it_opens(trial& running) {
+using Panel = Row;
+
+TEST_F(Panel, HasItsSizeBeforeItOpens) {
     instrument asked(running);
     ERect* size = nullptr;
     running.expect(asked.ask(effEditGetRect, 0, 0, &size) == 1 && size, "the panel has no size");
@@ -14,7 +15,7 @@ void size_before_it_opens(trial& running) {
                    "the panel is not 480 by 400");
 }
 
-void every_value(trial& running) {
+TEST_F(Panel, ShowsEveryValue) {
     panel_player user(running);
     for (VstInt32 index = 0; index < nb_panel_parameters; ++index)
         for (int step = 0; step <= 32; ++step) {
@@ -26,7 +27,7 @@ void every_value(trial& running) {
         }
 }
 
-void midi_moves_it(trial& running) {
+TEST_F(Panel, ShowsMidiAtTheNextIdle) {
     panel_player user(running);
     user.playing.send(controller(0, 7, 13));
     user.playing.send(controller(0, 83, 0));
@@ -37,7 +38,7 @@ void midi_moves_it(trial& running) {
     user.expect_shown();
 }
 
-void lamp(trial& running) {
+TEST_F(Panel, LampLightsForEvents) {
     panel_player user(running);
     user.playing.send(note_on(0, 60));
     for (const bool lit : {false, true, false}) {
@@ -46,7 +47,7 @@ void lamp(trial& running) {
     }
 }
 
-void drags(trial& running) {
+TEST_F(Panel, Drags) {
     panel_player user(running);
     for (VstInt32 index = first_knob; index < nb_panel_parameters; ++index) {
         const CPoint knob = control_places[index];
@@ -68,7 +69,7 @@ void drags(trial& running) {
     user.expect_value(volume, 0.6f);
 }
 
-void wheel_and_defaults(trial& running) {
+TEST_F(Panel, WheelAndDefaults) {
     panel_player user(running);
     for (VstInt32 index = first_knob; index < nb_panel_parameters; ++index) {
         const CPoint knob = control_places[index];
@@ -98,7 +99,7 @@ void wheel_and_defaults(trial& running) {
     }
 }
 
-void switches(trial& running) {
+TEST_F(Panel, Switches) {
     panel_player user(running);
     for (VstInt32 index = 0; index < first_knob; ++index)
         for (int i = 0; i < 2; ++i) {
@@ -111,7 +112,7 @@ void switches(trial& running) {
 }
 
 /// With the panel open, dragged and closed over and over.
-void sound_goes_on(trial& running) {
+TEST_F(Panel, LeavesTheSoundAsItIs) {
     panel_player user(running);
     instrument alone(running, set_up{});
     recording sound, wanted;
@@ -146,14 +147,3 @@ void sound_goes_on(trial& running) {
 }
 
 } // namespace
-
-table panel_rows() {
-    return {{"panel/size before it opens", size_before_it_opens},
-            {"panel/every parameter at every value", every_value},
-            {"panel/MIDI shows at the next idle", midi_moves_it},
-            {"panel/lamp", lamp},
-            {"panel/drags", drags},
-            {"panel/wheel and defaults", wheel_and_defaults},
-            {"panel/switches", switches},
-            {"panel/sound goes on", sound_goes_on}};
-}

@@ -1,14 +1,15 @@
 /// What the panel does besides parameters.
 
 #include "conformance/panel_player.h"
-#include "conformance/tables.h"
 #include "probe/signal.h"
 
 #include <cstring>
 
 namespace {
 
-void keys(trial& running) {
+using PanelActions = Row;
+
+TEST_F(PanelActions, KeysAreTakenAndDoNothing) {
     panel_player user(running);
     for (const CPoint place : control_places)
         user.click(place);
@@ -23,7 +24,7 @@ void keys(trial& running) {
 
 /// The knob touched last learns the next controller, whatever its channel; the others are as
 /// before.
-void learn(trial& running) {
+TEST_F(PanelActions, TheKnobTouchedLastLearns) {
     panel_player user(running);
     user.click(learn_place);
     user.idle();
@@ -50,7 +51,7 @@ void learn(trial& running) {
     user.expect_shown();
 }
 
-void panic(trial& running) {
+TEST_F(PanelActions, PanicEndsTheSound) {
     panel_player user(running);
     const recording held = user.playing.render({note_on(0, 60), note_on(0, 26)}, 9600);
     user.click(lamp_place); // does nothing
@@ -70,7 +71,7 @@ void panic(trial& running) {
 
 constexpr VstInt32 menu_tag = 1028, program_tag = 1029;
 
-void menu_sets_the_outputs(trial& running) {
+TEST_F(PanelActions, MenuSetsTheOutputs) {
     panel_player user(running);
     user.playing.set(bass_chords, 0);
     user.playing.send(note_on(0, 60));
@@ -102,7 +103,7 @@ std::string request_text(const VstFileSelect& request) {
 
 /// The host's own dialogs, in which the user chooses a file. There are no programs, so nothing
 /// comes of it.
-void menu_asks_for_files(trial& running) {
+TEST_F(PanelActions, MenuAsksForFiles) {
     std::vector<std::string> requests;
     panel_player user(running, {40, 30}, [&](const host_call& call) -> VstIntPtr {
         if (call.opcode == audioMasterCanDo)
@@ -130,11 +131,3 @@ void menu_asks_for_files(trial& running) {
 }
 
 } // namespace
-
-table panel_action_rows() {
-    return {{"panel_actions/keys", keys},
-            {"panel_actions/MIDI learn", learn},
-            {"panel_actions/panic", panic},
-            {"panel_actions/menu sets the outputs", menu_sets_the_outputs},
-            {"panel_actions/menu asks for files", menu_asks_for_files}};
-}

@@ -1,13 +1,14 @@
 /// The panel's window: how it comes and goes, and what it leaves.
 
 #include "conformance/panel_player.h"
-#include "conformance/tables.h"
 
 #include <memory>
 
 namespace {
 
-void lost_mouse(trial& running) {
+using PanelWindow = Row;
+
+TEST_F(PanelWindow, ALostMouseEndsTheGesture) {
     panel_player user(running);
     for (const VstInt32 index : {volume, bass, volume}) { // what was lost once can be lost again
         user.press(control_places[index]);
@@ -23,7 +24,7 @@ void lost_mouse(trial& running) {
 }
 
 /// The host closes the panel, or all of the instrument, in the middle of a click.
-void closed_in_a_click(trial& running) {
+TEST_F(PanelWindow, MayBeClosedInAClick) {
     for (const VstInt32 turn :
          {audioMasterBeginEdit, audioMasterIdle, audioMasterAutomate, audioMasterEndEdit})
         for (const VstInt32 closing : {effEditClose, effClose}) {
@@ -50,8 +51,3 @@ void closed_in_a_click(trial& running) {
 }
 
 } // namespace
-
-table panel_window_rows() {
-    return {{"panel_window/lost mouse", lost_mouse},
-            {"panel_window/closed in a click", closed_in_a_click}};
-}

@@ -1,12 +1,17 @@
 /// Parameters: names, defaults, values and the texts shown for them.
 
 #include "conformance/instrument.h"
-#include "conformance/tables.h"
-#include "conformance/text_sizes.h"
 
 #include <limits>
 
 namespace {
+
+using Parameters = Row;
+
+/// Bytes that hosts have for a parameter's texts, their terminating zeros included.
+constexpr std::size_t label_size = 8;
+constexpr std::size_t display_size = 9;
+constexpr std::size_t name_size = 11; ///< "BassChords" fills it
 
 struct parameter_case {
     const char* name;
@@ -32,7 +37,7 @@ const parameter_case cases[]{switch_case("Flute", 1),   switch_case("Bright", 1)
                              level_case("Volume"),      number_case("Contour", 0.1f),
                              level_case("Bass"),        number_case("Split", 1)};
 
-void names_and_defaults(trial& running) {
+TEST_F(Parameters, NamesAndDefaults) {
     instrument asked(running);
     for (VstInt32 index = 0; index < nb_parameters; ++index) {
         const std::string name = asked.text(effGetParamName, name_size, index);
@@ -44,7 +49,7 @@ void names_and_defaults(trial& running) {
     }
 }
 
-void displays(trial& running) {
+TEST_F(Parameters, Displays) {
     instrument asked(running);
     for (VstInt32 index = 0; index < nb_parameters; ++index) {
         const parameter_case& wanted = cases[index];
@@ -60,7 +65,7 @@ void displays(trial& running) {
     }
 }
 
-void values_are_kept(trial& running) {
+TEST_F(Parameters, ValuesAreKept) {
     instrument asked(running);
     const std::pair<float, float> kept[]{
         {0.25f, 0.25f}, {1.0f, 1.0f}, {3.0f, 3.0f}, {-0.2f, 0.0f}, {0.7f, 0.7f}};
@@ -73,7 +78,7 @@ void values_are_kept(trial& running) {
         }
 }
 
-void indices_outside(trial& running) {
+TEST_F(Parameters, IndicesOutsideAreNobodys) {
     instrument asked(running);
     const guarded_memory text(display_size);
     for (const VstInt32 index :
@@ -92,7 +97,7 @@ void indices_outside(trial& running) {
                        std::string(cases[index].name) + " changes with another's index");
 }
 
-void labels_are_left_alone(trial& running) {
+TEST_F(Parameters, LabelsAreLeftAlone) {
     instrument asked(running);
     const guarded_memory text(label_size);
     for (VstInt32 index = -1; index <= nb_parameters; ++index)
@@ -101,11 +106,3 @@ void labels_are_left_alone(trial& running) {
 }
 
 } // namespace
-
-table parameter_rows() {
-    return {{"parameters/names and defaults", names_and_defaults},
-            {"parameters/displays", displays},
-            {"parameters/values are kept", values_are_kept},
-            {"parameters/indices outside", indices_outside},
-            {"parameters/labels are left alone", labels_are_left_alone}};
-}

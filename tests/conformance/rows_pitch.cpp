@@ -3,12 +3,13 @@
 
 #include "conformance/instrument.h"
 #include "conformance/rates.h"
-#include "conformance/tables.h"
 #include "probe/signal.h"
 
 #include <cmath>
 
 namespace {
+
+using Pitch = Row;
 
 constexpr int first_note = 24;
 constexpr int nb_bass_keys = 12;
@@ -52,26 +53,31 @@ void expect_pitch(instrument& playing, int note, int oscillator, const rate_case
 }
 
 /// The lowest octave of the manual sounds from the octave above on.
-void manual(trial& running, const rate_case& tuned) {
-    instrument playing(
-        running, {.rate = tuned.rate,
-                  .blocks = {512},
-                  .parameters = {{flute, 0.0f}, {bright, 0.0f}, {brass, 0.0f}, {bass, 0.0f}}});
-    for (int key = 0; key < nb_manual_keys; ++key)
-        expect_pitch(playing, first_note + key, key < nb_bass_keys ? key + nb_bass_keys : key,
-                     tuned);
+TEST_F(Pitch, ManualFollowsTheTables) {
+    for (const rate_case& tuned : supported_rates) {
+        instrument playing(
+            running, {.rate = tuned.rate,
+                      .blocks = {512},
+                      .parameters = {{flute, 0.0f}, {bright, 0.0f}, {brass, 0.0f}, {bass, 0.0f}}});
+        for (int key = 0; key < nb_manual_keys; ++key)
+            expect_pitch(playing, first_note + key, key < nb_bass_keys ? key + nb_bass_keys : key,
+                         tuned);
+    }
 }
 
-void bass_keys(trial& running, const rate_case& tuned) {
-    instrument playing(running, {.rate = tuned.rate,
-                                 .blocks = {512},
-                                 .parameters = {{bass_chords, 0.0f}, {split, split_bass_right}}});
-    for (int key = 0; key < nb_bass_keys; ++key)
-        expect_pitch(playing, first_note + key, key, tuned);
+TEST_F(Pitch, BassFollowsTheTables) {
+    for (const rate_case& tuned : supported_rates) {
+        instrument playing(running,
+                           {.rate = tuned.rate,
+                            .blocks = {512},
+                            .parameters = {{bass_chords, 0.0f}, {split, split_bass_right}}});
+        for (int key = 0; key < nb_bass_keys; ++key)
+            expect_pitch(playing, first_note + key, key, tuned);
+    }
 }
 
 /// The nearest of the three banks, read at the true ratio: no worse in tune than the coarsest.
-void other_rates(trial& running) {
+TEST_F(Pitch, OtherRatesAreInTune) {
     for (const int rate : {8000, 11025, 16000, 32000, 37800, 64000, 100001, 384000}) {
         instrument playing(running, {.rate = rate, .blocks = {512}});
         for (const int note : {36, 48, 57}) {
@@ -83,7 +89,7 @@ void other_rates(trial& running) {
 }
 
 /// Notes below the manual and above it are nobody's.
-void notes_outside(trial& running) {
+TEST_F(Pitch, NotesOutsideAreSilent) {
     instrument playing(running, set_up{});
     score notes;
     for (int note = 0; note < 128; ++note)
@@ -94,15 +100,3 @@ void notes_outside(trial& running) {
 }
 
 } // namespace
-
-table pitch_rows() {
-    table rows{{"pitch/other rates", other_rates}, {"pitch/notes outside", notes_outside}};
-    for (const rate_case& tuned : supported_rates) {
-        const std::string rate = std::to_string(tuned.rate);
-        rows.push_back(
-            {"pitch/manual at " + rate, [&tuned](trial& running) { manual(running, tuned); }});
-        rows.push_back(
-            {"pitch/bass at " + rate, [&tuned](trial& running) { bass_keys(running, tuned); }});
-    }
-    return rows;
-}

@@ -1,11 +1,12 @@
 /// Programs, of which there are none, their names, and chunks, which are not exchanged.
 
 #include "conformance/instrument.h"
-#include "conformance/tables.h"
 
 #include <array>
 
 namespace {
+
+using Programs = Row;
 
 constexpr std::array touched{0.1f, 0.2f, 0.3f, 0.4f, 0.5f, 0.6f, 0.7f, 0.8f, 0.9f, 1.0f};
 
@@ -20,7 +21,7 @@ void expect_touched(instrument& asked, const std::string& by) {
                              by + " changes parameter " + std::to_string(index));
 }
 
-void programs(trial& running) {
+TEST_F(Programs, ThereAreNone) {
     instrument asked(running);
     touch(asked);
     const guarded_memory name(kVstMaxProgNameLen);
@@ -34,7 +35,7 @@ void programs(trial& running) {
     expect_touched(asked, "effSetProgram");
 }
 
-void program_changes(trial& running) {
+TEST_F(Programs, ProgramChangesChangeNothing) {
     instrument asked(running, set_up{});
     touch(asked);
     score changes;
@@ -45,7 +46,7 @@ void program_changes(trial& running) {
     expect_touched(asked, "a program change");
 }
 
-void program_name(trial& running) {
+TEST_F(Programs, TheNameIsKept) {
     instrument asked(running);
     const std::string first = asked.text(effGetProgramName, kVstMaxProgNameLen);
     running.expect(first == "NONE", "the program is \"" + first + "\" at first");
@@ -61,9 +62,3 @@ void program_name(trial& running) {
 }
 
 } // namespace
-
-table program_rows() {
-    return {{"programs/none", programs},
-            {"programs/program changes", program_changes},
-            {"programs/name", program_name}};
-}

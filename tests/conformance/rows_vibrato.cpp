@@ -2,13 +2,14 @@
 
 #include "conformance/instrument.h"
 #include "conformance/rates.h"
-#include "conformance/tables.h"
 #include "probe/signal.h"
 
 #include <cmath>
 #include <numbers>
 
 namespace {
+
+using Vibrato = Row;
 
 constexpr double depth_samples = 9; ///< at the base rate, either way
 constexpr double speed_hz = 6;
@@ -44,34 +45,37 @@ void remove_slope(std::vector<float>& track, double track_rate) {
         track[i] -= static_cast<float>(slope * static_cast<double>(i));
 }
 
-void swing(trial& running, const rate_case& judged) {
-    instrument playing(
-        running,
-        {.rate = judged.rate,
-         .blocks = {512},
-         .parameters = {
-             {flute, 0.0f}, {bright, 0.0f}, {brass, 0.0f}, {vibrato, 0.5f}, {bass, 0.0f}}});
-    playing.render({note_on(0, note)}, judged.rate / 5);
-    const recording sound = playing.render({}, static_cast<long>(seconds * judged.rate));
+TEST_F(Vibrato, DepthAndSpeedAreTheSameAtEachRate) {
+    for (const auto& [rate, base_rate] : supported_rates) {
+        instrument playing(
+            running,
+            {.rate = rate,
+             .blocks = {512},
+             .parameters = {
+                 {flute, 0.0f}, {bright, 0.0f}, {brass, 0.0f}, {vibrato, 0.5f}, {bass, 0.0f}}});
+        playing.render({note_on(0, note)}, rate / 5);
+        const recording sound = playing.render({}, static_cast<long>(seconds * rate));
 
-    const double hz = frequency(sound.right, judged.rate, 440 * std::exp2((note - 57) / 12.0));
-    const double hop = judged.rate / points_a_second;
-    const double track_rate = judged.rate / hop;
-    std::vector<float> track = phase_track(sound.right, judged.rate, hz);
-    remove_slope(track, track_rate);
+        const double hz = frequency(sound.right, rate, 440 * std::exp2((note - 57) / 12.0));
+        const double hop = rate / points_a_second;
+        const double track_rate = rate / hop;
+        std::vector<float> track = phase_track(sound.right, rate, hz);
+        remove_slope(track, track_rate);
 
-    const double speed = frequency(track, track_rate, speed_hz);
-    running.expect(std::fabs(speed - speed_hz) < 0.01,
-                   "it swings " + std::to_string(speed) + " times a second");
-    const double delay_seconds =
-        std::abs(partial(track, track_rate, speed)) / (2 * std::numbers::pi * hz);
-    const double depth = delay_seconds * judged.base_rate;
-    running.expect(std::fabs(depth - depth_samples) < 0.02 * depth_samples,
-                   "its delay swings by " + std::to_string(depth) + " samples of the base rate");
+        const double speed = frequency(track, track_rate, speed_hz);
+        running.expect(std::fabs(speed - speed_hz) < 0.01,
+                       "it swings " + std::to_string(speed) + " times a second");
+        const double delay_seconds =
+            std::abs(partial(track, track_rate, speed)) / (2 * std::numbers::pi * hz);
+        const double depth = delay_seconds * base_rate;
+        running.expect(std::fabs(depth - depth_samples) < 0.02 * depth_samples,
+                       "its delay swings by " + std::to_string(depth)
+                           + " samples of the base rate");
+    }
 }
 
 /// Off below a half, the manual is dry: the vibrato that runs beside it is not heard.
-void off(trial& running) {
+TEST_F(Vibrato, IsNotHeardBelowAHalf) {
     instrument dry(running, set_up{});
     instrument below(running, {.parameters = {{vibrato, std::nextafter(0.5f, 0.0f)}}});
     const score played{note_on(10, 60)};
@@ -80,7 +84,7 @@ void off(trial& running) {
 }
 
 /// The bass does not pass through it.
-void bass_stays_dry(trial& running) {
+TEST_F(Vibrato, LeavesTheBassDry) {
     const set_up apart{.parameters = {{bass_chords, 0.0f}}};
     instrument dry(running, apart);
     instrument swinging(running, apart);
@@ -91,11 +95,3 @@ void bass_stays_dry(trial& running) {
 }
 
 } // namespace
-
-table vibrato_rows() {
-    table rows{{"vibrato/off", off}, {"vibrato/bass stays dry", bass_stays_dry}};
-    for (const rate_case& judged : supported_rates)
-        rows.push_back({"vibrato/depth and speed at " + std::to_string(judged.rate),
-                        [&judged](trial& running) { swing(running, judged); }});
-    return rows;
-}

@@ -3,7 +3,6 @@
 #include "conformance/closed_form.h"
 #include "conformance/instrument.h"
 #include "conformance/rates.h"
-#include "conformance/tables.h"
 #include "probe/signal.h"
 
 #include <algorithm>
@@ -11,6 +10,8 @@
 #include <numeric>
 
 namespace {
+
+using Voice = Row;
 
 constexpr int voiced_notes[]{36, 48, 60, 72};
 constexpr double bound_db = 0.1;
@@ -52,29 +53,28 @@ void expect_ratio(const trial& running, double got, double wanted, const std::st
                        + std::to_string(to_db(wanted)));
 }
 
-struct stop_case {
-    const char* name;
-    VstInt32 stop;
-    double (*gain)(double hz, double rate);
-};
-
-constexpr stop_case stops[]{{"voice/Flute against Mellow", flute, flute_gain},
-                            {"voice/Bright against Mellow", bright, bright_gain},
-                            {"voice/Brass against Mellow", brass, brass_gain}};
-
-void stop_response(trial& running, const stop_case& judged) {
-    for (const auto& [rate, base_rate] : supported_rates)
-        for (const int note : voiced_notes) {
-            const double got = level(running, rate, only(judged.stop), note)
-                               / level(running, rate, only(mellow), note);
-            const double hz = lowest_hz(note);
-            expect_ratio(running, got, judged.gain(hz, rate) / mellow_gain(hz, rate),
-                         "note " + std::to_string(note));
-        }
+TEST_F(Voice, StopsFollowTheirDesign) {
+    const struct {
+        const char* name;
+        VstInt32 stop;
+        double (*gain)(double hz, double rate);
+    } cases[]{{"Flute against Mellow", flute, flute_gain},
+              {"Bright against Mellow", bright, bright_gain},
+              {"Brass against Mellow", brass, brass_gain}};
+    for (const auto& [name, stop, gain] : cases)
+        for (const auto& [rate, base_rate] : supported_rates)
+            for (const int note : voiced_notes) {
+                running.doing = name;
+                const double got = level(running, rate, only(stop), note)
+                                   / level(running, rate, only(mellow), note);
+                const double hz = lowest_hz(note);
+                expect_ratio(running, got, gain(hz, rate) / mellow_gain(hz, rate),
+                             "note " + std::to_string(note));
+            }
 }
 
 /// Each stop's output joins at unit weight, whatever its value above a half.
-void stops_add_up(trial& running) {
+TEST_F(Voice, StopsAddUp) {
     std::vector<float> sum(24000, 0.0f);
     for (const VstInt32 stop : {flute, bright, brass, mellow}) {
         parameters settings = only(stop);
@@ -89,7 +89,7 @@ void stops_add_up(trial& running) {
                        + " dB");
 }
 
-void stops_off(trial& running) {
+TEST_F(Voice, StopsBelowAHalfAreOff) {
     const float off = std::nextafter(0.5f, 0.0f);
     const parameters none{{flute, off}, {bright, off}, {brass, off}, {mellow, off}};
     running.expect(peak(sustained(running, 48000, none, 55)) == 0,
@@ -105,7 +105,7 @@ double heard_contour(float value, int rate) {
     return static_cast<double>(rate == 22050 ? std::max(value, default_contour) : value);
 }
 
-void contour_response(trial& running) {
+TEST_F(Voice, ContourFollowsItsDesign) {
     for (const auto& [rate, base_rate] : supported_rates)
         for (const float value : {0.0f, 0.35f, 1.0f})
             for (const int note : {48, 60, 72}) {
@@ -119,66 +119,39 @@ void contour_response(trial& running) {
             }
 }
 
-struct level_case {
-    const char* name;
-    int note;
-    double wanted; ///< RMS at the volumes of a new instrument
-};
-
-constexpr level_case levels[]{{"voice/level of the manual", 60, 0.0745},
-                              {"voice/level of the bass", 30, 0.514}};
-
 /// Each instrument's parts scatter about the design, so the seeds do not agree.
-void absolute_level(trial& running, const level_case& judged) {
-    const unsigned first_seed = running.seed;
-    for (unsigned i = 0; i < 8; ++i) {
-        running.seed = first_seed + i;
-        const std::vector<float> sound =
-            sustained(running, 48000, {{bass_chords, 0.0f}}, judged.note);
-        const double db = to_db(rms(sound) / judged.wanted);
-        running.expect(std::fabs(db) < level_bound_db,
-                       "it is " + std::to_string(db) + " dB off its level");
-    }
+TEST_F(Voice, Levels) {
+    const struct {
+        const char* name;
+        int note;
+        double wanted; ///< RMS at the volumes of a new instrument
+    } cases[]{{"manual", 60, 0.0745}, {"bass", 30, 0.514}};
+    for (const auto& [name, note, wanted] : cases)
+        for (unsigned i = 0; i < 8; ++i) {
+            running.doing = name;
+            running.seed = begun.seed + i;
+            const std::vector<float> sound = sustained(running, 48000, {{bass_chords, 0.0f}}, note);
+            const double db = to_db(rms(sound) / wanted);
+            running.expect(std::fabs(db) < level_bound_db,
+                           "it is " + std::to_string(db) + " dB off its level");
+        }
 }
 
-struct volume_case {
-    const char* name;
-    VstInt32 parameter;
-    int note;
-};
-
-constexpr volume_case volumes[]{{"voice/Volume is a linear gain", volume, 60},
-                                {"voice/Bass is a linear gain", bass, 30}};
-
-void volume_law(trial& running, const volume_case& judged) {
-    const parameters apart{{bass_chords, 0.0f}};
-    parameters settings = apart;
-    settings.emplace_back(judged.parameter, 1.0f);
-    const std::vector<float> full = sustained(running, 48000, settings, judged.note);
-    for (const float value : {0.0f, 0.01f, 0.1f, 0.5f, 0.77f, 2.0f}) {
-        settings.back().second = value;
-        std::vector<float> wanted(full);
-        for (float& sample : wanted)
-            sample *= value;
-        const std::vector<float> got = sustained(running, 48000, settings, judged.note);
-        const bool holds = value == 0.0f ? peak(got) == 0 : difference_db(got, wanted) < -120;
-        running.expect(holds, "value " + std::to_string(value) + " does not scale");
+TEST_F(Voice, VolumesAreLinearGains) {
+    for (const auto& [parameter, note] : {std::pair{volume, 60}, {bass, 30}}) {
+        parameters settings{{bass_chords, 0.0f}, {parameter, 1.0f}};
+        const std::vector<float> full = sustained(running, 48000, settings, note);
+        for (const float value : {0.0f, 0.01f, 0.1f, 0.5f, 0.77f, 2.0f}) {
+            settings.back().second = value;
+            std::vector<float> wanted(full);
+            for (float& sample : wanted)
+                sample *= value;
+            const std::vector<float> got = sustained(running, 48000, settings, note);
+            const bool holds = value == 0.0f ? peak(got) == 0 : difference_db(got, wanted) < -120;
+            running.expect(holds, "parameter " + std::to_string(parameter) + " at "
+                                      + std::to_string(value) + " does not scale");
+        }
     }
 }
 
 } // namespace
-
-table voice_rows() {
-    table rows{{"voice/stops add up", stops_add_up},
-               {"voice/stops below a half are off", stops_off},
-               {"voice/contour", contour_response}};
-    for (const stop_case& judged : stops)
-        rows.push_back(
-            {judged.name, [&judged](trial& running) { stop_response(running, judged); }});
-    for (const level_case& judged : levels)
-        rows.push_back(
-            {judged.name, [&judged](trial& running) { absolute_level(running, judged); }});
-    for (const volume_case& judged : volumes)
-        rows.push_back({judged.name, [&judged](trial& running) { volume_law(running, judged); }});
-    return rows;
-}

@@ -3,33 +3,24 @@
 /// line of a failure says.
 
 #include <filesystem>
-#include <functional>
+#include <gtest/gtest.h>
 #include <string>
-#include <vector>
-
-/// What does not hold. Thrown out of the row.
-struct mismatch {
-    std::string what;
-};
 
 struct trial {
-    std::filesystem::path plugin_file;
-    std::string doing{}; ///< what of the row is under way
-    unsigned seed = 1;   ///< of the instruments that it creates and of the row's own choices
-    int rate = 0;        ///< Hz, of the instrument in use
-    int block = 0;       ///< frames, of the latest block
-    long frame = 0;      ///< since the instrument's first; of the block's start unless told better
+    std::filesystem::path plugin_file{};
+    std::filesystem::path sounds_file{}; ///< of the reference
+    std::string doing{};                 ///< what of the row is under way
+    unsigned seed = 1; ///< of the instruments that it creates and of the row's own choices
+    int rate = 0;      ///< Hz, of the instrument in use
+    int block = 0;     ///< frames, of the latest block
+    long frame = 0;    ///< since the instrument's first; of the block's start unless told better
 
-    /// Throws a mismatch unless it holds.
+    /// Throws a std::runtime_error that says all this and `what` unless it holds.
     void expect(bool holds, const std::string& what) const;
 };
 
-/// "rate 48000, block 64, frame 128, seed 1, a dump of 5 bytes: ".
-[[nodiscard]] std::string trial_text(const trial& current);
-
-struct row {
-    std::string name; ///< "group/name"
-    std::function<void(trial&)> judge;
+/// Every suite's fixture.
+struct Row : testing::Test {
+    static inline trial begun{}; ///< as the command line has it
+    trial running = begun;
 };
-
-using table = std::vector<row>;

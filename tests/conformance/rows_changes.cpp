@@ -1,13 +1,14 @@
 /// Setting it up, and setting it up anew while it plays.
 
 #include "conformance/instrument.h"
-#include "conformance/tables.h"
 #include "probe/signal.h"
 
 #include <cmath>
 #include <iterator>
 
 namespace {
+
+using Changes = Row;
 
 constexpr long nb_frames = 24000;
 const score played{note_on(10, 60), note_on(500, 28), note_off(9000, 60)};
@@ -29,7 +30,7 @@ void expect_silence(instrument& playing) {
 
 /// Suspending leaves everything as it is, held notes too, and so does the rate that is set already;
 /// resuming only asks for MIDI.
-void suspend_and_resume(trial& running) {
+TEST_F(Changes, SuspendingAndResumingDoNothing) {
     constexpr int nb_times = 1000;
     const score held(played.begin(), played.end() - 1);
     instrument usual(running, set_up{});
@@ -52,7 +53,7 @@ void suspend_and_resume(trial& running) {
 }
 
 /// What is struck while nothing is set up sounds once it is.
-void notes_before_the_rate(trial& running) {
+TEST_F(Changes, NotesBeforeTheRateWaitForIt) {
     instrument playing(running);
     playing.send(note_on(0, 60));
     expect_silence(playing);
@@ -61,7 +62,7 @@ void notes_before_the_rate(trial& running) {
 }
 
 /// Notes held over a change of rate or size sound on, finite, at their pitch.
-void changes_while_it_sounds(trial& running) {
+TEST_F(Changes, HeldNotesStayInTune) {
     instrument playing(running, set_up{});
     playing.render({note_on(0, 57), note_on(0, 26)}, 1000);
     for (const int rate : {96000, 22050, 1000, 44100, 12345, 1000000, 192000, 48000}) {
@@ -78,9 +79,3 @@ void changes_while_it_sounds(trial& running) {
 }
 
 } // namespace
-
-table set_up_rows() {
-    return {{"set_up/suspend and resume 1000 x", suspend_and_resume},
-            {"set_up/notes before the rate", notes_before_the_rate},
-            {"set_up/changes while it sounds", changes_while_it_sounds}};
-}
