@@ -84,7 +84,7 @@ void require_counting(const trial& running, const subject& played) {
 }
 
 void at_each_rate(trial& running, watched kind) {
-    for (const int rate : {22050, 32000, 44100, 48000, 96000}) {
+    for (const int rate : {22050, 32000, 44100, 48000, 88200, 96000, 176400, 192000}) {
         subject played(running, rate, usual_block);
         require_counting(running, played);
         expect_none(running, played, kind);
