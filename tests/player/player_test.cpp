@@ -64,12 +64,16 @@ TEST_F(Player, PiecesOfABlockAreEven) {
 }
 
 TEST_F(Player, NotesFallInTheBlockAndInOrder) {
-    strike(1, -5);
-    strike(2, 49); // the first piece's last frame
-    strike(3, 50);
-    strike(4, 20); // after one at 50
-    strike(5, 1000);
-    EXPECT_EQ(process(100), (onsets{{1, 0}, {2, 49}, {3, 50}, {4, 50}, {5, 99}}));
+    strike(1, std::numeric_limits<int>::min());
+    strike(2, -5);
+    strike(3, 49); // the first piece's last frame
+    strike(4, 50);
+    strike(5, 60);
+    strike(6, 20);
+    strike(7, std::numeric_limits<int>::max());
+    strike(8, 1000);
+    EXPECT_EQ(process(100),
+              (onsets{{1, 0}, {2, 0}, {3, 49}, {4, 50}, {5, 60}, {6, 60}, {7, 99}, {8, 99}}));
     EXPECT_EQ(process(100), onsets{}) << "each once";
 }
 
