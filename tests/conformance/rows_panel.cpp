@@ -60,13 +60,6 @@ TEST_F(Panel, Drags) {
         user.expect_value(index, 0.8f, 0.02f);
         user.expect_shown();
     }
-    running.expect(user.playing.ask(effSetEditKnobMode, 0, 2) == 1, "it knows no linear mode");
-    user.playing.set(volume, 0.5f);
-    user.press(control_places[volume]);
-    user.move({700, control_places[volume].y - 20});
-    user.release();
-    user.expect_gestures(volume, "bse");
-    user.expect_value(volume, 0.6f);
 }
 
 TEST_F(Panel, WheelAndDefaults) {

@@ -87,14 +87,6 @@ TEST_F(Player, AFullQueueGoesToTheEngineWhereItStands) {
     EXPECT_EQ(process(100), (onsets{{4, 70}})) << "and begins anew";
 }
 
-TEST_F(Player, WhatWaitsForARateWaits) {
-    playing.reset(create());
-    strike(1, 10);
-    EXPECT_EQ(process(100), onsets{});
-    player_set_sampling_rate(playing.get(), 48000);
-    EXPECT_EQ(process(100), (onsets{{1, 10}}));
-}
-
 TEST_F(Player, TheRateThatIsSetChangesNothing) {
     for (const float rate : {48000.0f, 48000.7f, 0.0f, -48000.0f, 999.9f, 1000001.0f, std::nanf(""),
                              std::numeric_limits<float>::infinity()})
