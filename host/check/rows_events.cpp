@@ -79,12 +79,6 @@ constexpr list_case lists[]{
              events.add(&event);
          }
      }},
-    {"events/dumps", demand::interface,
-     [](event_list& events, random_numbers&) {
-         static const std::vector<std::uint8_t> dump(70000, 0x55);
-         for (const std::size_t length : {2u, 5u, 4096u, 70000u})
-             events.add_sysex({dump.data(), length}, 0);
-     }},
     {"events/empty dumps", demand::hosts,
      [](event_list& events, random_numbers&) { events.add_sysex({}, 0); }}};
 
@@ -132,10 +126,29 @@ void guarded_list(trial& running) {
     running.doing("");
 }
 
+/// A dump ends where it says, and stays the host's.
+void dumps(trial& running) {
+    subject played(running, usual_rate, usual_block);
+    require_outputs(running, played);
+    for (const std::size_t length : {1u, 2u, 3u, 5u, 4095u, 4096u, 4097u, 4099u, 65536u, 70000u}) {
+        running.doing("a dump of " + std::to_string(length) + " bytes");
+        const guarded_memory dump(length);
+        event_list events;
+        events.add_sysex({reinterpret_cast<const std::uint8_t*>(dump.data()), length}, 0);
+        played.send(events);
+        played.play_long(usual_block);
+        running.expect(dump.is_untouched(), "it changes the dump");
+    }
+    running.doing("");
+    played.expect_finite();
+    played.expect_plays(false);
+}
+
 } // namespace
 
 table event_rows() {
-    table rows{{"events/list that ends where it says", demand::interface, guarded_list}};
+    table rows{{"events/list that ends where it says", demand::interface, guarded_list},
+               {"events/dumps", demand::interface, dumps}};
     for (const list_case& judged : lists)
         rows.push_back(
             {judged.name, judged.by, [&judged](trial& running) { plays_on(running, judged); }});

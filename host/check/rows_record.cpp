@@ -3,7 +3,7 @@
 #include "check/rows.h"
 #include "check/subject.h"
 
-#include <cstring>
+#include <vector>
 
 namespace {
 
@@ -46,9 +46,30 @@ void stays(trial& running) {
         "it changes its channels and does not tell its host");
 }
 
+template <typename Sample, typename Function>
+void process(AEffect& record, Function* p_function) {
+    std::vector<Sample> silence(usual_block), sound(usual_block);
+    std::vector<Sample*> inputs(static_cast<std::size_t>(record.numInputs), silence.data());
+    std::vector<Sample*> outputs(static_cast<std::size_t>(record.numOutputs), sound.data());
+    p_function(&record, inputs.data(), outputs.data(), usual_block);
+}
+
+/// Old hosts call every pointer of the record without looking at the flags.
+void pointers(trial& running) {
+    const subject called(running, usual_rate, usual_block);
+    AEffect& record = called.record();
+    running.expect(record.__processDeprecated && record.processReplacing
+                       && record.processDoubleReplacing,
+                   "a pointer of its record is null, which old hosts call");
+    process<float>(record, record.__processDeprecated);
+    process<float>(record, record.processReplacing);
+    process<double>(record, record.processDoubleReplacing);
+}
+
 } // namespace
 
 table record_rows() {
     return {{"record/numbers", demand::interface, numbers},
-            {"record/stays", demand::interface, stays}};
+            {"record/stays", demand::interface, stays},
+            {"record/pointers", demand::hosts, pointers}};
 }

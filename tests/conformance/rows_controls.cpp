@@ -1,4 +1,4 @@
-/// Controllers, the split, and the messages that silence.
+/// Controllers, the split, the messages that silence, and dumps.
 
 #include "conformance/instrument.h"
 #include "probe/signal.h"
@@ -44,17 +44,6 @@ TEST_F(Controls, OtherControllersAndChannelsSetNothing) {
                                                           + " of channel " + std::to_string(channel)
                                                           + " changes a parameter");
         }
-}
-
-/// Learning is the panel's: while it is closed, its command reaches nobody.
-TEST_F(Controls, NothingIsLearnedWithoutThePanel) {
-    constexpr VstInt32 learn_tag = 1024;
-    instrument playing(running, set_up{});
-    playing.set(volume, 0.25f);
-    playing.set(learn_tag, 1.0f);
-    playing.send(controller(0, 20, 127, 3));
-    playing.send(controller(0, 20, 127, 3));
-    running.expect(playing.get(volume) == 0.25f, "a closed panel has learned a controller");
 }
 
 struct split_case {
@@ -209,6 +198,23 @@ TEST_F(Controls, NotesOfEveryChannelSoundAlike) {
         running.expect(sound.right == wanted.right,
                        "a note of channel " + std::to_string(channel + 1) + " sounds otherwise");
     }
+}
+
+/// The list is handed back once for each dump in it.
+TEST_F(Controls, AListIsEchoedOnceADump) {
+    instrument played(running, set_up{});
+    const std::uint8_t dump[]{0xF0, 0x7D, 1, 2, 0xF7};
+    event_list events;
+    events.add_sysex(dump, 0);
+    events.add_midi(message_of(note_on(0, 50)), 0);
+    events.add_sysex(dump, 0);
+    played.send(events);
+    const auto nb_echoes = std::ranges::count_if(played.its_host.calls, [&](const host_call& call) {
+        return call.opcode == audioMasterProcessEvents && call.ptr == events.records();
+    });
+    running.expect(nb_echoes == 2, "two dumps are not echoed twice");
+    const recording sound = played.render({}, 4800);
+    running.expect(peak(sound.right) > 1e-3, "the note between two dumps is lost");
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "conformance/instrument.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
 
 namespace {
@@ -36,22 +35,6 @@ TEST_F(Identity, Record) {
     running.expect(effect.__ioRatioDeprecated == 1.0f, "__ioRatioDeprecated is not 1");
     running.expect(std::ranges::all_of(effect.future, [](char byte) { return byte == 0; }),
                    "the future bytes are not 0");
-}
-
-/// Old hosts call every pointer of the record without looking at the flags.
-TEST_F(Identity, EveryPointerCanBeCalled) {
-    instrument called(running, set_up{});
-    AEffect* effect = called.record();
-    running.expect(effect->dispatcher && effect->__processDeprecated && effect->setParameter
-                       && effect->getParameter && effect->processReplacing
-                       && effect->processDoubleReplacing && effect->object,
-                   "a pointer of the record is null");
-    std::array<float, 64> single{};
-    std::array<double, 64> twice{};
-    std::array outputs{single.data(), single.data()};
-    std::array double_outputs{twice.data(), twice.data()};
-    effect->__processDeprecated(effect, nullptr, outputs.data(), 64);
-    effect->processDoubleReplacing(effect, nullptr, double_outputs.data(), 64);
 }
 
 TEST_F(Identity, Texts) {

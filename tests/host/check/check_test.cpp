@@ -80,7 +80,7 @@ TEST(Check, FilesThatAreNoPluginsAndRowsThatAreNoneAreMisuse) {
     const process_result text = judge({"--only", "record", __FILE__, TEST_INSTRUMENT});
     EXPECT_EQ(text.status, 2);
     EXPECT_EQ(std::ranges::count(text.err, '\n'), 1) << text.err;
-    EXPECT_EQ(rows(text, "ok").size(), 2u) << "the file after it";
+    EXPECT_EQ(rows(text, "ok").size(), 3u) << "the file after it";
     EXPECT_EQ(judge({"--only", "nothing", TEST_INSTRUMENT}).status, 2);
     EXPECT_EQ(judge({}).status, 2);
 }
