@@ -1,0 +1,1 @@
+// Carries what all tests include.
