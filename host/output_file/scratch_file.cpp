@@ -24,9 +24,9 @@ void scratch_file::write(const void* bytes, std::size_t nb_bytes) {
 }
 
 void scratch_file::rewind() {
-    if (std::fflush(stream()) != 0 || std::ferror(stream()))
+    if (std::fflush(stream()) != 0 || std::ferror(stream())
+        || std::fseek(stream(), 0, SEEK_SET) != 0)
         fail(errno);
-    std::rewind(stream());
 }
 
 std::size_t scratch_file::read(void* bytes, std::size_t nb_bytes) {

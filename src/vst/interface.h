@@ -410,6 +410,7 @@ struct VstVariableIo;
 
 /// A record that crosses the boundary has the published size, whatever the compiler does.
 template <typename Record, std::size_t bytes32, std::size_t bytes64 = bytes32>
+// Some have one size in both widths. NOLINTNEXTLINE(bugprone-branch-clone)
 constexpr bool has_published_size = sizeof(Record) == (sizeof(void*) == 4 ? bytes32 : bytes64);
 
 static_assert(has_published_size<AEffect, 144, 192>);

@@ -188,12 +188,10 @@ AEffect* create(audioMasterCallback host) {
     const std::string fault = p_fault ? p_fault : "";
     if (fault == "answers null")
         return nullptr;
-    static AEffect rubbish{};
-    if (fault == "answers rubbish")
-        return &rubbish;
     if (fault == "exits")
         std::exit(0);
-    auto* s = new sine;
+    static sine refused; // nobody closes it
+    auto* s = fault == "answers rubbish" || fault == "endless parameters" ? &refused : new sine;
     s->host = host;
     if (const char* log_name = std::getenv("TINDELWAX_TEST_LOG"))
         s->p_log = std::fopen(log_name, "w");
@@ -203,7 +201,7 @@ AEffect* create(audioMasterCallback host) {
     }
     if (const char* seed = std::getenv("TINDELWAX_SEED"))
         s->phase = std::atoi(seed);
-    s->effect.magic = kEffectMagic;
+    s->effect.magic = fault == "answers rubbish" ? 0 : kEffectMagic;
     s->effect.dispatcher = dispatch;
     s->effect.setParameter = set_parameter;
     s->effect.getParameter = get_parameter;
