@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
+#include <string>
 #include <sys/stat.h>
 #include <utility>
 
@@ -97,14 +99,20 @@ ini_data* ini_load_data_from_file(const char* filename) {
     // std::filesystem would tell as well, but on Windows it brings the locales along, which keep a
     // thread-local slot of the process for every time that the library is loaded.
     struct stat status {};
-    if (stat(filename, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > max_file_long)
+    const auto is_text = [&status](const char* path) {
+        return stat(path, &status) == 0 && S_ISREG(status.st_mode)
+               && status.st_size <= max_file_long;
+    };
+    if (!is_text(filename))
         return nullptr;
-    if (!is_trusted_file(filename)) {
-        std::printf("%s is passed over: somebody else may write it, or in a folder on its way\n",
-                    filename);
+    const std::optional<std::string> path = trusted_path(filename);
+    if (!path) {
+        std::printf("%s is passed over: others could have put it there\n", filename);
         return nullptr;
     }
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(filename, "rb"),
+    if (!is_text(path->c_str())) // a name can lead elsewhere by now, the path cannot
+        return nullptr;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path->c_str(), "rb"),
                                                                std::fclose);
     if (!file)
         return nullptr;

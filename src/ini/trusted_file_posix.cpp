@@ -1,15 +1,18 @@
 #include "ini/trusted_file.h"
 
-#include <cstdlib>
-#include <memory>
-#include <string>
+#include <filesystem>
+#include <list>
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace fs = std::filesystem;
+
 namespace {
 
+constexpr int max_nb_links = 40; ///< on one way, as in the system
+
 /// A link's mode says nothing; who could put another in its place, its folder's does.
-bool is_trusted(const std::string& path) {
+bool is_trusted(const fs::path& path) {
     struct stat status {};
     if (lstat(path.c_str(), &status) != 0 || (status.st_uid != 0 && status.st_uid != geteuid()))
         return false;
@@ -17,17 +20,39 @@ bool is_trusted(const std::string& path) {
            || (S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX) != 0);
 }
 
-bool is_trusted_all_the_way(const std::string& path) {
-    for (auto end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1))
-        if (!is_trusted(path.substr(0, end)))
+bool is_trusted_all_the_way(const fs::path& path) {
+    fs::path way;
+    for (const fs::path& part : path)
+        if (!is_trusted(way /= part))
             return false;
-    return is_trusted("/") && is_trusted(path);
+    return true;
 }
 
 } // namespace
 
-/// The way as it is named, on which links lie, and the one that it comes to.
-bool is_trusted_file(const char* filename) {
-    const std::unique_ptr<char, void (*)(void*)> resolved(realpath(filename, nullptr), std::free);
-    return resolved && is_trusted_all_the_way(filename) && is_trusted_all_the_way(resolved.get());
+/// Each link is judged where it lies before it is followed.
+std::optional<std::string> trusted_path(const char* filename) {
+    std::error_code failed;
+    const fs::path named = fs::absolute(filename, failed);
+    std::list<fs::path> left(named.begin(), named.end());
+    fs::path way;
+    for (int nb_links = 0; !left.empty();) {
+        const fs::path part = left.front();
+        left.pop_front();
+        if (part == "..") {
+            way = way.parent_path();
+            continue;
+        }
+        if (part.empty() || part == ".")
+            continue;
+        way /= part;
+        if (!fs::is_symlink(way, failed))
+            continue;
+        if (++nb_links > max_nb_links || !is_trusted_all_the_way(way))
+            return std::nullopt;
+        const fs::path target = fs::read_symlink(way, failed);
+        left.insert(left.begin(), target.begin(), target.end());
+        way = way.parent_path();
+    }
+    return is_trusted_all_the_way(way) ? std::optional(way.string()) : std::nullopt;
 }

@@ -144,8 +144,13 @@ TEST(Ini, TextsAreFoundOnDiskThenCompiledInByTheBeginningsOfTheirNames) {
             ASSERT_EQ(chown(path.c_str(), 0, 0), 0);
         }
         std::filesystem::remove(name);
-        std::filesystem::create_symlink(folder / "mine/x.ini", name);
-        EXPECT_EQ(content(name), "a=1\n") << "a link of one's own";
+        const std::string passage = folder / "passage";
+        std::filesystem::create_symlink(folder / "mine", passage);
+        std::filesystem::create_symlink(passage + "/x.ini", name);
+        EXPECT_EQ(content(name), "a=1\n") << "a link through a link";
+        ASSERT_EQ(lchown(passage.c_str(), 65534, 65534), 0);
+        EXPECT_EQ(content(name), manual) << "a link through somebody else's link";
+        ASSERT_EQ(lchown(passage.c_str(), 0, 0), 0);
         ASSERT_EQ(lchown(name.c_str(), 65534, 65534), 0);
         EXPECT_EQ(content(name), manual) << "somebody else's link to one's own file";
         std::filesystem::remove(name);
