@@ -1,6 +1,6 @@
 #pragma once
 /// The filtered bank in its plain form: a square wave from the sine's sign, sample by sample, and
-/// four filters of the filter module one after the other.
+/// four filters of the filter module one after the other. [setup]
 
 #include "oscillators/oscillators.h"
 #include "random15/random15.h"

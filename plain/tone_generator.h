@@ -1,6 +1,6 @@
 #pragma once
 /// The tone generator in its plain form: every oscillator's time runs in seconds, in double
-/// precision, and its table is read by linear interpolation at the time's position.
+/// precision, and its table is read by linear interpolation at the time's position. [setup]
 
 #include "tonegenerator/tonegenerator.h"
 

@@ -47,5 +47,5 @@ void filter_set_b_coeffs(filter* p_filter, const float* b_coeffs);
 /// Zeroes the selected state. [setup]
 void filter_reset_z_buff(filter* p_filter) noexcept;
 
-/// An anchor for diagnostics; does nothing.
+/// An anchor for diagnostics; does nothing. [setup]
 void filter_dump(const filter* p_filter);

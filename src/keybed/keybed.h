@@ -65,6 +65,7 @@ struct keybed {
 
 void keybed_free(keybed* p_keybed); ///< null is allowed [setup]
 
+/// Later segments are cut to blocks of that many frames. [audio]
 void keybed_set_block_size(keybed* p_keybed, int block_size) noexcept;
 
 /// Rebuilds the keys' envelopes; a key in attack or release goes on at the same share of its new
@@ -102,5 +103,5 @@ void keybed_update_mono_bass(keybed* p_keybed) noexcept;
 /// Applies a 3-byte note message of the keybed's channel and range; ignores every other. [audio]
 void keybed_receive_midi_event(keybed* p_keybed, const char* midi_data, int frame_index) noexcept;
 
-/// The callback of a keybed that no instrument has claimed; does nothing.
+/// The callback of a keybed that no instrument has claimed; does nothing. [audio]
 void default_callback(playing_key* p_key, unsigned len);

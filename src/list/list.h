@@ -38,5 +38,5 @@ int add_to_indexed_list(indexed_list* target_list, indexed_list_elem* elem_to_ad
 /// links, so a walker that stands on it can still step on. [audio]
 int remove_from_indexed_list(indexed_list* target_list, indexed_list_elem* elem_to_remove) noexcept;
 
-/// A breakpoint's anchor for diagnostics; prints nothing.
+/// A breakpoint's anchor for diagnostics; prints nothing. [setup]
 void dump_indexed_list(indexed_list* p_list);

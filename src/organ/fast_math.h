@@ -9,7 +9,7 @@ void cpuid(unsigned info, unsigned* eax, unsigned* ebx, unsigned* ecx, unsigned*
 /// that can be opened. [setup]
 void dump_cpuid();
 
-[[nodiscard]] bool has_sse();
+[[nodiscard]] bool has_sse(); ///< [any]
 
 /// Sets flush-to-zero and denormals-are-zero on the calling thread, for good. [audio]
 void flush_denormals() noexcept;

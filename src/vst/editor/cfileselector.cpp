@@ -33,15 +33,21 @@ int CFileSelector::run(VstFileSelect* request) {
     return hostHasDialog ? runHostsDialog(request) : runSystemsDialog(request);
 }
 
-/// Hosts keep something of an answered request until it is closed. Some answer yes to a user who
-/// chose nothing.
+/// Hosts keep something of an answered request until it is closed, among it a path that some answer
+/// with in memory of their own. Some answer yes to a user who chose nothing.
 bool CFileSelector::runHostsDialog(VstFileSelect* request) {
     const auto life = editor->getLife();
+    char* const returnPath = request->returnPath;
     if (!effect->openFileSelector(request) || life.expired())
         return false;
-    const std::size_t length = strnlen(request->returnPath, max_path_bytes + 1);
+    const char* answer = request->returnPath;
+    const std::size_t length = answer ? strnlen(answer, max_path_bytes + 1) : 0;
+    const bool isChosen = length > 0 && length <= max_path_bytes;
+    if (isChosen)
+        std::memmove(returnPath, answer, length + 1);
     effect->closeFileSelector(request);
-    return length > 0 && length <= max_path_bytes;
+    request->returnPath = returnPath;
+    return isChosen;
 }
 
 bool CFileSelector::runSystemsDialog(VstFileSelect* request) {

@@ -35,8 +35,8 @@ public:
     /// Keys are taken and ignored, so that a host does not play its own commands on them.
     bool onKeyDown(VstKeyCode&) override { return true; }
 
-    /// Index and value are a parameter's, or an action's (see vst/editor/tags.h). Actions wait for
-    /// an open panel in vain.
+    /// Index and value are a parameter's, or an action's (see vst/editor/tags.h). Actions do
+    /// nothing while the panel is closed.
     void setParameter(VstInt32 index, float value) override;
 
     /// The program's values come through setParameter; there is no more to show.
