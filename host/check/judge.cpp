@@ -2,6 +2,7 @@
 
 #include "check/isolated.h"
 #include "failure/failure.h"
+#include "failure/print.h"
 #include "failure/printable.h"
 
 #include <algorithm>
@@ -50,6 +51,12 @@ const char* word(verdict result) {
     }
 }
 
+std::string line_text(const row& judged, const finding& found) {
+    std::string text = word(found.result);
+    text.resize(9, ' ');
+    return text + judged.name + (found.seen.empty() ? "" : ": ") + printable(found.seen) + "\n";
+}
+
 bool is_picked(const row& judged, const std::vector<std::string>& starts) {
     return starts.empty() || std::ranges::any_of(starts, [&](const std::string& start) {
                return judged.name.starts_with(start);
@@ -75,19 +82,19 @@ int judge_file(const std::filesystem::path& file, const table& rows, const check
         std::fprintf(stderr, "tindelwax: %s\n", printable(flaw).c_str());
         return exit_misused;
     }
-    std::fprintf(p_output, "%s\n", printable(file.string()).c_str());
+    print(p_output, printable(file.string()) + "\n");
     std::array<int, 5> counts{};
     for (const row& judged : rows) {
         const finding found = find(judged, file, request);
         ++counts[static_cast<std::size_t>(found.result)];
-        std::fprintf(p_output, "%-8s %s%s%s\n", word(found.result), judged.name.c_str(),
-                     found.seen.empty() ? "" : ": ", printable(found.seen).c_str());
-        std::fflush(p_output);
+        print(p_output, line_text(judged, found));
     }
     const auto count = [&](verdict result) { return counts[static_cast<std::size_t>(result)]; };
-    std::fprintf(p_output, "%zu rows: %d ok, %d with a warning, %d FAILED, %d skipped (seed %u)\n",
-                 rows.size(), count(verdict::ok), count(verdict::warning), count(verdict::failed),
-                 count(verdict::skipped), request.seed);
+    const auto told = [&](verdict result) { return std::to_string(count(result)); };
+    print(p_output, std::to_string(rows.size()) + " rows: " + told(verdict::ok) + " ok, "
+                        + told(verdict::warning) + " with a warning, " + told(verdict::failed)
+                        + " FAILED, " + told(verdict::skipped) + " skipped (seed "
+                        + std::to_string(request.seed) + ")\n");
     return count(verdict::failed) == 0 ? exit_success : exit_failed;
 }
 
@@ -121,8 +128,8 @@ int check_run(const check_request& request, std::FILE* p_output) {
         throw failure{exit_misused, "no row's name starts so; --list tells them all"};
     if (request.lists) {
         for (const row& listed : rows)
-            std::fprintf(p_output, "%s%s\n", listed.name.c_str(),
-                         listed.by == demand::hosts ? " (a warning at most)" : "");
+            print(p_output,
+                  listed.name + (listed.by == demand::hosts ? " (a warning at most)\n" : "\n"));
         return exit_success;
     }
     int status = exit_success;

@@ -3,13 +3,12 @@
 #include "command/info_command.h"
 #include "command/panel_command.h"
 #include "command/render_command.h"
+#include "failure/print.h"
 #include "failure/printable.h"
 #include "platform/interrupt.h"
 #include "platform/process.h"
 #include "platform/streams.h"
 
-#include <cerrno>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <sstream>
@@ -130,14 +129,6 @@ std::string complaint_text(const CLI::App& app, const CLI::ParseError& error) {
     for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
         text += std::exchange(separator, ", ") + command->get_name();
     return text;
-}
-
-void print(std::FILE* p_output, const std::string& text) {
-    if (p_output)
-        std::fputs(text.c_str(), p_output);
-    if (!p_output || std::fflush(p_output) != 0)
-        throw failure{exit_failed,
-                      std::string{"cannot write to standard output: "} + std::strerror(errno)};
 }
 
 /// Beside the program where both are built; else in the VST folder where both are installed.

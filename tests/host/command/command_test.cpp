@@ -334,6 +334,7 @@ TEST_F(Command, ClosedStreamsAreNotTakenByFiles) {
     EXPECT_EQ(file_content(folder / "a.wav"), file_content(folder / "b.wav"));
     EXPECT_EQ(run({"render", "-", "-o", "c.wav"}).status, 2);
     EXPECT_EQ(run({"render", "song.mid", "-o", "-"}).status, 1);
+    EXPECT_EQ(run({"check", "--list"}, "").status, 1);
 }
 
 TEST_F(Command, MemoryDoesNotGrowWithTheRender) {
@@ -367,10 +368,12 @@ TEST_F(Command, WhereNothingMoreCanBeWrittenTheReasonIsTold) {
           {{"render", "song.mid", "-o", "-"}, "/tmp", "| head -c 1 >/dev/null", "its reader ended"},
           {{"render", "song.mid", "-o", "-"}, "/no such folder", "", "set TMPDIR"},
           {{"render", "song.mid", "--normalize"}, "/no such folder", "", "set TMPDIR"},
+          {{"check", "--list"}, "/tmp", ">/dev/full", "standard output: No space left"},
           {{"info"}, "/tmp", ">/dev/full", "cannot write to standard output: No space left"}}) {
         surroundings.environment["TMPDIR"] = row.temporary_folder;
         surroundings.after = row.after;
-        const process_result result = run(row.arguments);
+        const process_result result =
+            run(row.arguments, row.arguments[0] == "check" ? "" : "sine_main");
         EXPECT_EQ(result.status, *row.after == '|' ? 0 : 1) << row.part;
         EXPECT_TRUE(contains(result.err, row.part)) << row.part << result.err;
         EXPECT_FALSE(std::filesystem::exists(folder / "song.wav")) << row.part;
