@@ -8,7 +8,8 @@
 /// A row's process once it is over.
 struct isolated_end {
     std::string crash{}; ///< or hang, for the user to read; empty if the row came to its end
-    const report& told;  ///< valid until the next row's
+    bool is_hang;
+    const report& told; ///< valid until the next row's
 };
 
 [[nodiscard]] isolated_end judge_isolated(const row& judged, const std::filesystem::path& file,

@@ -72,11 +72,11 @@ isolated_end judge_isolated(const row& judged, const std::filesystem::path& file
         kill(child, SIGKILL);
         waitpid(child, nullptr, 0);
         return {"it hangs: the row is not done after " + std::to_string(limit.count()) + " seconds",
-                shared};
+                true, shared};
     }
     if (WIFSIGNALED(status))
-        return {std::string{"it crashes: "} + strsignal(WTERMSIG(status)), shared};
+        return {std::string{"it crashes: "} + strsignal(WTERMSIG(status)), false, shared};
     if (shared.result == verdict::none)
-        return {"it ends the process", shared};
-    return {{}, shared};
+        return {"it ends the process", false, shared};
+    return {{}, false, shared};
 }

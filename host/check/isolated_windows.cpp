@@ -63,12 +63,12 @@ isolated_end judge_isolated(const row& judged, const std::filesystem::path& file
     if (is_hang)
         return {"it hangs: the row is not done after " + std::to_string(request.limit_seconds)
                     + " seconds",
-                shared};
+                true, shared};
     if (status >= 0xC0000000)
-        return {"it crashes: exception " + hex_text(status), shared};
+        return {"it crashes: exception " + hex_text(status), false, shared};
     if (shared.result == verdict::none)
-        return {"it ends the process", shared};
-    return {{}, shared};
+        return {"it ends the process", false, shared};
+    return {{}, false, shared};
 }
 
 void judge_for_parent(const check_request& request) {

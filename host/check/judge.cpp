@@ -27,11 +27,11 @@ std::string place_text(const report& seen, std::uint32_t seed) {
 }
 
 finding find(const row& judged, const std::filesystem::path& file, const check_request& request) {
-    const auto& [crash, told] = judge_isolated(judged, file, request);
+    const auto& [crash, is_hang, told] = judge_isolated(judged, file, request);
     finding found{told.result, told.seen.data()};
     if (!crash.empty())
         found = {verdict::failed, crash};
-    if (found.result == verdict::failed && judged.by == demand::hosts)
+    if (found.result == verdict::failed && (is_hang ? judged.in_time : judged.by) == demand::hosts)
         found.result = verdict::warning;
     if (found.result == verdict::failed || found.result == verdict::warning || request.is_verbose)
         found.seen += place_text(told, request.seed);
@@ -69,7 +69,7 @@ std::string flaw_of(const std::filesystem::path& file, const check_request& requ
     std::error_code error;
     if (!std::filesystem::is_regular_file(file, error))
         return file.string() + " is no file; name a plug-in's";
-    const auto& [crash, told] = judge_isolated(row_of(load_row), file, request);
+    const auto& [crash, is_hang, told] = judge_isolated(row_of(load_row), file, request);
     if (!crash.empty() || told.result != verdict::failed)
         return {};
     return std::string{told.seen.data()} + "; name the file of a VST 2 plug-in for this system";

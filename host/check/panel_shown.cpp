@@ -56,7 +56,18 @@ void panel_shown::close() {
 void panel_shown::idle(int nb_times) {
     for (int i = 0; i < nb_times; ++i) {
         p_window_->handle_messages();
-        plugin_.ask(effEditIdle);
+        if (is_open_)
+            plugin_.ask(effEditIdle);
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
+}
+
+bool panel_shown::idle_until(const std::function<bool()>& holds) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+    while (!holds()) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        idle(1);
+    }
+    return true;
 }

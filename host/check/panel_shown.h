@@ -19,6 +19,10 @@ public:
     void close(); ///< unless it is
     void idle(int nb_times);
 
+    /// Idles until it holds, for at most a second; returns whether it does. Panels may have an
+    /// event thread of their own, which takes its time.
+    bool idle_until(const std::function<bool()>& holds);
+
     [[nodiscard]] subject& plugin() { return plugin_; }
     [[nodiscard]] editor_window& window() { return *p_window_; }
     [[nodiscard]] int width() const { return width_; }

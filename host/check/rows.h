@@ -15,6 +15,7 @@ struct row {
     std::string name; ///< subject/what is judged
     demand by;
     std::function<void(trial&)> judge;
+    demand in_time = by; ///< by whom it is demanded that the row comes to its end
 };
 
 using table = std::vector<row>;

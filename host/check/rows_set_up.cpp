@@ -10,12 +10,13 @@ namespace {
 struct order_case {
     const char* name;
     std::string calls; ///< r: rate, b: block length, m: resume, s: suspend
+    demand by = demand::interface;
 };
 
 const order_case orders[]{{"set-up/block length before rate", "brm"},
-                          {"set-up/resumed before it is set up", "mrb"},
+                          {"set-up/resumed before it is set up", "mrb", demand::hosts},
                           {"set-up/all of it twice", "rbmsrbm"},
-                          {"set-up/set up anew without suspension", "rbmrbrb"}};
+                          {"set-up/set up anew without suspension", "rbmrbrb", demand::hosts}};
 
 void any_order(trial& running, const std::string& calls) {
     require_sound(running);
@@ -86,7 +87,7 @@ void plays_at(trial& running, int rate) {
 table set_up_rows() {
     table rows;
     for (const order_case& judged : orders)
-        rows.push_back({judged.name, demand::interface,
+        rows.push_back({judged.name, judged.by,
                         [&judged](trial& running) { any_order(running, judged.calls); }});
     rows.push_back({"set-up/suspended and resumed", demand::interface, suspended_and_resumed});
     rows.push_back({"set-up/rates while it sounds", demand::interface, rates_while_it_sounds});

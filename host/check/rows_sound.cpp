@@ -47,5 +47,5 @@ void heard(trial& running) { require_sound(running); }
 table sound_rows() {
     return {{"sound/note is heard", demand::interface, heard},
             {"sound/finite", demand::interface, finite},
-            {"sound/no subnormal numbers", demand::interface, normal}};
+            {"sound/no subnormal numbers", demand::hosts, normal}};
 }
