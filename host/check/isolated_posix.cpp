@@ -1,13 +1,13 @@
 #include "check/isolated.h"
 
 #include "failure/failure.h"
+#include "platform/streams.h"
 
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstring>
 #include <ctime>
-#include <fcntl.h>
 #include <new>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -23,12 +23,6 @@ report& shared_report() {
     if (pages == MAP_FAILED)
         throw std::bad_alloc{};
     return *new (pages) report;
-}
-
-void discard_output() {
-    const int nowhere = open("/dev/null", O_WRONLY);
-    dup2(nowhere, STDOUT_FILENO);
-    dup2(nowhere, STDERR_FILENO);
 }
 
 /// Waits for the process, looking now and then; returns false when the time is over.

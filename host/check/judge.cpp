@@ -21,8 +21,10 @@ std::string place_text(const report& seen, std::uint32_t seed) {
     if (seen.doing[0])
         text += std::string{seen.doing.data()} + "; ";
     if (seen.rate > 0)
-        text += "rate " + std::to_string(seen.rate) + ", block " + std::to_string(seen.block)
-                + ", frame " + std::to_string(seen.frame) + ", ";
+        text +=
+            "rate " + std::to_string(seen.rate) + ", block " + std::to_string(seen.block) + ", ";
+    if (seen.frame != no_frame)
+        text += "frame " + std::to_string(seen.frame) + ", ";
     return text + "seed " + std::to_string(seed) + ")";
 }
 

@@ -8,10 +8,12 @@
 
 enum class verdict : int { none, ok, warning, failed, skipped };
 
+constexpr long no_frame = -1; ///< what is told happened at none
+
 struct report {
     std::atomic<int> rate = 0;
     std::atomic<int> block = 0;
-    std::atomic<long> frame = 0;
+    std::atomic<long> frame = no_frame;
     std::atomic<verdict> result = verdict::none; ///< none until the row came to its end
     std::array<char, 256> doing{};               ///< texts end with zero
     std::array<char, 1024> seen{};

@@ -1,5 +1,6 @@
 #include "check/rows.h"
 
+#include "failure/failure.h"
 #include "plugin/effect.h"
 
 #include <algorithm>
@@ -23,7 +24,12 @@ row row_of(const std::string& name) {
         if (listed.name == name)
             return listed;
     return {load_row, demand::interface, [](trial& running) {
-                const effect loaded(running.file, answer_version,
-                                    effect::after_closing::stays_loaded);
+                try {
+                    const effect loaded(running.file, answer_version,
+                                        effect::after_closing::stays_loaded);
+                } catch (const failure& flaw) {
+                    if (flaw.status == exit_misused)
+                        throw; // a plug-in that is broken fails in every row
+                }
             }};
 }

@@ -39,6 +39,7 @@ void set_while_playing(trial& running, const std::vector<float>& values) {
 
 void within_limits(trial& running) {
     const subject asked(running);
+    require_parameters(running, asked);
     for (VstInt32 index = 0; index < asked.record().numParams; ++index) {
         for (const float value : {-1.0f, 0.0f, 1.0f}) { // the first stands for its default
             if (value >= 0)

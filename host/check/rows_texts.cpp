@@ -122,6 +122,8 @@ void state_comes_back(trial& running) {
         running.skip("it leaves saving to its host");
     for (const VstInt32 is_program : {0, 1}) {
         running.doing(is_program ? "a program's chunk" : "a bank's chunk");
+        for (VstInt32 i = 0; i < saved.record().numParams; ++i)
+            saved.set(i, i % 2 ? 0.25f : 0.75f);
         void* state = nullptr;
         const VstIntPtr nb_bytes = saved.ask(effGetChunk, is_program, 0, &state);
         running.expect(nb_bytes == 0 || (nb_bytes > 0 && state), "its chunk has no bytes");

@@ -101,6 +101,9 @@ private:
     bool wrote_beyond_ = false;
 };
 
+/// Whether a note that is struck is heard. Skips the row unless the plug-in is an instrument.
+[[nodiscard]] bool is_heard(trial& running);
+
 /// Skips the row unless the plug-in is an instrument that is heard when a note is struck.
 void require_sound(trial& running);
 

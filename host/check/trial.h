@@ -27,7 +27,7 @@ public:
     void at(int rate, int block) {
         report_.rate = rate;
         report_.block = block;
-        report_.frame = 0;
+        report_.frame = no_frame;
     }
     void at_frame(long frame) { report_.frame = frame; }
 

@@ -7,9 +7,11 @@
 #include <ctime>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <pthread.h>
 #include <semaphore.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace {
 
@@ -106,10 +108,31 @@ WATCH(watched::lock, int, pthread_rwlock_rdlock, (pthread_rwlock_t * lock), (loc
 WATCH(watched::lock, int, pthread_rwlock_wrlock, (pthread_rwlock_t * lock), (lock))
 WATCH(watched::lock, int, pthread_cond_wait, (pthread_cond_t * condition, pthread_mutex_t* mutex),
       (condition, mutex))
+WATCH(watched::lock, int, pthread_mutex_timedlock, (pthread_mutex_t * mutex, const timespec* end),
+      (mutex, end))
+WATCH(watched::lock, int, pthread_mutex_clocklock,
+      (pthread_mutex_t * mutex, clockid_t clock, const timespec* end), (mutex, clock, end))
+WATCH(watched::lock, int, pthread_cond_timedwait,
+      (pthread_cond_t * condition, pthread_mutex_t* mutex, const timespec* end),
+      (condition, mutex, end))
+WATCH(watched::lock, int, pthread_cond_clockwait,
+      (pthread_cond_t * condition, pthread_mutex_t* mutex, clockid_t clock, const timespec* end),
+      (condition, mutex, clock, end))
 WATCH(watched::lock, int, pthread_join, (pthread_t thread, void** result), (thread, result))
 WATCH(watched::lock, int, sem_wait, (sem_t * semaphore), (semaphore))
+WATCH(watched::lock, int, sem_timedwait, (sem_t * semaphore, const timespec* end), (semaphore, end))
+WATCH(watched::lock, int, clock_nanosleep,
+      (clockid_t clock, int flags, const timespec* pause, timespec* rest),
+      (clock, flags, pause, rest))
+WATCH(watched::lock, int, usleep, (useconds_t pause), (pause))
+WATCH(watched::lock, int, poll, (pollfd * files, nfds_t nb_files, int milliseconds),
+      (files, nb_files, milliseconds))
 WATCH(watched::lock, int, nanosleep, (const timespec* pause, timespec* rest), (pause, rest))
 WATCH(watched::system, std::FILE*, fopen, (const char* file, const char* mode), (file, mode))
+WATCH(watched::system, std::FILE*, fopen64, (const char* file, const char* mode), (file, mode))
+WATCH(watched::system, void*, mmap64,
+      (void* address, std::size_t length, int access, int flags, int file, off64_t offset),
+      (address, length, access, flags, file, offset))
 WATCH(watched::system, void*, mmap,
       (void* address, std::size_t length, int access, int flags, int file, off_t offset),
       (address, length, access, flags, file, offset))
@@ -119,14 +142,20 @@ WATCH(watched::system, ssize_t, read, (int file, void* memory, std::size_t lengt
 WATCH(watched::system, ssize_t, write, (int file, const void* memory, std::size_t length),
       (file, memory, length))
 
-WATCHED int open(const char* file, int flags, ...) {
-    static auto* const p_next = next<int(const char*, int, ...)>("open");
-    count(watched::system, "open");
-    va_list more;
-    va_start(more, flags);
-    const auto mode = va_arg(more, mode_t);
-    va_end(more);
-    return p_next(file, flags, mode);
-}
+#define WATCH_OPENING(name, parameters, type, ...)                                                 \
+    WATCHED int name parameters {                                                                  \
+        static auto* const p_next = next<type>(#name);                                             \
+        count(watched::system, #name);                                                             \
+        va_list more;                                                                              \
+        va_start(more, flags);                                                                     \
+        const auto mode = va_arg(more, mode_t);                                                    \
+        va_end(more);                                                                              \
+        return p_next(__VA_ARGS__, flags, mode);                                                   \
+    }
+
+WATCH_OPENING(open, (const char* file, int flags, ...), int(const char*, int, ...), file)
+WATCH_OPENING(open64, (const char* file, int flags, ...), int(const char*, int, ...), file)
+WATCH_OPENING(openat, (int folder, const char* file, int flags, ...),
+              int(int, const char*, int, ...), folder, file)
 
 } // extern "C"

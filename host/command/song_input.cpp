@@ -18,10 +18,8 @@ namespace {
 std::vector<std::uint8_t> read_all(std::FILE* stream, const std::string& argument) {
     std::vector<std::uint8_t> bytes;
     std::array<std::uint8_t, 1 << 16> piece;
-    while (bytes.size() <= midi_file_max_bytes) {
+    while (bytes.size() <= midi_file_max_bytes && !std::feof(stream) && !std::ferror(stream)) {
         const auto nb_bytes = std::fread(piece.data(), 1, piece.size(), stream);
-        if (nb_bytes == 0)
-            break;
         bytes.insert(bytes.end(), piece.begin(), piece.begin() + nb_bytes);
     }
     if (std::ferror(stream))

@@ -8,9 +8,6 @@
 
 void set_environment(const char* name, const char* value);
 
-/// From now on nothing that prints on standard output is seen.
-void discard_standard_output();
-
 /// From now on a crash ends the process at once, without asking anyone.
 void silence_crash_dialogs();
 

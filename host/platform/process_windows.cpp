@@ -1,6 +1,5 @@
 #include "platform/process.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <windows.h>
@@ -12,11 +11,6 @@ std::filesystem::path executable_path() {
 }
 
 void set_environment(const char* name, const char* value) { _putenv_s(name, value); }
-
-void discard_standard_output() {
-    if (!std::freopen("NUL", "w", stdout))
-        std::fclose(stdout);
-}
 
 void silence_crash_dialogs() {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);

@@ -10,6 +10,9 @@
 /// drops what is written, so that no file opened later takes its place. Call once, first of all.
 [[nodiscard]] std::FILE* claim_standard_output();
 
+/// From now on nothing that is printed is seen, neither on standard output nor on standard error.
+void discard_output();
+
 [[nodiscard]] bool is_terminal(std::FILE* stream);
 
 /// Where there is room for large files for a while: what TMPDIR says, or else a folder that lies on

@@ -21,9 +21,19 @@ std::FILE* claim_standard_output() {
     do
         nowhere = open("/dev/null", O_WRONLY);
     while (nowhere >= 0 && nowhere <= STDERR_FILENO);
-    dup2(nowhere, STDOUT_FILENO);
-    close(nowhere);
+    if (nowhere >= 0) {
+        dup2(nowhere, STDOUT_FILENO);
+        close(nowhere);
+    }
     return real_output < 0 ? nullptr : fdopen(real_output, "wb");
+}
+
+void discard_output() {
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (nowhere < 0)
+        return;
+    dup2(nowhere, STDOUT_FILENO);
+    dup2(nowhere, STDERR_FILENO);
 }
 
 bool is_terminal(std::FILE* stream) { return stream && isatty(fileno(stream)); }

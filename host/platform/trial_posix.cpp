@@ -1,5 +1,7 @@
 #include "platform/trial.h"
 
+#include "platform/streams.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -16,9 +18,7 @@ enum class outcome { came_back, ended, hangs };
 
 [[noreturn]] void run_child(int answer_pipe, const std::function<void()>& attempt) {
     prctl(PR_SET_PDEATHSIG, SIGKILL); // one that hangs must not outlive a parent that is stopped
-    const int nowhere = open("/dev/null", O_WRONLY);
-    dup2(nowhere, STDOUT_FILENO);
-    dup2(nowhere, STDERR_FILENO);
+    discard_output();
     try {
         attempt();
     } catch (...) {

@@ -22,9 +22,11 @@ bool is_trusted(const fs::path& path) {
 
 bool is_trusted_all_the_way(const fs::path& path) {
     fs::path way;
-    for (const fs::path& part : path)
-        if (!is_trusted(way /= part))
+    for (const fs::path& part : path) {
+        way /= part;
+        if (!is_trusted(way))
             return false;
+    }
     return true;
 }
 

@@ -65,7 +65,10 @@ INSTANTIATE_TEST_SUITE_P(
                     fault_case{"control_register", "FAILED", "processor/control registers"},
                     fault_case{"gestures", "FAILED", "panel/gestures are balanced"},
                     fault_case{"null_outputs", "warning", "blocks/null outputs"},
-                    fault_case{"long_blocks", "warning", "blocks/longer than announced"}),
+                    fault_case{"long_blocks", "warning", "blocks/longer than announced"},
+                    fault_case{"no_record", "FAILED", ""},
+                    fault_case{"mute", "warning", "sound/note is heard"},
+                    fault_case{"opens_file", "FAILED", "audio-thread/files and mappings"}),
     [](const auto& given) { return given.param.name; });
 
 TEST(Check, OwnInstrumentDoesWhatAnyHostExpects) {

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <limits>
 #include <mutex>
 #include <sys/mman.h>
@@ -30,7 +31,10 @@ enum faults {
     control_register,
     gestures,
     null_outputs,
-    long_blocks
+    long_blocks,
+    no_record,
+    mute,
+    opens_file
 };
 
 struct instrument {
@@ -131,6 +135,8 @@ void misbehave(const instrument& played, VstInt32 nb_frames) {
         void* volatile memory = std::malloc(512); // volatile, or the compiler leaves both out
         std::free(memory);
     }
+    if (FAULT == opens_file)
+        ::close(::open("/dev/null", O_RDONLY));
     if (FAULT == lock)
         const std::scoped_lock held(process_lock);
     if (FAULT == control_register)
@@ -145,7 +151,7 @@ void VSTCALLBACK process(AEffect* effect, float**, float** outputs, VstInt32 nb_
     float& phase = FAULT == shared_state ? shared_phase : played.phase;
     for (VstInt32 i = 0; i < nb_frames; ++i) {
         phase = std::fmod(phase + 440 / played.rate, 1.0f);
-        float sample = played.is_held ? phase - 0.5f : 0;
+        float sample = played.is_held && FAULT != mute ? phase - 0.5f : 0;
         if (FAULT == subnormals && !played.is_held)
             sample = std::numeric_limits<float>::denorm_min();
         if (FAULT == no_number && played.rate == 88200)
@@ -160,6 +166,8 @@ void VSTCALLBACK process(AEffect* effect, float**, float** outputs, VstInt32 nb_
 
 extern "C" __attribute__((visibility("default"))) AEffect* VSTCALLBACK
 VSTPluginMain(audioMasterCallback host) {
+    if (FAULT == no_record)
+        return nullptr;
     instrument* volatile made = new instrument; // volatile, or the lost one is never made
     if (FAULT == leak)
         made = new instrument;
