@@ -1,5 +1,5 @@
 ; The installer for Windows. makensis -DVERSION=... -DSTAGE=FOLDER -DOUTPUT=FILE; the folder holds
-; win32 and win64 with the plug-in, and the texts. Per user: it needs no administrator.
+; win32 and win64 with the plug-in and its judge, and the texts. Per user: it needs no administrator.
 
 Unicode true
 SetCompressor /SOLID lzma
