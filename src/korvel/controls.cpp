@@ -2,9 +2,6 @@
 
 #include "filter/iir_design.h"
 
-#include <bit>
-#include <cstdint>
-
 namespace {
 
 constexpr auto relaxed = std::memory_order_relaxed;
@@ -25,21 +22,15 @@ int split_mode(float value, int mode) {
     return mode;
 }
 
-std::uint32_t bits(float value) { return std::bit_cast<std::uint32_t>(value); }
-
 /// Stores the value, and what follows from it through `publish`. Where several threads set it at
-/// once, whoever publishes last looks whether its value still stands: the later one wins whole.
+/// once, each looks after publishing whether its value still stands, and whoever replaces a value
+/// sees all that was published for it: the later one wins whole.
 template <typename Publish>
 void set_whole(std::atomic<float>& stored, float value, Publish publish) {
-    stored.store(value, relaxed);
-    do {
-        // Each fence orders one thread's store of its value before, or what it published before,
-        // the other's.
-        std::atomic_thread_fence(std::memory_order_seq_cst);
-        value = stored.load(relaxed);
+    stored.exchange(value, std::memory_order_acq_rel);
+    do
         publish(value);
-        std::atomic_thread_fence(std::memory_order_seq_cst);
-    } while (bits(stored.load(relaxed)) != bits(value)); // what is no number equals itself too
+    while (!stored.compare_exchange_strong(value, value, std::memory_order_acq_rel));
 }
 
 } // namespace
