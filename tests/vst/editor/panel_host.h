@@ -77,8 +77,11 @@ private:
         }
         if (opcode != audioMasterOpenFileSelector)
             return opcode == audioMasterCanDo && has_file_selector;
-        ++nb_requests;
-        chosen.copy(static_cast<VstFileSelect*>(ptr)->returnPath, 1023);
+        char*& path = static_cast<VstFileSelect*>(ptr)->returnPath;
+        if (++nb_requests % 2 == 0) // some hosts answer in memory of their own
+            path = chosen.data();
+        else
+            chosen.copy(path, 1023);
         return !chosen.empty();
     }
 };
