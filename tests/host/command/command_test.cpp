@@ -226,8 +226,11 @@ TEST_F(Command, FindsThePluginBesideItself) {
 }
 
 TEST_F(Command, HelpFitsATerminal) {
-    for (const words& arguments :
-         {words{"--help"}, {"render", "--help"}, {"panel", "--help"}, {"info", "--help"}}) {
+    for (const words& arguments : {words{"--help"},
+                                   {"render", "--help"},
+                                   {"panel", "--help"},
+                                   {"info", "--help"},
+                                   {"check", "--help"}}) {
         words whole{TEST_COMMAND};
         whole.insert(whole.end(), arguments.begin(), arguments.end());
         const process_result result = process_run(whole);
