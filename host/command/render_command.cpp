@@ -112,8 +112,10 @@ void render_run(const render_request& request, std::FILE* p_output) {
     format.nb_channels = std::max(1, instrument.nb_channels());
 
     const bool goes_out = output_name == "-";
-    auto output =
-        goes_out ? output_file{p_output} : output_file{std::filesystem::path{output_name}};
+    const auto one_there =
+        request.output.empty() ? output_file::if_there::refuses : output_file::if_there::replaces;
+    auto output = goes_out ? output_file{p_output}
+                           : output_file{std::filesystem::path{output_name}, one_there};
     audio_file file{output, format};
     sound_writer writer = make_writer(file, request);
     const std::string name = goes_out ? "standard output" : output_name;

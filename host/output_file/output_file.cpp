@@ -11,7 +11,8 @@
 
 namespace fs = std::filesystem;
 
-output_file::output_file(const fs::path& file) : name_{file.string()}, file_{file} {
+output_file::output_file(const fs::path& file, if_there one_there)
+    : name_{file.string()}, file_{file}, one_there_{one_there} {
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (fs::is_directory(status))
@@ -76,10 +77,11 @@ void output_file::finish() {
     if (temporary_.empty())
         claim_temporary([this](const fs::path& name) { return name_file(p_stream_, name); });
     close(std::exchange(p_stream_, nullptr));
-    std::error_code error;
-    fs::rename(temporary_, file_, error);
-    if (error)
-        fail(error.value());
+    const bool is_in_place = one_there_ == if_there::refuses
+                                 ? move_to_new_file(temporary_, file_)
+                                 : std::rename(temporary_.c_str(), file_.c_str()) == 0;
+    if (!is_in_place)
+        fail(errno);
     interrupt_removes(nullptr);
     temporary_.clear();
 }

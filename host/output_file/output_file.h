@@ -11,10 +11,13 @@
 
 class output_file {
 public:
-    /// Opens a file that replaces `file`, and keeps its mode, when it is finished. If `file` is
-    /// there and no regular file (a named pipe, say), it receives the bytes instead. Throws a
-    /// failure if that cannot work out.
-    explicit output_file(const std::filesystem::path& file);
+    enum class if_there { replaces, refuses };
+
+    /// Opens a file that takes its place under the name when it is finished. A file that is there
+    /// by then is refused with a failure, or replaced, and its mode kept; what is no regular file
+    /// (a named pipe, say) receives the bytes instead. Throws a failure if that cannot work out.
+    explicit output_file(const std::filesystem::path& file,
+                         if_there one_there = if_there::replaces);
 
     /// Opens a file whose bytes go to `p_receiver` when it is finished; that stream stays open.
     explicit output_file(std::FILE* p_receiver);
@@ -45,6 +48,7 @@ private:
 
     std::string name_; // for messages
     std::filesystem::path file_{};
+    if_there one_there_ = if_there::replaces;
     std::filesystem::path temporary_{}; // empty as long as the stream has no name
     std::FILE* p_receiver_ = nullptr;   // not owned
     std::optional<scratch_file> scratch_{};

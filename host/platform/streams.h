@@ -31,6 +31,11 @@ void discard_output();
 /// reason is in errno.
 [[nodiscard]] bool name_file(std::FILE* stream, const std::filesystem::path& file);
 
+/// Renames a file to what must not exist yet. Returns whether that worked; if not, the reason is in
+/// errno.
+[[nodiscard]] bool move_to_new_file(const std::filesystem::path& from,
+                                    const std::filesystem::path& to);
+
 /// Creates a file that must not exist yet; null on failure, with the reason in errno.
 [[nodiscard]] std::FILE* create_new_file(const std::filesystem::path& file);
 

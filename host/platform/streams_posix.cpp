@@ -2,6 +2,7 @@
 
 #include "platform/interrupt.h"
 
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <string>
@@ -66,6 +67,18 @@ std::FILE* open_scratch_file(const std::filesystem::path& folder) {
 bool name_file(std::FILE* stream, const std::filesystem::path& file) {
     const auto source = std::filesystem::path{descriptor_folder} / std::to_string(fileno(stream));
     return linkat(AT_FDCWD, source.c_str(), AT_FDCWD, file.c_str(), AT_SYMLINK_FOLLOW) == 0;
+}
+
+bool move_to_new_file(const std::filesystem::path& from, const std::filesystem::path& to) {
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL) // that says a file system which cannot refuse
+        return false;
+    if (std::filesystem::exists(std::filesystem::symlink_status(to))) {
+        errno = EEXIST;
+        return false;
+    }
+    return std::rename(from.c_str(), to.c_str()) == 0;
 }
 
 std::FILE* create_new_file(const std::filesystem::path& file) {

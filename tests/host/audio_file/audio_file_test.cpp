@@ -1,5 +1,6 @@
 #include "audio_file/audio_file.h"
 
+#include "failure/failure.h"
 #include "platform/interrupt.h"
 #include "tests/temporary_folder.h"
 
@@ -102,6 +103,15 @@ TEST_F(AudioFile, ThePreviousFileStaysBehindItsLinkUntilTheNewOneIsWhole) {
             std::raise(SIGTERM);
         };
         EXPECT_EXIT(end_early(), testing::KilledBySignal(SIGTERM), "^tindelwax: interrupted");
+        expect_nothing_happened();
+        const std::string came_meanwhile = folder / "new.wav";
+        {
+            output_file output{came_meanwhile, output_file::if_there::refuses};
+            file_write(came_meanwhile, std::string{"theirs"});
+            EXPECT_THROW(output.finish(), failure);
+        }
+        EXPECT_EQ(file_content(came_meanwhile), "theirs");
+        std::filesystem::remove(came_meanwhile);
         expect_nothing_happened();
         write_samples(name, {});
         EXPECT_EQ(file_content(folder / "real.wav").substr(0, 4), "RIFF");
