@@ -94,11 +94,17 @@ void apply_settings(plugin& instrument, const std::vector<std::string>& settings
 }
 
 void join_optional_level(std::vector<std::string>& arguments) {
+    const auto is_value = [&arguments](auto word) {
+        return word != arguments.end() && (*word == "-" || !word->starts_with('-'));
+    };
     for (auto option = arguments.begin(); option != arguments.end(); ++option) {
         if (*option != "--normalize")
             continue;
         const auto level = std::next(option);
-        if (level != arguments.end() && parse_number<double>(*level)) {
+        const bool is_level =
+            level != arguments.end()
+            && (parse_number<double>(*level) || (is_value(level) && is_value(std::next(level))));
+        if (is_level) {
             *option += "=" + *level;
             arguments.erase(level);
         } else {
