@@ -1,9 +1,10 @@
 #include "platform/library.h"
 
-#include <array>
+#include <cerrno>
+#include <cstring>
 #include <dlfcn.h>
-#include <elf.h>
 #include <fstream>
+#include <link.h>
 #include <utility>
 
 namespace {
@@ -13,18 +14,32 @@ void* open_library(const std::filesystem::path& file, int flags) {
     return dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL | flags);
 }
 
+/// A library's beginning; of what is too short for one, zeros.
+ElfW(Ehdr) header_of(std::istream& stream) {
+    ElfW(Ehdr) header{};
+    stream.read(reinterpret_cast<char*>(&header), sizeof header);
+    return header;
+}
+
 /// In the words of somebody who chose the wrong file.
 std::string reason(const std::filesystem::path& file) {
     const std::string system_says = dlerror();
-    std::array<char, EI_NIDENT> start{};
-    std::ifstream{file, std::ios::binary}.read(start.data(), start.size());
-    const std::string_view text{start.data(), start.size()};
-    if (text.starts_with("MZ"))
+    std::ifstream stream{file, std::ios::binary};
+    if (!stream)
+        return std::string{"it cannot be read: "} + std::strerror(errno);
+    std::ifstream own_program{"/proc/self/exe", std::ios::binary};
+    const auto [wanted, header] = std::pair{header_of(own_program), header_of(stream)};
+    const std::string_view start{reinterpret_cast<const char*>(header.e_ident), SELFMAG};
+    if (start.starts_with("MZ"))
         return "it is a Windows library";
-    if (!text.starts_with(ELFMAG))
+    if (start != ELFMAG)
         return "it is no library";
-    constexpr auto own_width = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
-    return text[EI_CLASS] == own_width ? system_says : "it is for programs of another width";
+    if (header.e_ident[EI_CLASS] != wanted.e_ident[EI_CLASS])
+        return "it is for programs of another width";
+    if (header.e_machine != wanted.e_machine)
+        return "it is for another processor";
+    const bool is_program = header.e_type == ET_EXEC || system_says.ends_with("executable");
+    return is_program ? "it is a program, no library" : system_says;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "plugin/plugin.h"
 
+#include "failure/printable.h"
 #include "platform/trial.h"
 
 #include <algorithm>
@@ -13,12 +14,22 @@ constexpr std::size_t text_capacity = 4096;
 
 constexpr const char* next_step = "; choose another plug-in with --plugin FILE";
 
-std::string tidy(std::string text) {
-    const auto is_control = [](char c) { return (c >= 0 && c < ' ') || c == 0x7F; };
-    std::replace_if(text.begin(), text.end(), is_control, ' ');
-    text.erase(0, text.find_first_not_of(' '));
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
+/// Without the blanks around it that some pad their texts with.
+std::string tidy(const std::string& text) {
+    constexpr const char* blanks = " \t\r\n";
+    const auto first = text.find_first_not_of(blanks);
+    if (first == text.npos)
+        return "";
+    return printable(text.substr(first, text.find_last_not_of(blanks) + 1 - first));
+}
+
+effect open_effect(const std::filesystem::path& file, command_host& host) {
+    try {
+        return {file, [&host](const host_call& call) { return host.answer(call); },
+                effect::after_closing::stays_loaded};
+    } catch (const failure& refusal) {
+        throw failure{refusal.status, std::string{refusal.what()} + next_step};
+    }
 }
 
 void resize_channels(std::vector<std::vector<float>>& channels, std::vector<float*>& pointers,
@@ -32,16 +43,10 @@ void resize_channels(std::vector<std::vector<float>>& channels, std::vector<floa
 
 } // namespace
 
-plugin::plugin(const std::filesystem::path& file) try
+plugin::plugin(const std::filesystem::path& file)
     : name_{file.string()},
       host_{.plugin_folder = std::filesystem::absolute(file).parent_path()},
-      effect_{file, [this](const host_call& call){return host_.answer(call);}, effect
-    ::after_closing::stays_loaded
-}
-{}
-catch (const failure& refusal) {
-    throw failure{refusal.status, std::string{refusal.what()} + next_step};
-}
+      effect_{open_effect(file, host_)} {}
 
 plugin::~plugin() { stop(); }
 

@@ -31,8 +31,8 @@ public:
     VstIntPtr ask(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
                   float opt = 0);
 
-    /// The plug-in's answer to an opcode that writes a text, without control characters and
-    /// surrounding spaces.
+    /// The plug-in's answer to an opcode that writes a text, printable and without the blanks
+    /// around it.
     [[nodiscard]] std::string text(VstInt32 opcode, VstInt32 index = 0);
 
     [[nodiscard]] float parameter(int index);

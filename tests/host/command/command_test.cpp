@@ -248,8 +248,11 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
     file_write(folder / "endless.mid", song(0, 1, {"FF FF FF 7F C0 01"}));
     file_write(folder / "noise.so", std::string{"no library"});
     file_write(folder / "mz.so", std::string{"MZ"});
-    file_write(folder / "narrow.so", std::string{"\x7F"
-                                                 "ELF\x01\x01\x01"});
+    std::string library = file_content(test_plugin("sine_main"));
+    library[18] = '\x03'; // the processor
+    file_write(folder / "foreign.so", library);
+    library[4] = '\x01'; // the width
+    file_write(folder / "narrow.so", library);
     const complaint rows[] = {
         {{}, "", 2, "a command is missing; the commands are render, panel, info"},
         {{"bogus"}, "", 2, "\"bogus\" is no command; the commands are render, panel, info"},
@@ -263,6 +266,7 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
         {{"render", "song.mid", "--block"}, "", 2, "--block takes one value"},
         {{"render", "song.mid", "--loud"}, "", 2, "--loud"},
         {{"render", "song.mid", "--gain", "1", "--normalize"}, "", 2, "--gain"},
+        {{"render", "--normalize", "loud", "song.mid"}, "", 2, "--normalize takes a number"},
         {{"render", "song.mid", "--channels", "0"}, "sine_main", 2, "1 to 16"},
         {{"render", "song.mid", "--set", "Volume"}, "sine_main", 2, "Name=value"},
         {{"render", "song.mid", "--set", "Depth=1"}, "sine_main", 2, "Volume, Vibrato, Mix, MIX"},
@@ -284,6 +288,8 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
         {{"info", "--plugin", "."}, "", 2, "it is no library"},
         {{"info", "--plugin", "mz.so"}, "", 2, "it is a Windows library"},
         {{"info", "--plugin", "narrow.so"}, "", 2, "it is for programs of another width"},
+        {{"info", "--plugin", "foreign.so"}, "", 2, "it is for another processor"},
+        {{"info", "--plugin", TEST_COMMAND}, "", 2, "it is a program, no library"},
     };
     for (const complaint& row : rows)
         expect_one_sentence_and_no_file(row);
