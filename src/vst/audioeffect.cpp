@@ -70,7 +70,7 @@ AudioEffect::AudioEffect(audioMasterCallback host, VstInt32 nbPrograms, VstInt32
     cEffect.processDoubleReplacing = processClassDoubleReplacing;
 }
 
-AudioEffect::~AudioEffect() { delete editor; }
+AudioEffect::~AudioEffect() = default;
 
 VstIntPtr AudioEffect::dispatcher(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
                                   float opt) {
@@ -114,7 +114,7 @@ void AudioEffect::getParameterDisplay(VstInt32, char* text) { clear_text(text); 
 void AudioEffect::getParameterName(VstInt32, char* text) { clear_text(text); }
 
 void AudioEffect::setEditor(AEffEditor* newEditor) {
-    editor = newEditor;
+    editor.reset(newEditor);
     setFlag(effFlagsHasEditor, editor != nullptr);
 }
 

@@ -9,6 +9,8 @@
 
 #include "vst/interface.h"
 
+#include <memory>
+
 class AEffEditor;
 
 class AudioEffect {
@@ -61,9 +63,9 @@ public:
     virtual void programsAreChunks(bool state = true) { setFlag(effFlagsProgramChunks, state); }
     virtual void setInitialDelay(VstInt32 nbFrames) { cEffect.initialDelay = nbFrames; }
 
-    /// Takes the editor into the effect's ownership. One that was set before is only let go.
+    /// Takes the editor into the effect's ownership, in place of the one that was set before.
     void setEditor(AEffEditor* newEditor);
-    virtual AEffEditor* getEditor() { return editor; }
+    virtual AEffEditor* getEditor() { return editor.get(); }
 
     virtual AEffect* getAeffect() { return &cEffect; }
     virtual float getSampleRate() { return sampleRate; }
@@ -106,9 +108,9 @@ protected:
     void setFlag(VstInt32 flag, bool state);
 
     audioMasterCallback audioMaster;
-    AEffEditor* editor = nullptr; ///< owned
-    float sampleRate = 44100;     ///< Hz
-    VstInt32 blockSize = 1024;    ///< frames
+    std::unique_ptr<AEffEditor> editor{};
+    float sampleRate = 44100;  ///< Hz
+    VstInt32 blockSize = 1024; ///< frames
     VstInt32 numPrograms;
     VstInt32 numParams;
     VstInt32 curProgram = 0;

@@ -22,8 +22,8 @@ VstKeyCode key_of(VstInt32 index, VstIntPtr value, float opt) {
 
 using key_operation = bool (AEffEditor::*)(VstKeyCode&);
 
-bool send_key(AEffEditor* editor, key_operation operation, VstKeyCode key) {
-    return editor && (editor->*operation)(key);
+bool send_key(const std::unique_ptr<AEffEditor>& editor, key_operation operation, VstKeyCode key) {
+    return editor && (editor.get()->*operation)(key);
 }
 
 } // namespace

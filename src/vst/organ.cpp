@@ -54,10 +54,7 @@ Organ::Organ(audioMasterCallback host, VstInt32 nbPrograms, VstInt32 nbParams, o
 }
 
 /// The editor first: it looks at the registry.
-Organ::~Organ() {
-    delete editor;
-    setEditor(nullptr);
-}
+Organ::~Organ() { editor.reset(); }
 
 void Organ::setSampleRate(float rate) { player_set_sampling_rate(p_player.get(), rate); }
 
