@@ -70,13 +70,21 @@ void player_set_block_size(player* p_player, int block_size) {
     organ_set_block_size(p_player->p_organ.get(), std::min(block_size, player_max_piece));
 }
 
-void player_receive_midi_event(player* p_player, const char* midi_data, int frame) noexcept {
+std::span<const int> player_receive_midi_event(player* p_player, const char* midi_data,
+                                               int frame) noexcept {
     take_panic(p_player);
-    p_player->p_control->p_control_update->nb_parameter_updated = 0;
+    control_update& update = *p_player->p_control->p_control_update;
+    update.nb_parameter_updated = 0;
     if (midi_is_timed(midi_data))
         queue_note(p_player, {{midi_data[0], midi_data[1], midi_data[2]}, frame});
     else
         organ_receive_midi_event(p_player->p_organ.get(), midi_data, 0);
+
+    const std::span moved{update.parameter_index.data(),
+                          static_cast<std::size_t>(update.nb_parameter_updated)};
+    for (std::size_t i = 0; i < moved.size(); ++i)
+        player_set_parameter(p_player, moved[i], update.parameter_value[i]);
+    return moved;
 }
 
 void player_process(player* p_player, std::span<float> out_r, std::span<float> out_l) noexcept {
@@ -115,17 +123,22 @@ const parameter* player_find_parameter(const player* p_player, int index) noexce
     return position < parameters.size() ? parameters[position].get() : nullptr;
 }
 
-std::optional<float> player_parameter_value(float value) noexcept {
-    if (!std::isfinite(value))
-        return std::nullopt;
-    return std::signbit(value) ? 0.0f : value; // the sign alone: comparing, -0 and denormals pass
+float player_get_parameter(const player* p_player, int index) noexcept {
+    return player_find_parameter(p_player, index)
+               ? control_get_parameter(p_player->p_control.get(), index)
+               : 0.0f;
 }
 
-void player_set_parameter(player* p_player, int index, float value) noexcept {
-    if (!player_find_parameter(p_player, index))
-        return;
-    control* p_control = p_player->p_control.get();
-    control_set_parameter(p_control, index, value);
-    p_control->p_control_update->last_ui_control_changed_index.store(index,
-                                                                     std::memory_order_relaxed);
+std::optional<float> player_set_parameter(player* p_player, int index, float value) noexcept {
+    if (!std::isfinite(value))
+        return std::nullopt;
+    if (std::signbit(value)) // the sign alone: comparing, -0 and denormals pass
+        value = 0.0f;
+    if (player_find_parameter(p_player, index)) {
+        control* p_control = p_player->p_control.get();
+        control_set_parameter(p_control, index, value);
+        p_control->p_control_update->last_ui_control_changed_index.store(index,
+                                                                         std::memory_order_relaxed);
+    }
+    return value;
 }

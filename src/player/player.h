@@ -40,9 +40,10 @@ void player_set_block_size(player* p_player, int block_size);
 
 /// Takes a 3-byte channel message for the coming block. One that has its place in time waits with
 /// its frame, as the host gave it: block and order move it when the block is played. Any other acts
-/// at once; the registry's update record then lists the parameters that it moves, for the caller to
-/// set. [audio]
-void player_receive_midi_event(player* p_player, const char* midi_data, int frame) noexcept;
+/// at once. Returns the indices of the parameters that it moved, for whoever shows them; they stand
+/// until the next message. [audio]
+std::span<const int> player_receive_midi_event(player* p_player, const char* midi_data,
+                                               int frame) noexcept;
 
 /// Plays a block, both outputs of one length, with the messages that came for it. Silence before a
 /// rate is set, while the messages wait; nothing for 0 frames. [audio]
@@ -54,10 +55,10 @@ void player_panic(player* p_player) noexcept;
 /// Returns the parameter of that index, or null where the registry has none. [any]
 [[nodiscard]] const parameter* player_find_parameter(const player* p_player, int index) noexcept;
 
-/// What a value from outside counts as: +0 for all below zero; nothing for what is not finite,
-/// which leaves a parameter as it was. [any]
-[[nodiscard]] std::optional<float> player_parameter_value(float value) noexcept;
+/// Returns the parameter's value, 0 where the registry has none of that index. [any]
+[[nodiscard]] float player_get_parameter(const player* p_player, int index) noexcept;
 
 /// Sets a parameter and makes it the one that learns the next controller. Another index changes
-/// nothing. [any]
-void player_set_parameter(player* p_player, int index, float value) noexcept;
+/// nothing. Returns what the value counts as, whatever the index: +0 for all below zero; nothing
+/// for what is not finite, which leaves a parameter as it was. [any]
+std::optional<float> player_set_parameter(player* p_player, int index, float value) noexcept;

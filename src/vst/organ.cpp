@@ -36,8 +36,7 @@ Organ::Organ(audioMasterCallback host, VstInt32 nbPrograms, VstInt32 nbParams, o
     : AudioEffectX(host, nbPrograms, nbParams),
       p_player(player_create(engine)),
       p_organ(engine),
-      p_control(engine->p_control),
-      p_control_update(p_control->p_control_update.get()) {
+      p_control(engine->p_control) {
     setNumInputs(0);
     setNumOutputs(2);
     canProcessReplacing(true);
@@ -101,31 +100,21 @@ void Organ::receiveMidi(const VstMidiEvent& event) {
     if (midi_kind(event.midiData) == midi_program_change)
         setProgram(static_cast<unsigned char>(event.midiData[1]));
 
-    player_receive_midi_event(p_player.get(), event.midiData, event.deltaFrames);
-    for (int k = 0; k < p_control_update->nb_parameter_updated; ++k) {
-        const auto position = static_cast<std::size_t>(k);
-        setParameter(p_control_update->parameter_index[position],
-                     p_control_update->parameter_value[position]);
-    }
+    for (const int index :
+         player_receive_midi_event(p_player.get(), event.midiData, event.deltaFrames))
+        p_editor->setParameter(index, getParameter(index));
 }
 
 void Organ::setParameter(VstInt32 index, float value) {
-    const auto counted = player_parameter_value(value);
-    if (!counted)
-        return;
-    player_set_parameter(p_player.get(), index, *counted);
-    p_editor->setParameter(index, *counted); // the other indices are the panel's actions
+    if (const auto counted = player_set_parameter(p_player.get(), index, value))
+        p_editor->setParameter(index, *counted); // the other indices are the panel's actions
 }
 
-float Organ::getParameter(VstInt32 index) {
-    return player_find_parameter(p_player.get(), index) ? control_get_parameter(p_control, index)
-                                                        : 0.0f;
-}
+float Organ::getParameter(VstInt32 index) { return player_get_parameter(p_player.get(), index); }
 
 void Organ::getParameterDisplay(VstInt32 index, char* text) {
     if (const parameter* p_param = player_find_parameter(p_player.get(), index))
-        copy_text(text, parameter_text(*p_param, control_get_parameter(p_control, index)),
-                  display_size);
+        copy_text(text, parameter_text(*p_param, getParameter(index)), display_size);
 }
 
 void Organ::getParameterName(VstInt32 index, char* text) {

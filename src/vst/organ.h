@@ -74,7 +74,6 @@ private:
     std::unique_ptr<player> p_player;
     organ* p_organ;
     control* p_control;
-    control_update* p_control_update;
     std::unique_ptr<program_bank> p_prog_bank;
     Editor* p_editor;                         ///< the base's editor, by its own type
     std::array<char, 4096> sysex_buffer_in{}; ///< the latest payload and a zero byte

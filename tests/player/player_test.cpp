@@ -16,11 +16,17 @@ struct Player : testing::Test {
     std::vector<int> rates;  ///< as they reach the engine
     std::vector<int> pieces; ///< frames of each of the latest block
     onsets struck;           ///< in that block
+    std::atomic<float> level = 0.0f;
     std::unique_ptr<player> playing{create()};
 
     player* create() {
         organ* p_organ = organ_create("recorder", 1, 0, 0, 0);
         p_organ->p_control = control_create("recorder");
+        control_add_parameter(p_organ->p_control, "level");
+        parameter& param = *p_organ->p_control->parameters[0];
+        param.value = &level;
+        param.midi_cc = 7;
+        param.midi_channel = 1;
         p_organ->p_keybeds[0].reset(keybed_create(128, 0, "keys"));
         p_organ->p_keybeds[0]->keybed_callback = [this](const playing_key* p_key, unsigned) {
             const int start = std::accumulate(pieces.begin(), pieces.end(), 0);
@@ -36,10 +42,10 @@ struct Player : testing::Test {
 
     void SetUp() override { player_set_sampling_rate(playing.get(), 48000); }
 
-    void send(int status, int data1, int data2, int frame) {
+    std::span<const int> send(int status, int data1, int data2, int frame) {
         const char message[] = {static_cast<char>(status), static_cast<char>(data1),
                                 static_cast<char>(data2)};
-        player_receive_midi_event(playing.get(), message, frame);
+        return player_receive_midi_event(playing.get(), message, frame);
     }
     void strike(int note, int frame) { send(0x90, note, 100, frame); }
 
@@ -112,18 +118,25 @@ TEST_F(Player, PanicSilencesWhatCameBeforeIt) {
     EXPECT_EQ(nb_sounding(), 0);
 }
 
-TEST(PlayerParameter, WhatIsBelowZeroIsPlusZero) {
+TEST_F(Player, AControllerMovesItsParameterOnce) {
+    EXPECT_EQ(send(0xB0, 7, 64, 0).size(), 1u);
+    EXPECT_EQ(player_get_parameter(playing.get(), 0), 64 / 127.0f);
+    player_set_parameter(playing.get(), 0, 0.9f);
+    for (const int status : {0x90, 0xE0, 0xB1})
+        EXPECT_TRUE(send(status, 7, 127, 0).empty()) << status;
+    EXPECT_EQ(level, 0.9f);
+}
+
+TEST_F(Player, WhatIsBelowZeroIsPlusZero) {
     constexpr float denormal = std::numeric_limits<float>::denorm_min();
-    for (const float value : {-0.0f, -denormal, -1.0f, 0.0f}) {
-        const auto counted = player_parameter_value(value);
-        ASSERT_TRUE(counted) << value;
-        EXPECT_EQ(*counted, 0.0f) << value;
-        EXPECT_FALSE(std::signbit(*counted)) << value;
+    for (const float value : {-0.0f, -denormal, -1.0f}) {
+        EXPECT_EQ(player_set_parameter(playing.get(), 0, value), 0.0f) << value;
+        EXPECT_FALSE(std::signbit(level)) << value;
     }
-    EXPECT_EQ(player_parameter_value(denormal), denormal);
-    EXPECT_EQ(player_parameter_value(2.0f), 2.0f);
-    EXPECT_FALSE(player_parameter_value(std::nanf("")));
-    EXPECT_FALSE(player_parameter_value(-std::numeric_limits<float>::infinity()));
+    EXPECT_EQ(player_set_parameter(playing.get(), 0, 2.0f), 2.0f);
+    for (const float value : {std::nanf(""), -std::numeric_limits<float>::infinity()})
+        EXPECT_FALSE(player_set_parameter(playing.get(), 0, value)) << value;
+    EXPECT_EQ(level, 2.0f);
 }
 
 } // namespace

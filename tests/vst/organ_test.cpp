@@ -8,17 +8,6 @@
 
 namespace {
 
-TEST(PlugIn, NotesDoNotApplyTheLatestControllerAgain) {
-    const auto p_effect = make_organ();
-    send(*p_effect, {{0, {0xB0, 7, 64}}});
-    EXPECT_EQ(p_effect->getParameter(6), 64 / 127.0f);
-    EXPECT_EQ(p_effect->midiNumEvents, 1);
-    p_effect->setParameter(6, 0.9f);
-    send(*p_effect, {{0, {0x90, 60, 100}}, {0, {0xE0, 0, 64}}, {0, {0xB1, 7, 127}}});
-    EXPECT_EQ(p_effect->getParameter(6), 0.9f);
-    EXPECT_EQ(p_effect->midiNumEvents, 3);
-}
-
 TEST(PlugIn, ProgramsStoreRecallAndTravelThroughFiles) {
     const temporary_folder folder;
     const std::string file = folder / "saved";
