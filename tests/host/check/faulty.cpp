@@ -1,4 +1,4 @@
-// An instrument without faults but for the one that FAULT names.
+// An instrument without faults but for the one that TINDELWAX_TEST_FAULT names.
 
 #include "vst/interface.h"
 
@@ -9,33 +9,17 @@
 #include <fcntl.h>
 #include <limits>
 #include <mutex>
+#include <string>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <xmmintrin.h>
 
 namespace {
 
-enum faults {
-    none,
-    crash,
-    hang,
-    no_number,
-    subnormals,
-    text_without_zero,
-    text_beyond,
-    shared_state,
-    allocation,
-    lock,
-    leak,
-    mapped_leak,
-    control_register,
-    gestures,
-    null_outputs,
-    long_blocks,
-    no_record,
-    mute,
-    opens_file
-};
+const std::string fault = [] {
+    const char* p_name = std::getenv("TINDELWAX_TEST_FAULT");
+    return p_name ? p_name : "";
+}();
 
 struct instrument {
     AEffect effect{};
@@ -71,7 +55,7 @@ void receive(instrument& played, const VstEvents& events) {
 }
 
 VstIntPtr edit(instrument& edited) {
-    if (FAULT == gestures)
+    if (fault == "gestures")
         edited.host(&edited.effect, audioMasterBeginEdit, 0, 0, nullptr, 0);
     return 1;
 }
@@ -95,15 +79,15 @@ VstIntPtr VSTCALLBACK dispatch(AEffect* effect, VstInt32 opcode, VstInt32, VstIn
             receive(asked, *static_cast<const VstEvents*>(ptr));
         return 1;
     case effGetEffectName:
-        return ptr ? write(ptr, 32, 'e', FAULT != text_without_zero) : 0;
+        return ptr ? write(ptr, 32, 'e', fault != "text_without_zero") : 0;
     case effGetProductString:
-        while (FAULT == hang && ptr)
+        while (fault == "hang" && ptr)
             pause();
         return ptr ? write(ptr, 9, 'p') : 0;
     case effGetVendorString:
-        if (FAULT == crash && ptr)
+        if (fault == "crash" && ptr)
             std::raise(SIGSEGV);
-        return ptr ? write(ptr, FAULT == text_beyond ? 65 : 64, 'v') : 0;
+        return ptr ? write(ptr, fault == "text_beyond" ? 65 : 64, 'v') : 0;
     case effGetPlugCategory:
         return kPlugCategSynth;
     case effGetVstVersion:
@@ -131,33 +115,33 @@ void VSTCALLBACK set(AEffect* effect, VstInt32, float value) {
 float VSTCALLBACK get(AEffect* effect, VstInt32) { return self(effect).value; }
 
 void misbehave(const instrument& played, VstInt32 nb_frames) {
-    if (FAULT == allocation) {
+    if (fault == "allocation") {
         void* volatile memory = std::malloc(512); // volatile, or the compiler leaves both out
         std::free(memory);
     }
-    if (FAULT == opens_file)
+    if (fault == "opens_file")
         ::close(::open("/dev/null", O_RDONLY));
-    if (FAULT == lock)
+    if (fault == "lock")
         const std::scoped_lock held(process_lock);
-    if (FAULT == control_register)
+    if (fault == "control_register")
         _mm_setcsr(_mm_getcsr() | 0x2000);
-    if (FAULT == long_blocks && nb_frames > played.announced)
+    if (fault == "long_blocks" && nb_frames > played.announced)
         std::raise(SIGSEGV);
 }
 
 void VSTCALLBACK process(AEffect* effect, float**, float** outputs, VstInt32 nb_frames) {
     instrument& played = self(effect);
     misbehave(played, nb_frames);
-    float& phase = FAULT == shared_state ? shared_phase : played.phase;
+    float& phase = fault == "shared_state" ? shared_phase : played.phase;
     for (VstInt32 i = 0; i < nb_frames; ++i) {
         phase = std::fmod(phase + 440 / played.rate, 1.0f);
-        float sample = played.is_held && FAULT != mute ? phase - 0.5f : 0;
-        if (FAULT == subnormals && !played.is_held)
+        float sample = played.is_held && fault != "mute" ? phase - 0.5f : 0;
+        if (fault == "subnormals" && !played.is_held)
             sample = std::numeric_limits<float>::denorm_min();
-        if (FAULT == no_number && played.rate == 88200)
+        if (fault == "no_number" && played.rate == 88200)
             sample = std::numeric_limits<float>::quiet_NaN();
         for (int output = 0; output < 2; ++output)
-            if (outputs[output] || FAULT == null_outputs)
+            if (outputs[output] || fault == "null_outputs")
                 outputs[output][i] = sample;
     }
 }
@@ -166,12 +150,12 @@ void VSTCALLBACK process(AEffect* effect, float**, float** outputs, VstInt32 nb_
 
 extern "C" __attribute__((visibility("default"))) AEffect* VSTCALLBACK
 VSTPluginMain(audioMasterCallback host) {
-    if (FAULT == no_record)
+    if (fault == "no_record")
         return nullptr;
     instrument* volatile made = new instrument; // volatile, or the lost one is never made
-    if (FAULT == leak)
+    if (fault == "leak")
         made = new instrument;
-    if (FAULT == mapped_leak)
+    if (fault == "mapped_leak")
         std::memset(mmap(nullptr, 8192, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0),
                     1, 8192);
     made->host = host;
