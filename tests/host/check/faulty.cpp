@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -12,6 +13,7 @@
 #include <string>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <xcb/xcb.h>
 #include <xmmintrin.h>
 
 namespace {
@@ -43,7 +45,7 @@ VstIntPtr write(void* ptr, std::size_t nb_bytes, char letter, bool ends = true) 
     return 1;
 }
 
-void receive(instrument& played, const VstEvents& events) {
+VstIntPtr receive(instrument& played, const VstEvents& events) {
     for (VstInt32 i = 0; i < events.numEvents; ++i) {
         const VstEvent* event = events.events[i];
         if (event && event->type == kVstMidiType) {
@@ -52,63 +54,82 @@ void receive(instrument& played, const VstEvents& events) {
                 played.is_held = kind == 0x90;
         }
     }
+    return 1;
 }
 
-VstIntPtr edit(instrument& edited) {
+VstIntPtr open(void* parent) {
+    if (fault == "left_window") {
+        xcb_connection_t* const server = xcb_connect(nullptr, nullptr);
+        xcb_create_window(server, XCB_COPY_FROM_PARENT, xcb_generate_id(server),
+                          static_cast<xcb_window_t>(reinterpret_cast<std::uintptr_t>(parent)), 0, 0,
+                          1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_flush(server);
+    }
+    return 1;
+}
+
+VstIntPtr load(instrument& loaded, const void* state) {
+    if (fault != "ignored_state")
+        std::memcpy(&loaded.value, state, sizeof loaded.value);
+    return 1;
+}
+
+VstIntPtr save(instrument& saved, void* ptr) {
+    *static_cast<void**>(ptr) = &saved.value;
+    return sizeof saved.value;
+}
+
+VstIntPtr idle(instrument& edited) {
     if (fault == "gestures")
         edited.host(&edited.effect, audioMasterBeginEdit, 0, 0, nullptr, 0);
     return 1;
 }
 
+VstIntPtr tell_rect(void* ptr) {
+    static ERect size{0, 0, 46, 46};
+    *static_cast<ERect**>(ptr) = &size;
+    return 1;
+}
+
+/// Answers what carries memory.
+VstIntPtr dispatch_memory(instrument& asked, VstInt32 opcode, void* ptr) {
+    // A table, one row an opcode.
+    // clang-format off
+    switch (opcode) {
+    case effProcessEvents: return receive(asked, *static_cast<const VstEvents*>(ptr));
+    case effGetEffectName: return write(ptr, 32, 'e', fault != "text_without_zero");
+    case effGetProductString: return fault == "hang" ? pause() : write(ptr, 9, 'p');
+    case effGetVendorString:
+        return fault == "crash" ? std::raise(SIGSEGV)
+                                : write(ptr, fault == "text_beyond" ? 65 : 64, 'v');
+    case effCanDo: return std::strcmp(static_cast<const char*>(ptr), "receiveVstMidiEvent") == 0;
+    case effEditGetRect: return tell_rect(ptr);
+    case effEditOpen: return open(ptr);
+    case effGetChunk: return save(asked, ptr);
+    case effSetChunk: return load(asked, ptr);
+    default: return 0;
+    }
+    // clang-format on
+}
+
 VstIntPtr VSTCALLBACK dispatch(AEffect* effect, VstInt32 opcode, VstInt32, VstIntPtr value,
                                void* ptr, float opt) {
-    static ERect size{0, 0, 46, 46};
     instrument& asked = self(effect);
+    // clang-format off
     switch (opcode) {
-    case effClose:
-        delete &asked;
-        return 1;
-    case effSetSampleRate:
-        asked.rate = opt;
-        return 0;
-    case effSetBlockSize:
-        asked.announced = value;
-        return 0;
-    case effProcessEvents:
-        if (ptr)
-            receive(asked, *static_cast<const VstEvents*>(ptr));
-        return 1;
-    case effGetEffectName:
-        return ptr ? write(ptr, 32, 'e', fault != "text_without_zero") : 0;
-    case effGetProductString:
-        while (fault == "hang" && ptr)
-            pause();
-        return ptr ? write(ptr, 9, 'p') : 0;
-    case effGetVendorString:
-        if (fault == "crash" && ptr)
-            std::raise(SIGSEGV);
-        return ptr ? write(ptr, fault == "text_beyond" ? 65 : 64, 'v') : 0;
-    case effGetPlugCategory:
-        return kPlugCategSynth;
-    case effGetVstVersion:
-        return kVstVersion;
-    case effCanDo:
-        return ptr && std::strcmp(static_cast<const char*>(ptr), "receiveVstMidiEvent") == 0;
-    case effEditGetRect:
-        if (ptr)
-            *static_cast<ERect**>(ptr) = &size;
-        return 1;
-    case effEditOpen:
-        return 1;
-    case effEditIdle:
-        return edit(asked);
-    default:
-        return 0;
+    case effClose: delete &asked; return 1;
+    case effSetSampleRate: asked.rate = opt; return 0;
+    case effSetBlockSize: asked.announced = value; return 0;
+    case effGetPlugCategory: return kPlugCategSynth;
+    case effGetVstVersion: return kVstVersion;
+    case effEditIdle: return idle(asked);
+    default: return ptr ? dispatch_memory(asked, opcode, ptr) : 0;
     }
+    // clang-format on
 }
 
 void VSTCALLBACK set(AEffect* effect, VstInt32, float value) {
-    if (value >= 0 && value <= 1)
+    if ((value >= 0 && value <= 1) || fault == "odd_value")
         self(effect).value = value;
 }
 
@@ -155,6 +176,8 @@ VSTPluginMain(audioMasterCallback host) {
     instrument* volatile made = new instrument; // volatile, or the lost one is never made
     if (fault == "leak")
         made = new instrument;
+    if (fault == "left_file")
+        ::open("/dev/null", O_RDONLY);
     if (fault == "mapped_leak")
         std::memset(mmap(nullptr, 8192, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0),
                     1, 8192);
@@ -167,7 +190,8 @@ VSTPluginMain(audioMasterCallback host) {
     effect.processReplacing = process;
     effect.numParams = 1;
     effect.numOutputs = 2;
-    effect.flags = effFlagsCanReplacing | effFlagsIsSynth | effFlagsHasEditor;
+    effect.flags =
+        effFlagsCanReplacing | effFlagsIsSynth | effFlagsHasEditor | effFlagsProgramChunks;
     effect.uniqueID = 0x46617574;
     effect.object = made;
     return &effect;
