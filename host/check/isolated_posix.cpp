@@ -52,8 +52,7 @@ isolated_end judge_isolated(const row& judged, const std::filesystem::path& file
         setpgid(0, 0); // so that what it starts ends with it
         std::signal(SIGINT, SIG_DFL);
         std::signal(SIGTERM, SIG_DFL);
-        if (!request.is_verbose)
-            discard_output();
+        request.is_verbose ? join_output_to_errors() : discard_output();
         judge_here(judged, file, request.seed, shared);
         _exit(0);
     }

@@ -44,6 +44,10 @@ isolated_end judge_isolated(const row& judged, const std::filesystem::path& file
                         + L" --shared" + word(shared_name());
     STARTUPINFOW start{};
     start.cb = sizeof start;
+    if (request.is_verbose) {
+        start.dwFlags = STARTF_USESTDHANDLES; // its output joins its errors, not our own lines
+        start.hStdOutput = start.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+    }
     PROCESS_INFORMATION process{};
     if (!CreateProcessW(nullptr, line.data() + 1, nullptr, nullptr, request.is_verbose,
                         request.is_verbose ? 0 : DETACHED_PROCESS, nullptr, nullptr, &start,
@@ -72,6 +76,7 @@ isolated_end judge_isolated(const row& judged, const std::filesystem::path& file
 }
 
 void judge_for_parent(const check_request& request) {
+    std::setvbuf(stdout, nullptr, _IONBF, 0); // for nothing flushes it before the end
     silence_crash_dialogs();
     keep_system_libraries();
     report& shared = *map_report(widened(request.shared));

@@ -17,7 +17,7 @@ struct finding {
 };
 
 std::string place_text(const report& seen, std::uint32_t seed) {
-    std::string text = " (";
+    std::string text = "(";
     if (seen.doing[0])
         text += std::string{seen.doing.data()} + "; ";
     if (seen.rate > 0)
@@ -36,7 +36,7 @@ finding find(const row& judged, const std::filesystem::path& file, const check_r
     if (found.result == verdict::failed && (is_hang ? judged.in_time : judged.by) == demand::hosts)
         found.result = verdict::warning;
     if (found.result == verdict::failed || found.result == verdict::warning || request.is_verbose)
-        found.seen += place_text(told, request.seed);
+        found.seen += (found.seen.empty() ? "" : " ") + place_text(told, request.seed);
     return found;
 }
 

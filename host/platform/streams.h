@@ -13,6 +13,9 @@
 /// From now on nothing that is printed is seen, neither on standard output nor on standard error.
 void discard_output();
 
+/// From now on what is printed on standard output goes where standard error does, and at once.
+void join_output_to_errors();
+
 [[nodiscard]] bool is_terminal(std::FILE* stream);
 
 /// Where there is room for large files for a while: what TMPDIR says, or else a folder that lies on

@@ -37,6 +37,11 @@ void discard_output() {
     dup2(nowhere, STDERR_FILENO);
 }
 
+void join_output_to_errors() {
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+}
+
 bool is_terminal(std::FILE* stream) { return stream && isatty(fileno(stream)); }
 
 std::FILE* open_nameless_file(const std::filesystem::path& folder) {

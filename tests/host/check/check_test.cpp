@@ -76,6 +76,12 @@ TEST(Check, OwnInstrumentDoesWhatAnyHostExpects) {
         << judged.out;
 }
 
+TEST(Check, VerboseShowsWhatAPluginPrintsAndTheRowsPlace) {
+    const process_result judged = judge({"--verbose", "--only", "record/num", TEST_INSTRUMENT});
+    EXPECT_NE(judged.err.find("EOF\n"), std::string::npos) << judged.err;
+    EXPECT_NE(judged.out.find("record/numbers: (seed 1)\n"), std::string::npos) << judged.out;
+}
+
 TEST(Check, FilesThatAreNoPluginsAndRowsThatAreNoneAreMisuse) {
     const process_result text = judge({"--only", "record", __FILE__, TEST_INSTRUMENT});
     EXPECT_EQ(text.status, 2);
