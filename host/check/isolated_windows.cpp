@@ -39,9 +39,9 @@ isolated_end judge_isolated(const row& judged, const std::filesystem::path& file
                             const check_request& request) {
     static report* const p_memory = map_report(shared_name());
     const report& shared = *new (p_memory) report;
-    std::wstring line = word(executable_path().wstring()) + word(file.wstring()) + L" --seed "
+    std::wstring line = word(executable_path().wstring()) + L" --seed "
                         + std::to_wstring(request.seed) + L" --row" + word(widened(judged.name))
-                        + L" --shared" + word(shared_name());
+                        + L" --shared" + word(shared_name()) + L" --" + word(file.wstring());
     STARTUPINFOW start{};
     start.cb = sizeof start;
     if (request.is_verbose) {

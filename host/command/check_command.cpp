@@ -6,7 +6,13 @@ void add_check_options(CLI::App& app, check_request& request) {
     app.footer("A row whose subject a plug-in does not have is skipped. Exit status: 0 if no row\n"
                "FAILED, 1 if one did, 2 for wrong usage or a file that is no plug-in.");
     app.add_flag("--list", request.lists, "list the rows, and judge nothing");
-    app.add_option("files", request.files, "VST 2 plug-ins for this system")
+    app.add_option_function<std::vector<std::string>>(
+           "files",
+           [&request](const std::vector<std::string>& names) {
+               for (const std::string& name : names)
+                   request.files.emplace_back(std::u8string(name.begin(), name.end()));
+           },
+           "VST 2 plug-ins for this system")
         ->option_text("FILE...");
     app.add_option("--only", request.starts,
                    "judge only rows whose names start so; may be\nrepeated")

@@ -2,8 +2,10 @@
 
 #include "command/check_command.h"
 #include "failure/failure.h"
+#include "failure/printable.h"
+#include "platform/process.h"
 
-#include <sstream>
+#include <algorithm>
 
 // What nobody catches ends it, as it should.
 int main(int argc, char** argv) { // NOLINT(bugprone-exception-escape)
@@ -12,18 +14,23 @@ int main(int argc, char** argv) { // NOLINT(bugprone-exception-escape)
     check_request request;
     try {
         add_check_options(app, request);
-        app.parse(argc, argv);
+        std::vector<std::string> arguments = program_arguments(argc, argv);
+        std::ranges::reverse(arguments); // the library takes them from the back
+        app.parse(std::move(arguments));
         return check_run(request, stdout);
+    } catch (const CLI::CallForHelp&) {
+        std::fputs(app.help().c_str(), stdout);
+        return exit_success;
     } catch (const CLI::ParseError& end) {
-        std::ostringstream asked_for;
-        const int status = app.exit(end, asked_for, asked_for);
-        std::fputs(asked_for.str().c_str(), status == 0 ? stdout : stderr);
-        return status == 0 ? exit_success : exit_misused;
+        std::fprintf(stderr, "tindelwax-check: %s (--help tells more)\n",
+                     printable(end.what()).c_str());
+        return exit_misused;
     } catch (const failure& end) {
         std::fprintf(stderr, "tindelwax-check: %s\n", end.what());
         return end.status;
     } catch (const std::exception& end) {
-        std::fprintf(stderr, "tindelwax-check: it failed unexpectedly: %s\n", end.what());
+        std::fprintf(stderr, "tindelwax-check: it failed unexpectedly: %s\n",
+                     printable(end.what()).c_str());
         return exit_failed;
     }
 }

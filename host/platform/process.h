@@ -2,6 +2,11 @@
 /// The process and what it inherits.
 
 #include <filesystem>
+#include <string>
+#include <vector>
+
+/// What main was given, without the program's name: in UTF-8, whatever the system's code page is.
+[[nodiscard]] std::vector<std::string> program_arguments(int argc, char** argv);
 
 /// Empty if the system does not tell.
 [[nodiscard]] std::filesystem::path executable_path();

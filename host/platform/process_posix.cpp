@@ -2,6 +2,10 @@
 
 #include <cstdlib>
 
+std::vector<std::string> program_arguments(int argc, char** argv) {
+    return {argv + 1, argv + argc};
+}
+
 std::filesystem::path executable_path() {
     std::error_code error;
     return std::filesystem::read_symlink("/proc/self/exe", error);

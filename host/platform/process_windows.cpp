@@ -1,8 +1,23 @@
 #include "platform/process.h"
 
 #include <cstdlib>
+#include <span>
 #include <string>
 #include <windows.h>
+
+#include <shellapi.h>
+
+std::vector<std::string> program_arguments(int, char**) {
+    int nb_words = 0;
+    wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &nb_words);
+    std::vector<std::string> arguments;
+    for (const wchar_t* word : std::span{words, static_cast<std::size_t>(nb_words)}.subspan(1)) {
+        const std::u8string argument = std::filesystem::path{word}.u8string();
+        arguments.emplace_back(argument.begin(), argument.end());
+    }
+    LocalFree(words);
+    return arguments;
+}
 
 std::filesystem::path executable_path() {
     std::wstring path(32768, L'\0'); // as long as any can be
