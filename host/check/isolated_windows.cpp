@@ -27,6 +27,15 @@ std::wstring word(const std::wstring& text) { return L" \"" + text + L"\""; }
 
 std::wstring widened(const std::string& text) { return {text.begin(), text.end()}; }
 
+/// What runs in a job ends with its last handle, so however the judge ends itself.
+HANDLE make_job() {
+    const HANDLE job = CreateJobObjectW(nullptr, nullptr);
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+    return job;
+}
+
 std::string hex_text(DWORD number) {
     std::array<char, 16> text{};
     std::snprintf(text.data(), text.size(), "%08lX", number);
@@ -50,10 +59,13 @@ isolated_end judge_isolated(const row& judged, const std::filesystem::path& file
     }
     PROCESS_INFORMATION process{};
     if (!CreateProcessW(nullptr, line.data() + 1, nullptr, nullptr, request.is_verbose,
-                        request.is_verbose ? 0 : DETACHED_PROCESS, nullptr, nullptr, &start,
-                        &process))
+                        CREATE_SUSPENDED | (request.is_verbose ? 0 : DETACHED_PROCESS), nullptr,
+                        nullptr, &start, &process))
         throw failure{exit_failed,
                       "no process can be started: error " + std::to_string(GetLastError())};
+    const HANDLE job = make_job();
+    AssignProcessToJobObject(job, process.hProcess);
+    ResumeThread(process.hThread);
     const DWORD limit = static_cast<DWORD>(request.limit_seconds) * 1000;
     const bool is_hang = WaitForSingleObject(process.hProcess, limit) == WAIT_TIMEOUT;
     DWORD status = 0;
@@ -62,6 +74,7 @@ isolated_end judge_isolated(const row& judged, const std::filesystem::path& file
         WaitForSingleObject(process.hProcess, INFINITE);
     }
     GetExitCodeProcess(process.hProcess, &status);
+    CloseHandle(job); // and with it what the row started
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
     if (is_hang)
