@@ -19,17 +19,14 @@ is_installed() { [[ $(dpkg-query -W -f '${Status}' "$1" 2>/dev/null) == *" insta
 
 # Installs those of the named packages that are missing, and says which.
 need() {
-    local missing=() package install=(apt-get -qq -y --no-install-recommends install)
+    local missing=() package
     for package in "$@"; do
         is_installed "$package" || missing+=("$package")
     done
     ((${#missing[@]} == 0)) && return
     need_root "${missing[@]}"
     echo "Installing ${missing[*]}" >&2
-    "${as_root[@]}" apt-get -qq update >&2 ||
-        echo "Some package lists are out of date; going on with those there are." >&2
-    [[ " ${missing[*]} " == *":i386 "* ]] && install=(tools/install_i386)
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive "${install[@]}" "${missing[@]}" >/dev/null
+    "${as_root[@]}" tools/install "${missing[@]}" >/dev/null
 }
 
 build_packages=(
