@@ -1,6 +1,6 @@
 #include "command/info_command.h"
 
-#include "plugin/plugin.h"
+#include "plugin/parameters.h"
 
 #include <algorithm>
 #include <array>
@@ -76,12 +76,10 @@ std::string identity_text(plugin& instrument) {
 std::string parameter_table(plugin& instrument) {
     if (instrument.nb_parameters() == 0)
         return {};
-    std::vector<std::string> names;
+    const std::vector<std::string> names = parameter_names(instrument);
     std::size_t width = 9;
-    for (int i = 0; i < instrument.nb_parameters(); ++i) {
-        names.push_back(instrument.text(effGetParamName, i));
-        width = std::max(width, names.back().size());
-    }
+    for (const std::string& name : names)
+        width = std::max(width, name.size());
     const auto row = [width](const std::string& number, const std::string& name,
                              const std::string& value, const std::string& display) {
         return std::string(5 - std::min<std::size_t>(5, number.size()), ' ') + number + "  " + name

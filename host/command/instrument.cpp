@@ -1,7 +1,26 @@
 #include "command/instrument.h"
 
-#include "command/arguments.h"
 #include "platform/process.h"
+#include "plugin/parameters.h"
+
+namespace {
+
+void apply_settings(plugin& instrument, const instrument_request& request) {
+    if (request.registration.empty() && request.settings.empty())
+        return;
+    const std::vector<std::string> names = parameter_names(instrument);
+    if (!request.registration.empty()) {
+        const registration chosen = registration_find(request.registration);
+        for (const parameter_value& value : registration_resolve(chosen, names))
+            instrument.set_parameter(value.index, value.value);
+    }
+    for (const std::string& text : request.settings) {
+        const parameter_setting setting = parse_setting(text);
+        instrument.set_parameter(find_parameter(names, setting.name), setting.value);
+    }
+}
+
+} // namespace
 
 void instrument_try(const instrument_request& request,
                     const std::function<void(plugin&)>& rehearse) {
@@ -12,7 +31,14 @@ void instrument_try(const instrument_request& request,
     });
 }
 
+console_options instrument_console(const instrument_request& request) {
+    console_options options{.sustains = request.sustains, .expresses = request.expresses};
+    for (const std::string& text : request.mappings)
+        options.mappings.push_back(control_mapping_parse(text));
+    return options;
+}
+
 void instrument_set_up(plugin& instrument, const instrument_request& request) {
     instrument.prepare(request.rate_hz, request.block_frames);
-    apply_settings(instrument, request.settings);
+    apply_settings(instrument, request);
 }

@@ -1,7 +1,7 @@
 #pragma once
 /// The instrument that the user named, and how it is to be set up.
 
-#include "plugin/plugin.h"
+#include "console/console.h"
 
 #include <cstdint>
 
@@ -10,13 +10,21 @@ struct instrument_request {
     int rate_hz = 48000;
     int block_frames = 64;
     std::uint32_t seed = 1;
-    std::vector<std::string> settings{}; ///< "Name=value"
+    std::string registration{};          ///< a name or a file; empty for none
+    std::vector<std::string> settings{}; ///< "Name=value", which refine the registration
+    std::vector<std::string> mappings{}; ///< "CC=Name" and the like
+    bool sustains = false;
+    bool expresses = false;
 };
 
 /// Rehearses in a child process what is planned with the instrument. Throws a failure as plugin_try
 /// does.
 void instrument_try(const instrument_request& request,
                     const std::function<void(plugin&)>& rehearse);
+
+/// What the player's feet and controllers do. Throws a failure of misuse for mappings that cannot
+/// be.
+[[nodiscard]] console_options instrument_console(const instrument_request& request);
 
 /// Announces rate and block and sets the parameters. Throws a failure of misuse for settings that
 /// cannot be.

@@ -47,6 +47,10 @@ void add_file_options(CLI::App& app, render_request& request) {
 
 void add_instrument_options(CLI::App& app, instrument_request& request) {
     add_plugin_option(app, request.plugin_file);
+    app.add_option("--registration", request.registration,
+                   "draw the stops that a registration names;\n"
+                   "tindelwax registrations lists them")
+        ->option_text("NAME|FILE");
     app.add_option("--set", request.settings,
                    "set a parameter to a value from 0 to 1, or on or off;\n"
                    "may be repeated; tindelwax info lists the names")
@@ -77,6 +81,17 @@ void add_music_options(CLI::App& app, render_request& request) {
         ->option_text("SECONDS");
 }
 
+void add_console_options(CLI::App& app, instrument_request& request) {
+    app.add_option("--map", request.mappings,
+                   "let a controller move a parameter, backwards with\n"
+                   "-CC; may be repeated")
+        ->option_text("CC[:channel]=Name")
+        ->allow_extra_args(false)
+        ->take_all();
+    app.add_flag("--sustain", request.sustains, "controller 64 holds notes, as a piano's pedal");
+    app.add_flag("--expression", request.expresses, "controller 11 scales Volume");
+}
+
 void add_level_options(CLI::App& app, render_request& request) {
     CLI::Option* gain =
         add_number(app, "--gain", request.gain_db, -200.0, 200.0, "amplify by DB decibels (0)")
@@ -93,6 +108,7 @@ CLI::App* add_render(CLI::App& app, render_request& request) {
                    "usage, a song that cannot be read or a file that is no plug-in.");
     add_file_options(*render, request);
     add_music_options(*render, request);
+    add_console_options(*render, request);
     add_level_options(*render, request);
     add_instrument_options(*render, request);
     return render;
@@ -157,6 +173,8 @@ int run(std::vector<std::string> arguments, std::FILE* p_output) {
     instrument_request to_describe{.plugin_file = ours};
     CLI::App* info = app.add_subcommand("info", "Tell what a plug-in says of itself");
     add_plugin_option(*info, to_describe.plugin_file);
+    const CLI::App* registrations =
+        app.add_subcommand("registrations", "List the registrations that --registration knows");
     check_request to_check;
     const CLI::App* check = add_check(app, to_check);
 
@@ -178,6 +196,8 @@ int run(std::vector<std::string> arguments, std::FILE* p_output) {
         render_run(to_render, p_output);
     else if (panel->parsed())
         panel_run(to_picture);
+    else if (registrations->parsed())
+        print(p_output, registrations_text());
     else
         print(p_output, info_text(to_describe.plugin_file));
     return exit_success;

@@ -1,7 +1,7 @@
 #pragma once
 /// Options of the command line.
 
-#include "command/number.h"
+#include "text/number.h"
 
 #include <CLI/CLI.hpp>
 #include <string>

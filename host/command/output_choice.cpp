@@ -1,7 +1,7 @@
 #include "command/output_choice.h"
 
-#include "command/arguments.h"
 #include "platform/streams.h"
+#include "text/lower_case.h"
 
 #include <algorithm>
 

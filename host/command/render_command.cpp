@@ -53,7 +53,8 @@ void rehearse(plugin& instrument, const score& music, const midi_song& song,
         seconds += static_cast<double>(request.block_frames) / request.rate_hz;
         return before < rehearsed_seconds;
     };
-    render_score(instrument, music, song.tempi, options_of(request),
+    console desk{instrument, instrument_console(request)};
+    render_score(instrument, desk, music, song.tempi, options_of(request),
                  {.hear = [](std::span<const float>) {}, .goes_on = goes_on});
 }
 
@@ -72,7 +73,8 @@ timing render_sound(plugin& instrument, const score& music, const midi_song& son
                                            bar.show(done);
                                            return true;
                                        }};
-    render_score(instrument, music, song.tempi, options_of(request), listener);
+    console desk{instrument, instrument_console(request)};
+    render_score(instrument, desk, music, song.tempi, options_of(request), listener);
     writer.finish();
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     return {static_cast<double>(nb_samples) / instrument.nb_channels() / request.rate_hz,

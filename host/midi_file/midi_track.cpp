@@ -1,5 +1,6 @@
 #include "midi_file/midi_track.h"
 
+#include "message/message.h"
 #include "midi_file/byte_reader.h"
 
 #include <optional>
@@ -7,7 +8,6 @@
 namespace {
 
 constexpr std::uint8_t status_bit = 0x80;
-constexpr std::uint8_t sysex_start = 0xF0;
 constexpr std::uint8_t sysex_end = 0xF7; // in a file also: a SysEx message goes on, or an escape
 constexpr std::uint8_t meta_event = 0xFF;
 constexpr std::uint8_t meta_end_of_track = 0x2F;
@@ -58,9 +58,9 @@ private:
             close_sysex();
         if (first == meta_event)
             parse_meta();
-        else if (first == sysex_start || first == sysex_end)
+        else if (first == message_sysex || first == sysex_end)
             parse_sysex(first);
-        else if (first > sysex_start)
+        else if (first > message_sysex)
             give_up("holds a message that no file may hold");
         else
             parse_channel_message(first);
@@ -118,9 +118,9 @@ private:
         const auto data = take_counted();
         if (!data || (first == sysex_end && !sysex_offset_))
             return;
-        if (first == sysex_start) {
+        if (first == message_sysex) {
             sysex_offset_ = song_.bytes.size();
-            song_.bytes.push_back(sysex_start);
+            song_.bytes.push_back(message_sysex);
         }
         song_.bytes.insert(song_.bytes.end(), data->begin(), data->end());
         if (!data->empty() && data->back() == sysex_end)

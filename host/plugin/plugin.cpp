@@ -105,9 +105,8 @@ void plugin::stop() {
 
 void plugin::send(event_list& events) { ask(effProcessEvents, 0, 0, events.records()); }
 
-void plugin::process() {
-    record().processReplacing(effect_.record(), p_inputs_.data(), p_outputs_.data(),
-                              host_.block_frames);
+void plugin::process(int nb_frames) {
+    record().processReplacing(effect_.record(), p_inputs_.data(), p_outputs_.data(), nb_frames);
 }
 
 std::span<const float> plugin::output(int channel) const {

@@ -49,8 +49,10 @@ public:
     /// Hands over what happens in the block that is processed next; more than one call is possible.
     void send(event_list& events);
 
-    /// Processes a block. The channel's samples are in output() until the next call.
-    void process();
+    /// Processes a block, of the announced size unless a smaller one is given. The channel's
+    /// samples are in output() until the next call, at its beginning.
+    void process() { process(host_.block_frames); }
+    void process(int nb_frames);
     [[nodiscard]] std::span<const float> output(int channel) const;
 
 private:

@@ -1,5 +1,7 @@
 #include "render/render.h"
 
+#include "render/song_clock.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -39,11 +41,12 @@ private:
 
 class performance {
 public:
-    performance(plugin& instrument, const score& music, std::span<const midi_tempo> tempi,
-                const render_options& options)
+    performance(plugin& instrument, console& desk, const score& music,
+                std::span<const midi_tempo> tempi, const render_options& options)
         : instrument_{instrument},
+          desk_{desk},
           music_{music},
-          tempi_{tempi},
+          clock_{tempi, options.rate_hz},
           options_{options},
           tail_{music.nb_frames, options} {}
 
@@ -55,7 +58,7 @@ public:
                                 / static_cast<double>(std::max<std::uint64_t>(1, music_.nb_frames));
             if (!listener.goes_on(std::min(done, 1.0)))
                 return;
-            tell_time(frame);
+            clock_.tell(instrument_, frame);
             send_events(frame, frame + block_frames);
             instrument_.process();
             goes_on = interleave();
@@ -64,20 +67,6 @@ public:
     }
 
 private:
-    void tell_time(std::uint64_t frame) {
-        const double seconds = static_cast<double>(frame) / options_.rate_hz;
-        while (tempi_.size() > 1 && tempi_[1].seconds <= seconds)
-            tempi_ = tempi_.subspan(1);
-        const midi_tempo& tempo = tempi_.front();
-        const double quarters_per_second = 1e6 / tempo.us_per_quarter;
-        VstTimeInfo& time = instrument_.time();
-        time.samplePos = static_cast<double>(frame);
-        time.ppqPos = tempo.quarters + (seconds - tempo.seconds) * quarters_per_second;
-        time.tempo = 60 * quarters_per_second;
-        time.flags = kVstTransportPlaying | kVstPpqPosValid | kVstTempoValid
-                     | (frame == 0 ? kVstTransportChanged : 0);
-    }
-
     void send_events(std::uint64_t frame, std::uint64_t end_frame) {
         list_.clear();
         for (; next_event_ < music_.events.size(); ++next_event_) {
@@ -88,7 +77,7 @@ private:
                 instrument_.send(list_);
                 list_.clear();
             }
-            list_.add(score_message(music_, event), static_cast<int>(event.frame - frame));
+            desk_.take(score_message(music_, event), static_cast<int>(event.frame - frame), list_);
         }
         if (!list_.is_empty())
             instrument_.send(list_);
@@ -111,8 +100,9 @@ private:
     }
 
     plugin& instrument_;
+    console& desk_;
     const score& music_;
-    std::span<const midi_tempo> tempi_; // from the one in force on
+    song_clock clock_;
     const render_options& options_;
     tail_watch tail_;
     event_list list_{};
@@ -122,9 +112,10 @@ private:
 
 } // namespace
 
-void render_score(plugin& instrument, const score& music, std::span<const midi_tempo> tempi,
-                  const render_options& options, const render_listener& listener) {
+void render_score(plugin& instrument, console& desk, const score& music,
+                  std::span<const midi_tempo> tempi, const render_options& options,
+                  const render_listener& listener) {
     instrument.start();
-    performance{instrument, music, tempi, options}.play(listener);
+    performance{instrument, desk, music, tempi, options}.play(listener);
     instrument.stop();
 }

@@ -1,7 +1,7 @@
 #pragma once
 /// Plays a score on a plug-in and hands on what it sounds like.
 
-#include "plugin/plugin.h"
+#include "console/console.h"
 #include "render/score.h"
 
 #include <functional>
@@ -22,6 +22,8 @@ struct render_listener {
     std::function<bool(double done)> goes_on;
 };
 
-/// Starts and stops the plug-in, which must not run. `tempi` are those of the score's song.
-void render_score(plugin& instrument, const score& music, std::span<const midi_tempo> tempi,
-                  const render_options& options, const render_listener& listener);
+/// Starts and stops the plug-in, which must not run; the messages pass its console. `tempi` are
+/// those of the score's song.
+void render_score(plugin& instrument, console& desk, const score& music,
+                  std::span<const midi_tempo> tempi, const render_options& options,
+                  const render_listener& listener);

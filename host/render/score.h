@@ -2,6 +2,7 @@
 /// A song made ready for playing: the wished channels, transposed, at frames instead of times, and
 /// with its held notes released at the end.
 
+#include "message/message.h"
 #include "midi_file/midi_file.h"
 
 #include <array>
@@ -9,9 +10,6 @@
 #include <cstdint>
 #include <span>
 #include <vector>
-
-constexpr int nb_midi_notes = 128;
-constexpr int nb_midi_channels = 16;
 
 struct score_options {
     std::bitset<nb_midi_channels> channels{0xFDFF}; ///< bit 0 is channel 1; all but 10, the drums
@@ -36,5 +34,4 @@ struct score {
 /// Notes that the transposition moves out of MIDI's range are left out.
 [[nodiscard]] score score_arrange(const midi_song& song, const score_options& options, int rate_hz);
 
-[[nodiscard]] std::span<const std::uint8_t> score_message(const score& music,
-                                                          const score_event& event);
+[[nodiscard]] message_view score_message(const score& music, const score_event& event);

@@ -1,4 +1,6 @@
 #include "command/arguments.h"
+#include "failure/failure.h"
+#include "plugin/parameters.h"
 
 #include <gtest/gtest.h>
 

@@ -225,6 +225,25 @@ TEST_F(Command, FindsThePluginBesideItself) {
     EXPECT_EQ(process_run({folder / "tindelwax", "info"}).status, 0);
 }
 
+TEST_F(Command, PedalsControllersAndARegistrationComeBetweenSongAndInstrument) {
+    file_write(folder / "song.mid",
+               song(0, 100, // 100 ticks a quarter, 240 frames each
+                    {"00 B0 40 7F 00 90 3C 40 05 80 3C 00 05 91 3E 40 05 81 3E 00 05 B0 40 00 "
+                     "00 B0 4A 00 00 B1 4A 7F 00 B2 15 7F 00 B3 0B 40 00 C0 01"}));
+    file_write(folder / "mine.txt", std::string{"# Mine\n\n# Words.\nVibrato = on\nMix=0.125\n"});
+    const std::string log =
+        played({"--sustain", "--expression", "--map", "-74:1=Mix", "--map", "21=Vibrato",
+                "--registration", "mine.txt", "--set", "Volume=0.5", "--set", "Mix=0.5"});
+    const auto until_start = log.substr(0, log.find("start\n"));
+    EXPECT_TRUE(contains(until_start, "parameter 1 1.00\nparameter 2 0.12\n")) << log;
+    EXPECT_TRUE(contains(until_start, "parameter 0 0.50\nparameter 2 0.50\n")) << log;
+    const auto after_start = log.substr(until_start.size());
+    EXPECT_TRUE(contains(after_start, "2400: 91 3E 40\n3600: 81 3E 00\nparameter 2 1.00\n"
+                                      "parameter 1 1.00\nparameter 0 0.25\n4800: 80 3C 40\n"
+                                      "4800: B1 4A 7F\n4800: C0 01 00\nstop\n"))
+        << log;
+}
+
 TEST_F(Command, HelpFitsATerminal) {
     for (const words& arguments : {words{"--help"},
                                    {"render", "--help"},
@@ -236,7 +255,7 @@ TEST_F(Command, HelpFitsATerminal) {
         const process_result result = process_run(whole);
         EXPECT_EQ(result.status, 0);
         EXPECT_GT(nb_lines(result.out), 5);
-        EXPECT_LE(nb_lines(result.out), 40) << result.out;
+        EXPECT_LE(nb_lines(result.out), 45) << result.out;
         std::istringstream lines{result.out};
         for (std::string line; std::getline(lines, line);)
             EXPECT_LE(line.size(), 80u) << line;
@@ -246,6 +265,7 @@ TEST_F(Command, HelpFitsATerminal) {
 TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
     file_write(folder / "noise.mid", std::string{"MTrk no header"});
     file_write(folder / "endless.mid", song(0, 1, {"FF FF FF 7F C0 01"}));
+    file_write(folder / "bad.txt", std::string{"Mix=1\nDepth=1\n"});
     file_write(folder / "noise.so", std::string{"no library"});
     file_write(folder / "mz.so", std::string{"MZ"});
     std::string library = file_content(test_plugin("sine_main"));
@@ -269,6 +289,10 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
         {{"render", "--normalize", "loud", "song.mid"}, "", 2, "--normalize takes a number"},
         {{"render", "song.mid", "--channels", "0"}, "sine_main", 2, "1 to 16"},
         {{"render", "song.mid", "--set", "Volume"}, "sine_main", 2, "Name=value"},
+        {{"render", "song.mid", "--map", "120=Mix"}, "sine_main", 2, "is no such mapping"},
+        {{"render", "song.mid", "--map", "7=Depth"}, "sine_main", 2, "no parameter \"Depth\""},
+        {{"render", "song.mid", "--registration", "none"}, "sine_main", 2, "there are "},
+        {{"render", "song.mid", "--registration", "bad.txt"}, "sine_main", 2, "bad.txt, line 2: "},
         {{"render", "song.mid", "--set", "Depth=1"}, "sine_main", 2, "Volume, Vibrato, Mix, MIX"},
         {{"render", "song.mid", "--set", "mix=1"}, "sine_main", 2, "more than one"},
         {{"render", "song.mid", "-o", "song.mp3"}, "sine_main", 2, ".wav or .flac"},

@@ -1,4 +1,4 @@
-#include "command/number.h"
+#include "text/number.h"
 
 #include "failure/failure.h"
 
