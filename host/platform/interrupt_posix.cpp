@@ -1,7 +1,7 @@
 #include "platform/interrupt.h"
 
-#include <atomic>
 #include <csignal>
+#include <ctime>
 #include <poll.h>
 #include <string_view>
 #include <unistd.h>
@@ -9,7 +9,11 @@
 namespace {
 
 std::atomic<const char*> p_file_to_remove = nullptr;
-static_assert(decltype(p_file_to_remove)::is_always_lock_free); // as a handler needs it
+std::atomic<bool> is_deferred = false, is_requested = false;
+std::atomic<std::time_t> requested_at = 0;
+constexpr std::time_t patience_seconds = 2;
+static_assert(std::atomic<bool>::is_always_lock_free
+              && decltype(p_file_to_remove)::is_always_lock_free); // as a handler needs it
 constexpr std::string_view lines = "\ntindelwax: interrupted\n";
 std::string_view sentence = lines.substr(1);
 
@@ -21,8 +25,19 @@ sigset_t requests() {
     return set;
 }
 
+/// Whether the first deferred request is so recent that the process may still end by itself. Some
+/// senders ask twice at once.
+bool is_patient() {
+    const std::time_t now = std::time(nullptr);
+    if (!is_requested.exchange(true))
+        requested_at = now;
+    return now - requested_at < patience_seconds;
+}
+
 /// Calls only what a signal may interrupt.
 void end(int request) {
+    if (is_deferred && is_patient())
+        return;
     if (const char* p_file = p_file_to_remove)
         unlink(p_file);
     pollfd stream{STDERR_FILENO, POLLOUT, 0};
@@ -43,6 +58,11 @@ void interrupt_catch() {
     for (const int request : {SIGINT, SIGTERM})
         sigaction(request, &action, nullptr);
     pthread_sigmask(SIG_UNBLOCK, &action.sa_mask, nullptr); // as they may have come to us
+}
+
+const std::atomic<bool>& interrupt_defer() {
+    is_deferred = true;
+    return is_requested;
 }
 
 void interrupt_removes(const char* p_file) { p_file_to_remove = p_file; }

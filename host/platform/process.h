@@ -18,3 +18,7 @@ void silence_crash_dialogs();
 
 /// Loads what a host of this system has loaded anyway, for good.
 void keep_system_libraries();
+
+/// Keeps all memory of the process, present and future, in the machine's own, where the system
+/// grants that.
+void keep_memory();

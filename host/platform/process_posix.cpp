@@ -1,6 +1,7 @@
 #include "platform/process.h"
 
 #include <cstdlib>
+#include <sys/mman.h>
 
 std::vector<std::string> program_arguments(int argc, char** argv) {
     return {argv + 1, argv + argc};
@@ -16,3 +17,5 @@ void set_environment(const char* name, const char* value) { setenv(name, value, 
 void silence_crash_dialogs() {}
 
 void keep_system_libraries() {}
+
+void keep_memory() { (void)mlockall(MCL_CURRENT | MCL_FUTURE); }
