@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr VstIntPtr process_level_user = 1;
-constexpr VstIntPtr process_level_offline = 4;
 constexpr VstIntPtr automation_off = 1;
 constexpr VstIntPtr language_english = 1;
 constexpr VstIntPtr vendor_version = 1000;
@@ -29,12 +27,28 @@ VstIntPtr can_do(const void* ptr) {
            });
 }
 
+VstIntPtr process_level(command_host::activity does) {
+    constexpr VstIntPtr user = 1, realtime = 2, offline = 4;
+    switch (does) {
+    case command_host::activity::plays:
+        return realtime;
+    case command_host::activity::renders:
+        return offline;
+    default:
+        return user;
+    }
+}
+
 } // namespace
 
 VstIntPtr command_host::answer(const host_call& call) {
     switch (call.opcode) {
     case audioMasterVersion:
         return kVstVersion;
+    case audioMasterAutomate:
+        if (hear_automation)
+            hear_automation(call.index, call.opt);
+        return 0;
     case audioMasterCurrentId:
         return call.effect ? call.effect->uniqueID : 0;
     case __audioMasterWantMidiDeprecated:
@@ -50,7 +64,7 @@ VstIntPtr command_host::answer(const host_call& call) {
     case audioMasterGetBlockSize:
         return block_frames;
     case audioMasterGetCurrentProcessLevel:
-        return renders ? process_level_offline : process_level_user;
+        return process_level(does);
     case audioMasterGetAutomationState:
         return automation_off;
     case audioMasterGetVendorString:

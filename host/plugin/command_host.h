@@ -3,14 +3,17 @@
 
 #include "plugin/host.h"
 
+#include <functional>
 #include <string>
 
 struct command_host {
     std::string plugin_folder{};
     double rate_hz = 48000;
     int block_frames = 64;
-    bool renders = false; ///< offline, as opposed to asking or setting things up
+    enum class activity { sets_up, plays, renders } does = activity::sets_up;
     VstTimeInfo time{};
+    std::function<void(int parameter, float value)>
+        hear_automation{}; ///< from the panel; may be null
 
     [[nodiscard]] VstIntPtr answer(const host_call& call);
 };

@@ -81,14 +81,14 @@ void plugin::prepare(double rate_hz, int block_frames) {
     ask(effSetBlockSize, 0, block_frames);
 }
 
-void plugin::start() {
+void plugin::start(command_host::activity for_what) {
     if (!record().processReplacing || !(record().flags & effFlagsCanReplacing))
         fail("cannot process audio in single precision");
     if (nb_channels() == 0)
         fail("has no audio output");
     resize_channels(inputs_, p_inputs_, record().numInputs, host_.block_frames);
     resize_channels(outputs_, p_outputs_, record().numOutputs, host_.block_frames);
-    host_.renders = true;
+    host_.does = for_what;
     ask(effMainsChanged, 0, 1);
     ask(effStartProcess);
     runs_ = true;
@@ -100,7 +100,7 @@ void plugin::stop() {
     ask(effStopProcess);
     ask(effMainsChanged, 0, 0);
     runs_ = false;
-    host_.renders = false;
+    host_.does = command_host::activity::sets_up;
 }
 
 void plugin::send(event_list& events) { ask(effProcessEvents, 0, 0, events.records()); }

@@ -41,8 +41,14 @@ public:
     /// Announces rate and block size; only while it does not run.
     void prepare(double rate_hz, int block_frames);
 
-    void start(); ///< Only after prepare. Throws a failure if the plug-in cannot process.
+    /// Only after prepare. Throws a failure if the plug-in cannot process.
+    void start(command_host::activity for_what = command_host::activity::renders);
     void stop();
+
+    /// Who is told of what the player moves on the panel. [ui]
+    void set_listener(std::function<void(int parameter, float value)> listener) {
+        host_.hear_automation = std::move(listener);
+    }
 
     [[nodiscard]] VstTimeInfo& time() { return host_.time; }
 
