@@ -2,6 +2,7 @@
 #include "command/check_command.h"
 #include "command/info_command.h"
 #include "command/panel_command.h"
+#include "command/play_command.h"
 #include "command/render_command.h"
 #include "failure/print.h"
 #include "failure/printable.h"
@@ -64,7 +65,8 @@ void add_instrument_options(CLI::App& app, instrument_request& request) {
         ->option_text("N");
 }
 
-void add_music_options(CLI::App& app, render_request& request) {
+template <typename Request>
+void add_arrangement_options(CLI::App& app, Request& request) {
     add_number(app, "--transpose", request.transposition, -127, 127,
                "move all notes by N semitones (0)")
         ->option_text("N");
@@ -72,6 +74,9 @@ void add_music_options(CLI::App& app, render_request& request) {
                    "play these MIDI channels, such as 1,3-5, or all\n"
                    "(all but 10, the drums)")
         ->option_text("LIST");
+}
+
+void add_length_options(CLI::App& app, render_request& request) {
     add_number(app, "--length", request.length_seconds, 0.001, 36000.0,
                "play only the song's first seconds (all)")
         ->option_text("SECONDS");
@@ -107,11 +112,49 @@ CLI::App* add_render(CLI::App& app, render_request& request) {
     render->footer("Defaults stand in parentheses. Exit status: 0 success, 1 failure, 2 wrong\n"
                    "usage, a song that cannot be read or a file that is no plug-in.");
     add_file_options(*render, request);
-    add_music_options(*render, request);
+    add_arrangement_options(*render, request);
+    add_length_options(*render, request);
     add_console_options(*render, request);
     add_level_options(*render, request);
     add_instrument_options(*render, request);
     return render;
+}
+
+void add_sound_options(CLI::App& app, play_request& request) {
+    app.add_option("--device", request.sound.device, "a part of the output's name (the usual one)")
+        ->option_text("NAME");
+    app.add_option("--midi", request.sound.midi, "a part of the inputs' names (every one)")
+        ->option_text("NAME");
+    app.add_flag_callback(
+        "--connect", [&request] { request.sound.connects = true; },
+        "connect JACK's ports to outputs and keyboards (so it is)");
+    app.add_flag_callback(
+        "--no-connect", [&request] { request.sound.connects = false; },
+        "leave that to a patch bay");
+    app.add_flag("--list", request.lists, "list devices and ports, and end");
+}
+
+CLI::App* add_play(CLI::App& app, play_request& request) {
+    CLI::App* play = app.add_subcommand("play", "Play the instrument live");
+    play->footer("From Z to M and from Q to P the keys of the window, or of the terminal without\n"
+                 "one, play; comma and full stop shift them, Escape silences. Ctrl-C ends.");
+    play->add_option("song", request.song, "a MIDI file that plays along")->option_text("SONG.mid");
+    play->add_flag("--loop", request.loops, "repeat the song");
+    add_arrangement_options(*play, request);
+    add_sound_options(*play, request);
+    play->add_flag_callback(
+        "--panel", [&request] { request.shows_panel = true; },
+        "show the panel (where a display is)");
+    play->add_flag_callback(
+        "--no-panel", [&request] { request.shows_panel = false; }, "do without");
+    add_console_options(*play, request);
+    play->add_flag("--learn", request.learns, "the next controller moves what was touched last");
+    play->add_flag("--forget", request.forgets, "forget what was learned");
+    add_instrument_options(*play, request);
+    play->add_option("--save", request.saved_file, "at the end, write a registration")
+        ->option_text("FILE.txt");
+    play->add_flag("--quiet", request.is_quiet, "show nothing of the sound");
+    return play;
 }
 
 CLI::App* add_panel(CLI::App& app, panel_request& request) {
@@ -158,8 +201,8 @@ std::filesystem::path own_plugin_file() {
 
 /// Returns the exit status.
 int run(std::vector<std::string> arguments, std::FILE* p_output) {
-    CLI::App app{"Plays MIDI songs on Tindelwax or any other VST 2.4 instrument and pictures its\n"
-                 "editor.\n"
+    CLI::App app{"Plays Tindelwax or any other VST 2.4 instrument, live or songs into files, and\n"
+                 "pictures its editor.\n"
                  "tindelwax COMMAND --help tells all about a command.",
                  "tindelwax"};
     app.set_version_flag("--version", "tindelwax " TINDELWAX_VERSION);
@@ -168,6 +211,8 @@ int run(std::vector<std::string> arguments, std::FILE* p_output) {
     const std::filesystem::path ours = own_plugin_file();
     render_request to_render{{.plugin_file = ours}};
     const CLI::App* render = add_render(app, to_render);
+    play_request to_play{{.plugin_file = ours}};
+    const CLI::App* play = add_play(app, to_play);
     panel_request to_picture{{.plugin_file = ours}};
     const CLI::App* panel = add_panel(app, to_picture);
     instrument_request to_describe{.plugin_file = ours};
@@ -175,6 +220,8 @@ int run(std::vector<std::string> arguments, std::FILE* p_output) {
     add_plugin_option(*info, to_describe.plugin_file);
     const CLI::App* registrations =
         app.add_subcommand("registrations", "List the registrations that --registration knows");
+    const CLI::App* map =
+        app.add_subcommand("map", "Print what play --learn has learned, as options");
     check_request to_check;
     const CLI::App* check = add_check(app, to_check);
 
@@ -194,8 +241,12 @@ int run(std::vector<std::string> arguments, std::FILE* p_output) {
         return check_run(to_check, p_output);
     if (render->parsed())
         render_run(to_render, p_output);
+    else if (play->parsed())
+        play_run(to_play, p_output);
     else if (panel->parsed())
         panel_run(to_picture);
+    else if (map->parsed())
+        print(p_output, learned_text());
     else if (registrations->parsed())
         print(p_output, registrations_text());
     else

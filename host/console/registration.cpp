@@ -127,6 +127,15 @@ registration registration_find(const std::string& name_or_file) {
            + (names.empty() ? "none" : names) + ", and files named FILE.txt");
 }
 
+bool registration_fits(const registration& one, const std::vector<std::string>& parameters) {
+    try {
+        (void)registration_resolve(one, parameters);
+        return true;
+    } catch (const failure&) {
+        return false;
+    }
+}
+
 std::vector<parameter_value> registration_resolve(const registration& chosen,
                                                   const std::vector<std::string>& parameters) {
     std::vector<parameter_value> values;

@@ -248,6 +248,7 @@ TEST_F(Command, HelpFitsATerminal) {
     for (const words& arguments : {words{"--help"},
                                    {"render", "--help"},
                                    {"panel", "--help"},
+                                   {"play", "--help"},
                                    {"info", "--help"},
                                    {"check", "--help"}}) {
         words whole{TEST_COMMAND};
@@ -274,8 +275,8 @@ TEST_F(Command, EveryFaultGetsOneSentenceAndLeavesNoFile) {
     library[4] = '\x01'; // the width
     file_write(folder / "narrow.so", library);
     const complaint rows[] = {
-        {{}, "", 2, "a command is missing; the commands are render, panel, info"},
-        {{"bogus"}, "", 2, "\"bogus\" is no command; the commands are render, panel, info"},
+        {{}, "", 2, "a command is missing; the commands are render, play, panel"},
+        {{"bogus"}, "", 2, "\"bogus\" is no command; the commands are render, play, panel"},
         {{"--loud"}, "", 2, "\"--loud\" is no command"},
         {{"render"}, "", 2, "song"},
         {{"render", "song.mid", "--rate", "1e4"}, "", 2, "whole number from 8000 to 192000; \"1e4"},

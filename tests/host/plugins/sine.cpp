@@ -11,6 +11,7 @@
 #include <sstream>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -162,21 +163,21 @@ void VSTCALLBACK process(AEffect* effect, float**, float** outputs, VstInt32 nb_
     raise_signals(s);
     note_tempo(s);
     const float release = static_cast<float>(std::pow(release_per_100_ms, 10 / s.rate));
-    for (VstInt32 i = 0; i < nb_frames; ++i) {
-        double sum = 0;
-        const double seconds = static_cast<double>(s.frame + i) / s.rate;
-        for (std::size_t note = 0; note < s.gains.size(); ++note) {
-            if (s.gains[note] < inaudible)
-                continue;
-            const double hz = 440 * std::exp2((static_cast<double>(note) - 69) / 12);
-            sum += static_cast<double>(s.gains[note]) * std::sin(6.283185 * hz * seconds + s.phase);
+    std::vector<double> sums(static_cast<std::size_t>(nb_frames));
+    for (std::size_t note = 0; note < s.gains.size(); ++note) {
+        const double hz = 440 * std::exp2((static_cast<double>(note) - 69) / 12);
+        for (std::size_t i = 0; i < sums.size() && s.gains[note] >= inaudible; ++i) {
+            const double seconds = static_cast<double>(s.frame + static_cast<long>(i)) / s.rate;
+            sums[i] +=
+                static_cast<double>(s.gains[note]) * std::sin(6.283185 * hz * seconds + s.phase);
             if (s.nb_strokes[note] <= 0)
                 s.gains[note] *= release;
         }
-        for (VstInt32 output = 0; output < effect->numOutputs; ++output)
-            outputs[output][i] =
-                static_cast<float>(sum) * s.parameters[0] / static_cast<float>(1 + output / 2);
     }
+    for (VstInt32 output = 0; output < effect->numOutputs; ++output)
+        for (std::size_t i = 0; i < sums.size(); ++i)
+            outputs[output][i] =
+                static_cast<float>(sums[i]) * s.parameters[0] / static_cast<float>(1 + output / 2);
     s.frame += nb_frames;
 }
 

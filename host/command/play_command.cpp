@@ -1,0 +1,281 @@
+#include "command/play_command.h"
+
+#include "command/arguments.h"
+#include "command/song_input.h"
+#include "failure/print.h"
+#include "failure/printable.h"
+#include "live/play_panel.h"
+#include "live/status_line.h"
+#include "output_file/output_file.h"
+#include "platform/interrupt.h"
+#include "platform/process.h"
+#include "platform/streams.h"
+#include "platform/terminal_keys.h"
+#include "platform/user_folders.h"
+#include "render/render.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+
+namespace {
+
+using namespace std::chrono_literals;
+using steady = std::chrono::steady_clock;
+
+constexpr auto turn = 15ms; // as often as panels want it, and within the eye's patience
+constexpr auto between_lines = 100ms;
+constexpr auto between_looks = 500ms;
+constexpr auto end_patience = 300ms;
+constexpr auto fade_patience = 5s;
+
+std::filesystem::path learned_file() { return user_state_folder() / "controllers"; }
+
+bool is_one_control(const control_mapping& one, const control_mapping& other) {
+    return one.controller == other.controller && one.channel == other.channel;
+}
+
+/// Remembers what is learned, from one time to the next.
+class learner {
+public:
+    explicit learner(console& players) : players_{players}, known_{players.mappings()} {}
+
+    /// Returns what there is to say.
+    std::vector<std::string> tend() {
+        std::vector<std::string> news;
+        if (!players_.has_learned())
+            return news;
+        auto now = players_.mappings();
+        auto kept = control_map_read(learned_file());
+        for (const control_mapping& mapping : now) {
+            const auto is_this = [&mapping](const control_mapping& other) {
+                return is_one_control(mapping, other) && mapping.parameter == other.parameter;
+            };
+            if (std::ranges::any_of(known_, is_this))
+                continue;
+            std::erase_if(kept, [&mapping](const control_mapping& other) {
+                return is_one_control(mapping, other);
+            });
+            kept.push_back(mapping);
+            news.push_back("learned " + control_mapping_text(mapping));
+        }
+        known_ = std::move(now);
+        if (!control_map_write(learned_file(), kept))
+            news.push_back("cannot write " + learned_file().string() + ": " + std::strerror(errno));
+        return news;
+    }
+
+private:
+    console& players_;
+    std::vector<control_mapping> known_;
+};
+
+console_options players_options(const play_request& request, plugin& instrument) {
+    console_options options = instrument_console(request);
+    options.learns = request.learns;
+    const std::vector<std::string> names = parameter_names(instrument);
+    // What was learned for another instrument waits for that. Options come later and so prevail.
+    auto learned = control_map_read(learned_file());
+    std::erase_if(learned, [&names](const control_mapping& mapping) {
+        return std::ranges::find(names, mapping.parameter) == names.end();
+    });
+    options.mappings.insert(options.mappings.begin(), learned.begin(), learned.end());
+    for (registration& one : registrations_list())
+        if (registration_fits(one, names))
+            options.programs.push_back(std::move(one));
+    return options;
+}
+
+live_song make_song(const play_request& request) {
+    live_song made{.loops = request.loops};
+    made.arrangement.transposition = request.transposition;
+    if (!request.channels.empty())
+        made.arrangement.channels = parse_channels(request.channels);
+    if (!request.song.empty())
+        made.song = song_read(request.song);
+    return made;
+}
+
+bool wants_panel(const play_request& request, plugin& instrument) {
+    if (request.shows_panel)
+        return *request.shows_panel;
+    const char* p_display = std::getenv("DISPLAY");
+    return p_display && *p_display && has_editor(instrument);
+}
+
+class performance {
+public:
+    performance(const play_request& request, plugin& instrument, live_song song,
+                std::FILE* p_output)
+        : request_{request},
+          status_{request.is_quiet ? nullptr : p_output},
+          players_{instrument, players_options(request, instrument)},
+          songs_{instrument, instrument_console(request)},
+          live_{instrument, players_, songs_, std::move(song)} {
+        instrument.set_listener(
+            [this](int parameter, float value) { players_.touch(parameter, value); });
+        if (wants_panel(request, instrument))
+            panel_.emplace(instrument, live_);
+        else if (is_terminal(p_output))
+            terminal_.emplace(fileno(p_output));
+    }
+
+    void play() {
+        const std::atomic<bool>& is_interrupted = interrupt_defer();
+        open();
+        if (!system_)
+            throw failure{exit_failed,
+                          "no JACK server is there; start one (jackd, or PipeWire with "
+                          "pw-jack tindelwax play)"};
+        while (!is_interrupted && !is_over()) {
+            tend();
+            if (panel_ && !panel_->idle())
+                break;
+            if (terminal_)
+                take_terminal_keys();
+            std::this_thread::sleep_for(turn);
+        }
+        end();
+    }
+
+private:
+    void open() {
+        system_ = jack_system_open(live_, request_.sound);
+        last_look_ = steady::now();
+        if (!system_)
+            return;
+        const sound_status now = system_->status();
+        status_.tell(std::string{"plays through "} + now.system + " as " + now.device + ", "
+                     + std::to_string(now.rate_hz) + " Hz, " + std::to_string(now.block_frames)
+                     + " frames");
+        if (!now.remark.empty())
+            status_.tell(now.remark);
+    }
+
+    void tend() {
+        if (system_ && !system_->tend()) {
+            tell_news();
+            system_.reset();
+            status_.tell("the sound is gone; looking for it");
+        }
+        if (!system_ && steady::now() - last_look_ > between_looks)
+            open();
+        tell_news();
+        for (const std::string& news : learner_.tend())
+            status_.tell(news);
+        if (!system_)
+            return status_.show_absence();
+        if (steady::now() - last_shown_ < between_lines)
+            return;
+        last_shown_ = steady::now();
+        const live_levels levels = live_.take_levels();
+        if (std::ranges::max(levels.peaks) > static_cast<float>(silence_gain))
+            last_sound_ = steady::now();
+        status_.show(system_->status(), levels);
+    }
+
+    void tell_news() {
+        if (system_)
+            for (const std::string& news : system_->take_news())
+                status_.tell(news);
+    }
+
+    void take_terminal_keys() {
+        for (const terminal_key& key : terminal_->take()) {
+            const key_code code = key_code_of(key.character);
+            switch (key.happened) {
+            case terminal_key::what::pressed:
+                keys_.press(code);
+                break;
+            case terminal_key::what::released:
+                keys_.release(code);
+                break;
+            case terminal_key::what::struck:
+                keys_.toggle(code);
+                break;
+            }
+        }
+    }
+
+    /// A song ends with its sound.
+    bool is_over() {
+        if (!live_.song_has_ended())
+            return false;
+        const auto now = steady::now();
+        if (!song_end_)
+            song_end_ = now;
+        const bool is_silent = now - std::max(*song_end_, last_sound_) > end_patience;
+        return is_silent || now - *song_end_ > fade_patience;
+    }
+
+    /// Lets the instrument fall silent before the sound goes.
+    void end() {
+        live_.panic();
+        const auto deadline = steady::now() + end_patience;
+        while (system_ && !live_.is_quiet() && steady::now() < deadline)
+            std::this_thread::sleep_for(1ms);
+        if (system_)
+            std::this_thread::sleep_for(std::chrono::duration<double>(
+                2.0 * system_->status().block_frames / system_->status().rate_hz));
+        system_.reset();
+    }
+
+    const play_request& request_;
+    status_line status_;
+    console players_;
+    console songs_;
+    learner learner_{players_};
+    live_instrument live_;
+    std::optional<play_panel> panel_{};
+    std::optional<terminal_keys> terminal_{};
+    computer_keys keys_{live_}; // of the terminal
+    std::unique_ptr<sound_system> system_{};
+    steady::time_point last_look_{};
+    steady::time_point last_shown_{};
+    steady::time_point last_sound_{};
+    std::optional<steady::time_point> song_end_{};
+};
+
+void list(std::FILE* p_output) {
+    std::string text;
+    for (const std::string& line : jack_system_list())
+        text += printable(line) + "\n";
+    print(p_output, text.empty() ? "No JACK server is there.\n" : text);
+}
+
+void save(plugin& instrument, const std::string& file) {
+    output_file output{std::filesystem::path{file}};
+    const std::string title = std::filesystem::path{file}.stem().string();
+    std::fputs(registration_text(instrument, title).c_str(), output.stream());
+    output.finish();
+}
+
+} // namespace
+
+void play_run(const play_request& request, std::FILE* p_output) {
+    if (request.lists)
+        return list(p_output);
+    if (request.forgets && !control_map_write(learned_file(), {}))
+        throw failure{exit_failed,
+                      "cannot write " + learned_file().string() + ": " + std::strerror(errno)};
+    live_song song = make_song(request);
+    instrument_try(request, [&request](plugin& instrument) {
+        const console desk{instrument, players_options(request, instrument)};
+    });
+    plugin instrument{request.plugin_file};
+    instrument_set_up(instrument, request);
+    keep_memory();
+    performance{request, instrument, std::move(song), p_output}.play();
+    if (!request.saved_file.empty())
+        save(instrument, request.saved_file);
+}
+
+std::string learned_text() {
+    std::string text;
+    for (const control_mapping& mapping : control_map_read(learned_file()))
+        text += "--map " + control_mapping_text(mapping) + "\n";
+    return text.empty() ? "No controller was learned; tindelwax play --learn learns some.\n" : text;
+}

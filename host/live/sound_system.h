@@ -1,0 +1,45 @@
+#pragma once
+/// What makes a live instrument heard and brings it messages: a JACK server. Functions are [ui]
+/// unless tagged.
+
+#include "live/live_instrument.h"
+
+struct sound_wishes {
+    std::string device{}; ///< empty for the usual one
+    std::string midi{};   ///< a part of the inputs' names; empty for every one that is there
+    bool connects = true; ///< ports, as a player would
+};
+
+struct sound_status {
+    const char* system; ///< in one word
+    std::string device;
+    int rate_hz;
+    int block_frames;
+    double delay_ms; ///< from a key to the air, without the converter's own
+    double load;     ///< of the time that a block has
+    long nb_underruns;
+    std::string remark{}; ///< how it could be better
+};
+
+class sound_system {
+public:
+    virtual ~sound_system() = default;
+
+    /// Does what is due: connects what came, releases what was held on what went. Returns false if
+    /// the sound is gone for good; then its owner ends it and opens another. Called every few
+    /// hundredths of a second.
+    virtual bool tend() = 0;
+
+    [[nodiscard]] virtual sound_status status() const = 0;
+
+    /// What happened since the last call, a sentence each.
+    [[nodiscard]] virtual std::vector<std::string> take_news() = 0;
+};
+
+/// Starts the instrument with a JACK server that runs. Null where there is none.
+[[nodiscard]] std::unique_ptr<sound_system> jack_system_open(live_instrument& instrument,
+                                                             const sound_wishes& wishes);
+
+/// The names of a running server's outputs and of what could play the instrument; without the
+/// server, none.
+[[nodiscard]] std::vector<std::string> jack_system_list();

@@ -1,0 +1,73 @@
+#pragma once
+/// A program that runs beside a test, and what it prints on standard output.
+
+#include <csignal>
+#include <poll.h>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+class running_process {
+public:
+    explicit running_process(const std::vector<std::string>& arguments) {
+        int ends[2];
+        if (pipe(ends) != 0)
+            return;
+        posix_spawn_file_actions_t files;
+        posix_spawn_file_actions_init(&files);
+        posix_spawn_file_actions_adddup2(&files, ends[1], STDOUT_FILENO);
+        posix_spawn_file_actions_addclose(&files, ends[0]);
+        std::vector<char*> words;
+        for (const std::string& argument : arguments)
+            words.push_back(const_cast<char*>(argument.c_str()));
+        words.push_back(nullptr);
+        posix_spawnp(&process_, words[0], &files, nullptr, words.data(), environ);
+        posix_spawn_file_actions_destroy(&files);
+        close(ends[1]);
+        output_ = ends[0];
+    }
+    ~running_process() {
+        end(SIGKILL);
+        close(output_);
+    }
+    running_process(const running_process&) = delete;
+    running_process& operator=(const running_process&) = delete;
+
+    /// Whether it prints these words within some seconds, past those that were found before.
+    [[nodiscard]] bool says(const std::string& words) {
+        pollfd stream{output_, POLLIN, 0};
+        for (std::size_t found = 0; (found = text_.find(words)) == text_.npos;) {
+            char piece[4096];
+            if (poll(&stream, 1, 10000) <= 0)
+                return false;
+            const auto nb = read(output_, piece, sizeof piece);
+            if (nb <= 0)
+                return false;
+            text_.append(piece, static_cast<std::size_t>(nb));
+        }
+        text_.erase(0, text_.find(words) + words.size());
+        return true;
+    }
+
+    void send_signal(int number) const { kill(process_, number); }
+
+    /// Its exit status, or 128 and the number of the signal that ended it.
+    int end(int signal) {
+        if (process_ <= 0)
+            return -1;
+        kill(process_, signal);
+        int status = 0;
+        waitpid(process_, &status, 0);
+        process_ = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    }
+
+    [[nodiscard]] const std::string& rest() const { return text_; }
+
+private:
+    pid_t process_ = 0;
+    int output_ = -1;
+    std::string text_{};
+};
