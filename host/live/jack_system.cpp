@@ -3,6 +3,7 @@
 #include "platform/process.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <jack/jack.h>
 #include <jack/midiport.h>
 #include <set>
@@ -173,10 +174,17 @@ private:
             if (is_called(client_.get(), port, wishes_.midi))
                 sources.insert(port);
         for (const std::string& port : sources)
-            if (!sources_.contains(port)
-                && jack_connect(client_.get(), port.c_str(), jack_port_name(midi_)) == 0)
-                news_.push_back(port + " plays");
-        sources_ = std::move(sources);
+            if (!sources_.contains(port) && connect_input(port))
+                sources_.insert(port);
+        std::erase_if(sources_, [&](const std::string& port) { return !sources.contains(port); });
+    }
+
+    /// Returns false where its owner does not run yet: a port is seen before that.
+    bool connect_input(const std::string& port) {
+        const int result = jack_connect(client_.get(), port.c_str(), jack_port_name(midi_));
+        if (result == 0)
+            news_.push_back(port + " plays");
+        return result == 0 || result == EEXIST;
     }
 
     live_instrument& instrument_;
