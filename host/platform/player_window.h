@@ -14,8 +14,8 @@ struct window_key {
 };
 
 struct window_events {
-    bool is_closed = false; ///< by the user
-    bool lost_keys = false; ///< what is let go from now on is not told
+    bool is_closed = false; ///< by the user, or with the display
+    bool lost_keys = false; ///< what is held is not told to be let go
     std::vector<window_key> keys{};
 };
 
@@ -33,8 +33,8 @@ public:
 
     void resize(int width, int height);
 
-    /// Since the last call. A key that repeats is told once; one that is let go is told a call
-    /// later, as it might be about to repeat.
+    /// Since the last call; waits for nothing. A key that repeats is told once; one that is let go
+    /// may be told a call later, as it might be about to repeat.
     [[nodiscard]] window_events take_events();
 
 private:

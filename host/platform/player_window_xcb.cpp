@@ -1,13 +1,15 @@
 #include "platform/player_window.h"
 
+#include <bitset>
 #include <cstdlib>
-#include <map>
+#include <optional>
 #include <utility>
 #include <xcb/xcb.h>
 
 namespace {
 
-constexpr int first_key_code = 8;                              // which is Linux's 0
+constexpr int first_key_code = 8; // which is Linux's 0
+constexpr std::size_t nb_key_codes = 248;
 constexpr std::uint32_t input_hint = 1, takes_input = 1;       // of WM_HINTS
 constexpr std::uint32_t smallest_size = 16, largest_size = 32; // of WM_NORMAL_HINTS
 
@@ -17,14 +19,22 @@ struct freed {
 template <typename Reply>
 using reply_ptr = std::unique_ptr<Reply, freed>;
 
+struct released_key {
+    int code;
+    xcb_timestamp_t time;
+
+    bool operator==(const released_key&) const = default;
+};
+
 } // namespace
 
 struct player_window::state {
     xcb_connection_t* server = xcb_connect(nullptr, nullptr);
     xcb_window_t window = XCB_NONE;
-    xcb_atom_t close_request = XCB_NONE;
-    std::map<int, xcb_timestamp_t> released{}; // keys that may be about to repeat
-    bool has_asked_for_keys = false;
+    xcb_atom_t protocols = XCB_NONE, close_request = XCB_NONE;
+    bool takes_keys = false;                // itself, when it appears
+    std::bitset<nb_key_codes> held{};       // as they were told
+    std::optional<released_key> released{}; // as the last event, so that it may be about to repeat
 
     state() = default;
     ~state() { xcb_disconnect(server); } // which takes the window along
@@ -33,11 +43,13 @@ struct player_window::state {
 
     void open(int width, int height, const std::string& title);
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
-    void set(const std::string& property, xcb_atom_t type, std::uint8_t width, std::size_t nb,
+    [[nodiscard]] bool is_managed(xcb_window_t root) const;
+    void set(xcb_atom_t property, xcb_atom_t type, std::uint8_t width, std::size_t nb,
              const void* values) const;
     void set_size(int width, int height) const;
     void handle(const xcb_generic_event_t& event, window_events& told);
-    void handle_key(const xcb_key_press_event_t& event, bool is_press, window_events& told);
+    void tell(int code, bool is_pressed, window_events& told);
+    void tell_released(window_events& told);
 };
 
 xcb_atom_t player_window::state::atom(const std::string& name) const {
@@ -47,17 +59,26 @@ xcb_atom_t player_window::state::atom(const std::string& name) const {
     return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_NONE);
 }
 
-void player_window::state::set(const std::string& property, xcb_atom_t type, std::uint8_t width,
+/// Whether a window manager is there, who gives the keyboard to windows.
+bool player_window::state::is_managed(xcb_window_t root) const {
+    const auto question =
+        xcb_get_property(server, 0, root, atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1);
+    const reply_ptr<xcb_get_property_reply_t> manager{
+        xcb_get_property_reply(server, question, nullptr)};
+    return manager && xcb_get_property_value_length(manager.get()) > 0;
+}
+
+void player_window::state::set(xcb_atom_t property, xcb_atom_t type, std::uint8_t width,
                                std::size_t nb, const void* values) const {
-    xcb_change_property(server, XCB_PROP_MODE_REPLACE, window, atom(property), type, width,
+    xcb_change_property(server, XCB_PROP_MODE_REPLACE, window, property, type, width,
                         static_cast<std::uint32_t>(nb), values);
 }
 
 /// Window managers keep a window whose smallest size is its largest.
 void player_window::state::set_size(int width, int height) const {
     const auto w = static_cast<std::uint32_t>(width), h = static_cast<std::uint32_t>(height);
-    std::uint32_t hints[18] = {smallest_size | largest_size, 0, 0, 0, 0, w, h, w, h};
-    set("WM_NORMAL_HINTS", XCB_ATOM_WM_SIZE_HINTS, 32, std::size(hints), hints);
+    const std::uint32_t hints[18] = {smallest_size | largest_size, 0, 0, 0, 0, w, h, w, h};
+    set(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32, std::size(hints), hints);
     const std::uint32_t size[] = {w, h};
     xcb_configure_window(server, window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
 }
@@ -67,9 +88,10 @@ void player_window::state::open(int width, int height, const std::string& title)
         return;
     const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(server)).data;
     window = xcb_generate_id(server);
-    const std::uint32_t values[] = {
-        screen->black_pixel, XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE
-                                 | XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY};
+    const std::uint32_t values[] = {screen->black_pixel,
+                                    XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE
+                                        | XCB_EVENT_MASK_KEYMAP_STATE | XCB_EVENT_MASK_FOCUS_CHANGE
+                                        | XCB_EVENT_MASK_STRUCTURE_NOTIFY};
     const auto created = xcb_create_window_checked(
         server, XCB_COPY_FROM_PARENT, window, screen->root, 0, 0, static_cast<std::uint16_t>(width),
         static_cast<std::uint16_t>(height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
@@ -79,59 +101,81 @@ void player_window::state::open(int width, int height, const std::string& title)
         return;
     }
     constexpr char program[] = "tindelwax\0tindelwax"; // instance and class
+    protocols = atom("WM_PROTOCOLS");
     close_request = atom("WM_DELETE_WINDOW");
+    takes_keys = !is_managed(screen->root);
     const std::uint32_t hints[9] = {input_hint, takes_input};
-    set("WM_NAME", XCB_ATOM_STRING, 8, title.size(), title.c_str());
-    set("_NET_WM_NAME", atom("UTF8_STRING"), 8, title.size(), title.c_str());
-    set("WM_CLASS", XCB_ATOM_STRING, 8, sizeof program, program);
-    set("WM_HINTS", XCB_ATOM_WM_HINTS, 32, std::size(hints), hints);
-    set("WM_PROTOCOLS", XCB_ATOM_ATOM, 32, 1, &close_request);
+    set(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, title.size(), title.c_str());
+    set(atom("_NET_WM_NAME"), atom("UTF8_STRING"), 8, title.size(), title.c_str());
+    set(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8, sizeof program, program);
+    set(XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS, 32, std::size(hints), hints);
+    set(protocols, XCB_ATOM_ATOM, 32, 1, &close_request);
     set_size(width, height);
     xcb_map_window(server, window);
     xcb_flush(server);
 }
 
 void player_window::state::handle(const xcb_generic_event_t& event, window_events& told) {
-    switch (event.response_type & 0x7F) {
-    case XCB_KEY_PRESS:
-        return handle_key(reinterpret_cast<const xcb_key_press_event_t&>(event), true, told);
-    case XCB_KEY_RELEASE:
-        return handle_key(reinterpret_cast<const xcb_key_press_event_t&>(event), false, told);
-    case XCB_FOCUS_OUT: {
-        const auto& lost = reinterpret_cast<const xcb_focus_out_event_t&>(event);
-        told.lost_keys |= lost.mode == XCB_NOTIFY_MODE_NORMAL
-                          && lost.detail != XCB_NOTIFY_DETAIL_INFERIOR
-                          && lost.detail != XCB_NOTIFY_DETAIL_POINTER;
+    const int type = event.response_type & 0x7F;
+    const auto& key = reinterpret_cast<const xcb_key_press_event_t&>(event);
+    const int code = key.detail - first_key_code;
+    // A key that repeats is let go and pressed at one time.
+    if (type == XCB_KEY_PRESS && released == released_key{code, key.time}) {
+        released.reset();
         return;
     }
-    case XCB_MAP_NOTIFY: // where no window manager does it
-        if (!std::exchange(has_asked_for_keys, true))
+    tell_released(told);
+    switch (type) {
+    case XCB_KEY_PRESS:
+        return tell(code, true, told);
+    case XCB_KEY_RELEASE:
+        released = {code, key.time};
+        return;
+    case XCB_FOCUS_OUT: {
+        const auto& lost = reinterpret_cast<const xcb_focus_out_event_t&>(event);
+        const bool is_grab =
+            lost.mode == XCB_NOTIFY_MODE_GRAB || lost.mode == XCB_NOTIFY_MODE_UNGRAB;
+        if (is_grab || lost.detail == XCB_NOTIFY_DETAIL_INFERIOR)
+            return;
+        held.reset();
+        told.lost_keys = true;
+        return;
+    }
+    case XCB_KEYMAP_NOTIFY: { // with the keyboard, as a grab ends: keys were let go meanwhile
+        const auto& keymap = reinterpret_cast<const xcb_keymap_notify_event_t&>(event);
+        for (int i = 0; i < static_cast<int>(nb_key_codes); ++i)
+            if ((keymap.keys[i / 8] >> i % 8 & 1) == 0)
+                tell(i, false, told);
+        return;
+    }
+    case XCB_MAP_NOTIFY:
+        if (std::exchange(takes_keys, false))
             xcb_set_input_focus(server, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
         return;
-    case XCB_CLIENT_MESSAGE:
-        told.is_closed |= reinterpret_cast<const xcb_client_message_event_t&>(event).data.data32[0]
-                          == close_request;
+    case XCB_CLIENT_MESSAGE: {
+        const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
+        told.is_closed |= message.type == protocols && message.data.data32[0] == close_request;
         return;
+    }
     case XCB_DESTROY_NOTIFY:
-        told.is_closed |=
-            reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window == window;
+        told.is_closed = true;
         return;
     default:
         return;
     }
 }
 
-/// A key that repeats is let go and pressed at one time.
-void player_window::state::handle_key(const xcb_key_press_event_t& event, bool is_press,
-                                      window_events& told) {
-    const int code = event.detail - first_key_code;
-    const auto let_go = released.find(code);
-    if (!is_press)
-        released[code] = event.time;
-    else if (let_go != released.end() && let_go->second == event.time)
-        released.erase(let_go);
-    else
-        told.keys.push_back({code, true});
+void player_window::state::tell(int code, bool is_pressed, window_events& told) {
+    const auto i = static_cast<std::size_t>(code);
+    if (i >= held.size() || held[i] == is_pressed)
+        return;
+    held[i] = is_pressed;
+    told.keys.push_back({code, is_pressed});
+}
+
+void player_window::state::tell_released(window_events& told) {
+    if (const auto key = std::exchange(released, std::nullopt))
+        tell(key->code, false, told);
 }
 
 player_window::player_window(int width, int height, const std::string& title)
@@ -152,16 +196,14 @@ void player_window::resize(int width, int height) {
 
 window_events player_window::take_events() {
     window_events told;
-    const auto before = p_state_->released;
-    while (const reply_ptr<xcb_generic_event_t> event{xcb_poll_for_event(p_state_->server)})
+    const auto next = [this] {
+        return reply_ptr<xcb_generic_event_t>{xcb_poll_for_event(p_state_->server)};
+    };
+    auto event = next();
+    if (!event)
+        p_state_->tell_released(told);
+    for (; event; event = next())
         p_state_->handle(*event, told);
-    // What was let go before the last call and is not pressed again was no repetition.
-    for (const auto& [code, time] : before)
-        if (const auto waiting = p_state_->released.find(code);
-            waiting != p_state_->released.end() && waiting->second == time) {
-            p_state_->released.erase(waiting);
-            told.keys.push_back({code, false});
-        }
     xcb_flush(p_state_->server);
     told.is_closed |= xcb_connection_has_error(p_state_->server) != 0;
     return told;

@@ -1,24 +1,12 @@
 #pragma once
 /// A JACK server of a test's own, without a sound card, and clients beside the one under test.
 
+#include "tests/host/comes_true.h"
 #include "tests/host/running_process.h"
 
-#include <chrono>
 #include <jack/jack.h>
 #include <jack/midiport.h>
-#include <thread>
 #include <vector>
-
-/// Repeats a look until it succeeds, for ten seconds at most.
-template <typename Look>
-[[nodiscard]] bool comes_true(Look look) {
-    for (int i = 0; i < 2000; ++i) {
-        if (look())
-            return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return false;
-}
 
 class jack_server {
 public:

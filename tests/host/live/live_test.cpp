@@ -1,13 +1,12 @@
 #include "check/watched_calls.h"
 #include "live/sound_system.h"
-#include "platform/display.h"
 #include "tests/host/live/jack_server.h"
+#include "tests/host/platform/desktop.h"
 #include "tests/temporary_folder.h"
 
 #include <algorithm>
 #include <map>
 #include <sstream>
-#include <xcb/xtest.h>
 
 #include <gtest/gtest.h>
 
@@ -259,54 +258,6 @@ TEST_F(Jack, TheCommandOutlivesItsServerAndLeavesSilence) {
     EXPECT_LT(log.rfind(": 80 2B 40\n"), log.rfind(": B0 78 00\n")) << log;
 }
 
-/// Hands and eyes before the command's window.
-struct desktop {
-    display shown{display::choice::unseen};
-    xcb_connection_t* server = xcb_connect(nullptr, nullptr);
-    xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(server)).data->root;
-    xcb_window_t window = XCB_NONE;
-
-    ~desktop() { xcb_disconnect(server); }
-
-    /// Whether the window of that title is there and has the keyboard.
-    bool sees(const std::string& title) {
-        auto* p_focus = xcb_get_input_focus_reply(server, xcb_get_input_focus(server), nullptr);
-        window = p_focus->focus;
-        std::free(p_focus);
-        auto* p_name = xcb_get_property_reply(
-            server, xcb_get_property(server, 0, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 0, 64),
-            nullptr);
-        const std::string name(
-            p_name ? static_cast<const char*>(xcb_get_property_value(p_name)) : "",
-            p_name ? static_cast<std::size_t>(xcb_get_property_value_length(p_name)) : 0);
-        std::free(p_name);
-        return name == title;
-    }
-    void strike(std::uint8_t type, std::uint8_t key) const {
-        xcb_test_fake_input(server, type, key, XCB_CURRENT_TIME, root, 0, 0, 0);
-        xcb_flush(server);
-    }
-    [[nodiscard]] xcb_atom_t atom(const std::string& name) const {
-        auto* p_atom = xcb_intern_atom_reply(
-            server,
-            xcb_intern_atom(server, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
-            nullptr);
-        const xcb_atom_t found = p_atom->atom;
-        std::free(p_atom);
-        return found;
-    }
-    void close() const {
-        xcb_client_message_event_t request{};
-        request.response_type = XCB_CLIENT_MESSAGE;
-        request.format = 32;
-        request.window = window;
-        request.type = atom("WM_PROTOCOLS");
-        request.data.data32[0] = atom("WM_DELETE_WINDOW");
-        xcb_send_event(server, 0, window, 0, reinterpret_cast<const char*>(&request));
-        xcb_flush(server);
-    }
-};
-
 TEST_F(Jack, TheWindowsKeyboardPlaysAndItsClosingIsTheEnd) {
     constexpr std::uint8_t z_key = 52;
     const jack_server server{64};
@@ -314,12 +265,13 @@ TEST_F(Jack, TheWindowsKeyboardPlaysAndItsClosingIsTheEnd) {
     running_process play{{TEST_COMMAND, "play"}};
     ASSERT_TRUE(play.says("plays through JACK"));
     recorder ear;
-    ASSERT_TRUE(comes_true([&] { return user.sees("Tindelwax"); }));
+    ASSERT_TRUE(
+        comes_true([&] { return user.property(user.focus(), XCB_ATOM_WM_NAME) == "Tindelwax"; }));
     user.strike(XCB_KEY_PRESS, z_key);
     EXPECT_TRUE(comes_true([&] { return ear.peak > 0.01f; }));
     user.strike(XCB_KEY_RELEASE, z_key);
     EXPECT_TRUE(comes_true([&] { return ear.peak.exchange(0) < 1e-4f; }));
-    user.close();
+    user.close(user.focus());
     EXPECT_EQ(play.end(0), 0);
 }
 

@@ -1,0 +1,16 @@
+#pragma once
+/// What another process or thread does comes in its own time.
+
+#include <chrono>
+#include <thread>
+
+/// Repeats a look until it succeeds, for ten seconds at most.
+template <typename Look>
+[[nodiscard]] bool comes_true(Look look) {
+    for (int i = 0; i < 2000; ++i) {
+        if (look())
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return false;
+}
