@@ -31,7 +31,7 @@ need() {
 
 build_packages=(
     g++ cmake ninja-build pkg-config libcli11-dev libsndfile1-dev libxcb1-dev
-    libxcb-xtest0-dev libpng-dev libjack-jackd2-dev)
+    libxcb-xtest0-dev libpng-dev libjack-jackd2-dev libasound2-dev librtaudio-dev librtmidi-dev)
 windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
 package_packages=(nsis dpkg-dev file fakeroot)
 wine_packages=(wine wine64 wine32:i386)

@@ -18,6 +18,12 @@ int parse_bits(const std::string& text) {
     return *number;
 }
 
+std::string parse_via(const std::string& text) {
+    if (text != "jack" && text != "alsa")
+        misuse("--via takes jack or alsa; \"" + text + "\" is neither");
+    return text;
+}
+
 std::bitset<16> parse_channels(const std::string& list) {
     std::bitset<16> channels;
     if (list == "all")

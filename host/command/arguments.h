@@ -9,6 +9,9 @@
 /// 16, 24 or 32.
 [[nodiscard]] int parse_bits(const std::string& text);
 
+/// jack or alsa.
+[[nodiscard]] std::string parse_via(const std::string& text);
+
 /// Channel numbers and ranges such as "1,3-5", or "all". Bit 0 is channel 1.
 [[nodiscard]] std::bitset<16> parse_channels(const std::string& list);
 

@@ -121,10 +121,20 @@ CLI::App* add_render(CLI::App& app, render_request& request) {
 }
 
 void add_sound_options(CLI::App& app, play_request& request) {
+    app.add_option_function<std::string>(
+           "--via", [&request](const std::string& text) { request.sound.via = parse_via(text); },
+           "jack or alsa (a JACK server that runs, or else ALSA)")
+        ->option_text("WAY");
     app.add_option("--device", request.sound.device, "a part of the output's name (the usual one)")
         ->option_text("NAME");
     app.add_option("--midi", request.sound.midi, "a part of the inputs' names (every one)")
         ->option_text("NAME");
+    add_number(app, "--rate", request.sound.rate_hz, 8000, 192000,
+               "frames a second, without a JACK server (48000)")
+        ->option_text("HZ");
+    add_number(app, "--block", request.sound.block_frames, 16, 8192,
+               "frames at once, without a JACK server (128)")
+        ->option_text("FRAMES");
     app.add_flag_callback(
         "--connect", [&request] { request.sound.connects = true; },
         "connect JACK's ports to outputs and keyboards (so it is)");

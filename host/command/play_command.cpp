@@ -5,6 +5,7 @@
 #include "failure/print.h"
 #include "failure/printable.h"
 #include "live/play_panel.h"
+#include "live/sound_source.h"
 #include "live/status_line.h"
 #include "output_file/output_file.h"
 #include "platform/interrupt.h"
@@ -114,7 +115,8 @@ public:
           status_{request.is_quiet ? nullptr : p_output},
           players_{instrument, players_options(request, instrument)},
           songs_{instrument, instrument_console(request)},
-          live_{instrument, players_, songs_, std::move(song)} {
+          live_{instrument, players_, songs_, std::move(song)},
+          source_{live_, request.sound} {
         instrument.set_listener(
             [this](int parameter, float value) { players_.touch(parameter, value); });
         if (wants_panel(request, instrument))
@@ -127,9 +129,10 @@ public:
         const std::atomic<bool>& is_interrupted = interrupt_defer();
         open();
         if (!system_)
-            throw failure{exit_failed,
-                          "no JACK server is there; start one (jackd, or PipeWire with "
-                          "pw-jack tindelwax play)"};
+            throw failure{exit_failed, source_.absence()};
+        if (!keep_memory())
+            status_.tell("no memory is kept from the disk; set memlock to unlimited, as rtprio, in "
+                         "/etc/security/limits.d/audio.conf");
         while (!is_interrupted && !is_over()) {
             tend();
             if (panel_ && !panel_->idle())
@@ -143,7 +146,7 @@ public:
 
 private:
     void open() {
-        system_ = jack_system_open(live_, request_.sound);
+        system_ = source_.open();
         last_look_ = steady::now();
         if (!system_)
             return;
@@ -229,6 +232,7 @@ private:
     console songs_;
     learner learner_{players_};
     live_instrument live_;
+    sound_source source_;
     std::optional<play_panel> panel_{};
     std::optional<terminal_keys> terminal_{};
     computer_keys keys_{live_}; // of the terminal
@@ -241,9 +245,14 @@ private:
 
 void list(std::FILE* p_output) {
     std::string text;
-    for (const std::string& line : jack_system_list())
-        text += printable(line) + "\n";
-    print(p_output, text.empty() ? "No JACK server is there.\n" : text);
+    const auto add = [&text](const char* title, const std::vector<std::string>& lines) {
+        text += std::string{title} + (lines.empty() ? ": none\n" : "\n");
+        for (const std::string& line : lines)
+            text += "  " + printable(line) + "\n";
+    };
+    add("JACK", jack_system_list());
+    add("ALSA", alsa_system_list());
+    print(p_output, text);
 }
 
 void save(plugin& instrument, const std::string& file) {
@@ -267,7 +276,6 @@ void play_run(const play_request& request, std::FILE* p_output) {
     });
     plugin instrument{request.plugin_file};
     instrument_set_up(instrument, request);
-    keep_memory();
     performance{request, instrument, std::move(song), p_output}.play();
     if (!request.saved_file.empty())
         save(instrument, request.saved_file);

@@ -1,12 +1,15 @@
 #pragma once
-/// What makes a live instrument heard and brings it messages: a JACK server. Functions are [ui]
-/// unless tagged.
+/// What makes a live instrument heard and brings it messages: a JACK server, or ALSA. Functions are
+/// [ui] unless tagged.
 
 #include "live/live_instrument.h"
 
 struct sound_wishes {
+    std::string via{};    ///< "jack" or "alsa"; empty for the first that is there
     std::string device{}; ///< empty for the usual one
     std::string midi{};   ///< a part of the inputs' names; empty for every one that is there
+    int rate_hz = 48000;
+    int block_frames = 128;
     bool connects = true; ///< ports, as a player would
 };
 
@@ -43,3 +46,11 @@ public:
 /// The names of a running server's outputs and of what could play the instrument; without the
 /// server, none.
 [[nodiscard]] std::vector<std::string> jack_system_list();
+
+/// The same without a server, by ALSA, whose default device desktops lead to theirs. Null where
+/// there is no device of that name.
+[[nodiscard]] std::unique_ptr<sound_system> alsa_system_open(live_instrument& instrument,
+                                                             const sound_wishes& wishes);
+
+/// The names of ALSA's outputs and of its MIDI sources.
+[[nodiscard]] std::vector<std::string> alsa_system_list();

@@ -19,6 +19,6 @@ void silence_crash_dialogs();
 /// Loads what a host of this system has loaded anyway, for good.
 void keep_system_libraries();
 
-/// Keeps all memory of the process, present and future, in the machine's own, where the system
-/// grants that.
-void keep_memory();
+/// Keeps the memory of the process in the machine's own, and what it takes later if no limit
+/// stands against that. Returns false where the system does not grant it.
+bool keep_memory();

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <sys/mman.h>
+#include <sys/resource.h>
 
 std::vector<std::string> program_arguments(int argc, char** argv) {
     return {argv + 1, argv + argc};
@@ -18,4 +19,10 @@ void silence_crash_dialogs() {}
 
 void keep_system_libraries() {}
 
-void keep_memory() { (void)mlockall(MCL_CURRENT | MCL_FUTURE); }
+bool keep_memory() {
+    rlimit limit{};
+    const bool is_unlimited =
+        getrlimit(RLIMIT_MEMLOCK, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY;
+    // What is taken later would be refused as the limit is reached.
+    return mlockall(is_unlimited ? MCL_CURRENT | MCL_FUTURE : MCL_CURRENT) == 0;
+}

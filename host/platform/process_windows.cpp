@@ -34,4 +34,4 @@ void silence_crash_dialogs() {
 // Wine loses a handle each time that the file dialogs' library comes and goes.
 void keep_system_libraries() { LoadLibraryW(L"comdlg32.dll"); }
 
-void keep_memory() {}
+bool keep_memory() { return false; }

@@ -280,13 +280,15 @@ TEST(LiveInstrument, ItsBlocksCallNothingThatAudioThreadsMustNot) {
     played.live.start(rate_hz);
     std::vector<float> left(8192), right(8192);
     float* const outputs[] = {left.data(), right.data()};
+    std::array<short_message, 200> messages;
+    for (std::size_t i = 0; i < messages.size(); ++i)
+        messages[i] =
+            message_make(i % 3 ? message_note_on : message_control_change, i % 16, i % 128, 100);
     for (const std::size_t nb_frames : {64u, 100u, 8192u}) {
         played.live.press(60);
         watched_calls_begin();
-        for (std::size_t i = 0; i < 200; ++i)
-            played.live.take(message_make(i % 3 ? message_note_on : message_control_change, i % 16,
-                                          i % 128, 100),
-                             i * nb_frames / 200);
+        for (std::size_t i = 0; i < messages.size(); ++i)
+            played.live.take(messages[i], i * nb_frames / messages.size());
         played.live.process(outputs, nb_frames);
         played.live.panic();
         played.live.process(outputs, nb_frames);

@@ -35,6 +35,7 @@ struct sine {
     std::istringstream signals{}; // a frame, and the signals that are raised once it is reached
     long signals_frame = -1;
     long block_frames = 0;
+    std::vector<double> sums{};
 };
 
 sine& self(AEffect* effect) { return *static_cast<sine*>(effect->object); }
@@ -163,7 +164,8 @@ void VSTCALLBACK process(AEffect* effect, float**, float** outputs, VstInt32 nb_
     raise_signals(s);
     note_tempo(s);
     const float release = static_cast<float>(std::pow(release_per_100_ms, 10 / s.rate));
-    std::vector<double> sums(static_cast<std::size_t>(nb_frames));
+    std::vector<double>& sums = s.sums;
+    sums.assign(static_cast<std::size_t>(nb_frames), 0);
     for (std::size_t note = 0; note < s.gains.size(); ++note) {
         const double hz = 440 * std::exp2((static_cast<double>(note) - 69) / 12);
         for (std::size_t i = 0; i < sums.size() && s.gains[note] >= inaudible; ++i) {
