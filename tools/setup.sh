@@ -32,6 +32,9 @@ need() {
 build_packages=(
     g++ cmake ninja-build pkg-config libcli11-dev libsndfile1-dev libxcb1-dev
     libxcb-xtest0-dev libpng-dev libjack-jackd2-dev libasound2-dev librtaudio-dev librtmidi-dev)
+test_packages=(
+    libgtest-dev libbenchmark-dev clang-format clang-tidy-22 xvfb
+    jackd2 pipewire pipewire-jack pulseaudio libasound2-plugins)
 windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
 package_packages=(nsis dpkg-dev file fakeroot)
 wine_packages=(wine wine64 wine32:i386)

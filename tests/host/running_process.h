@@ -1,7 +1,10 @@
 #pragma once
-/// A program that runs beside a test, and what it prints on standard output.
+/// A program that runs beside a test, and what it prints: on standard output alone, or in a
+/// terminal.
 
 #include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
 #include <string>
@@ -11,19 +14,33 @@
 
 class running_process {
 public:
-    explicit running_process(const std::vector<std::string>& arguments) {
-        int ends[2];
-        if (pipe(ends) != 0)
-            return;
+    enum class where { beside, in_terminal };
+
+    explicit running_process(const std::vector<std::string>& arguments,
+                             where place = where::beside) {
+        int ends[2] = {-1, -1};
         posix_spawn_file_actions_t files;
         posix_spawn_file_actions_init(&files);
-        posix_spawn_file_actions_adddup2(&files, ends[1], STDOUT_FILENO);
+        posix_spawnattr_t attributes;
+        posix_spawnattr_init(&attributes);
+        if (place == where::in_terminal) {
+            ends[0] = posix_openpt(O_RDWR | O_NOCTTY);
+            grantpt(ends[0]);
+            unlockpt(ends[0]);
+            posix_spawn_file_actions_addopen(&files, STDIN_FILENO, ptsname(ends[0]), O_RDWR, 0);
+            posix_spawn_file_actions_adddup2(&files, STDIN_FILENO, STDOUT_FILENO);
+            posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+        } else if (pipe(ends) == 0) {
+            posix_spawn_file_actions_adddup2(&files, ends[1], STDOUT_FILENO);
+            posix_spawn_file_actions_addclose(&files, ends[1]);
+        }
         posix_spawn_file_actions_addclose(&files, ends[0]);
         std::vector<char*> words;
         for (const std::string& argument : arguments)
             words.push_back(const_cast<char*>(argument.c_str()));
         words.push_back(nullptr);
-        posix_spawnp(&process_, words[0], &files, nullptr, words.data(), environ);
+        posix_spawnp(&process_, words[0], &files, &attributes, words.data(), environ);
+        posix_spawnattr_destroy(&attributes);
         posix_spawn_file_actions_destroy(&files);
         close(ends[1]);
         output_ = ends[0];
@@ -50,6 +67,9 @@ public:
         text_.erase(0, text_.find(words) + words.size());
         return true;
     }
+
+    /// Into its terminal.
+    void type(const std::string& keys) const { (void)!write(output_, keys.data(), keys.size()); }
 
     void send_signal(int number) const { kill(process_, number); }
 

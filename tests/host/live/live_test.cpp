@@ -1,6 +1,8 @@
 #include "check/watched_calls.h"
 #include "live/sound_system.h"
 #include "tests/host/live/jack_server.h"
+#include "tests/host/live/other_servers.h"
+#include "tests/host/midi_bytes.h"
 #include "tests/host/platform/desktop.h"
 #include "tests/temporary_folder.h"
 
@@ -29,7 +31,7 @@ struct note {
     short_message message;
 };
 
-/// Sends chords at uneven frames, each noted.
+/// Sends chords, or what it is given, at uneven frames, each noted.
 struct sender {
     jack_client_t* p_client = jack_server::open("sender");
     jack_port_t* p_port =
@@ -37,6 +39,7 @@ struct sender {
     std::atomic<int> nb_wanted = 0; ///< messages
     int nb_sent = 0;
     jack_nframes_t next_time = 0;
+    std::vector<short_message> script{}; ///< in place of chords
     std::vector<note> sent = std::vector<note>(100000);
 
     sender() {
@@ -48,16 +51,28 @@ struct sender {
     }
     ~sender() { jack_client_close(p_client); }
 
+    short_message next_message() const {
+        const auto i = static_cast<std::size_t>(nb_sent);
+        const std::size_t key = 36 + i / 2 * 7 % 36;
+        if (!script.empty())
+            return script[i];
+        return i % 2 ? message_release(0, key) : message_make(message_note_on, 0, key, 100);
+    }
+    bool send(std::vector<short_message> messages) {
+        script = std::move(messages);
+        nb_wanted = static_cast<int>(script.size());
+        return comes_true([&] { return nb_sent == nb_wanted; });
+    }
+
     int play(jack_nframes_t nb_frames) {
         void* p_buffer = jack_port_get_buffer(p_port, nb_frames);
         jack_midi_clear_buffer(p_buffer);
         const jack_nframes_t now = jack_last_frame_time(p_client);
         next_time = std::max(next_time, now);
         for (; nb_sent < nb_wanted && next_time < now + nb_frames; next_time += 997) {
-            const auto key = static_cast<std::size_t>(36 + nb_sent / 2 * 7 % 36);
-            const short_message message =
-                nb_sent % 2 ? message_release(0, key) : message_make(message_note_on, 0, key, 100);
-            jack_midi_event_write(p_buffer, next_time - now, message.data(), message.size());
+            const short_message message = next_message();
+            const bool is_short = message_kind_of(message) == message_program_change;
+            jack_midi_event_write(p_buffer, next_time - now, message.data(), is_short ? 2 : 3);
             sent[static_cast<std::size_t>(nb_sent++)] = {next_time, message};
         }
         return 0;
@@ -156,9 +171,9 @@ struct Jack : testing::Test {
     Jack() { setenv("TINDELWAX_SEED", "1", 1); }
 };
 
-/// Returns false where the machine was too late to hear every block.
+/// Plays through the server that runs. Returns false where the machine was too late to hear every
+/// block.
 bool sounds_as_rendered(int block_frames) {
-    const jack_server server{block_frames};
     sender keyboard;
     player played;
     const auto system = jack_system_open(played.live, {.midi = "sender:notes"});
@@ -183,14 +198,68 @@ bool sounds_as_rendered(int block_frames) {
     return true;
 }
 
+void expect_as_rendered(int block_frames) {
+    int nb_tries = 1;
+    while (!testing::Test::HasFailure() && !sounds_as_rendered(block_frames) && nb_tries < 10)
+        ++nb_tries;
+    EXPECT_LT(nb_tries, 10) << "too late every time";
+}
+
 TEST_F(Jack, NotesSoundOnTheirFrameAndAsARenderMakesThem) {
     for (const int block_frames : {16, 64, 256, 1024}) {
         SCOPED_TRACE(block_frames);
-        int nb_tries = 1;
-        while (!HasFailure() && !sounds_as_rendered(block_frames) && nb_tries < 10)
-            ++nb_tries;
-        EXPECT_LT(nb_tries, 10) << "too late every time";
+        const jack_server server{block_frames};
+        expect_as_rendered(block_frames);
     }
+}
+
+/// PipeWire brings a library of its own, with which another process of this test begins.
+TEST_F(Jack, PipeWireDoesTheSame) {
+    const char* const p_library = std::getenv("LD_LIBRARY_PATH");
+    if (p_library && std::string{p_library} == pipewire_server::library_folder) {
+        expect_as_rendered(pipewire_server::block_frames);
+        return;
+    }
+    const temporary_folder folder;
+    std::optional<pipewire_server> server{std::in_place, folder};
+    setenv("LD_LIBRARY_PATH", pipewire_server::library_folder, 1);
+    running_process self{{"/proc/self/exe", "--gtest_filter=Jack.PipeWireDoesTheSame"}};
+    EXPECT_TRUE(self.says("[  PASSED  ] 1 test")) << self.rest();
+    running_process play{{TEST_COMMAND, "play", "--no-panel"}};
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(play.says("plays through JACK as tindelwax, 48000 Hz, 256 frames\n"));
+        server.reset();
+        EXPECT_TRUE(play.says("the sound is gone; looking for it\n"));
+        server.emplace(folder);
+    }
+    EXPECT_EQ(play.end(SIGINT), 0);
+    unsetenv("LD_LIBRARY_PATH");
+}
+
+TEST(Alsa, LeadsToADesktopsServer) {
+    const temporary_folder folder;
+    const std::string song = folder / "song.mid", rendered = folder / "song.wav";
+    file_write(song, midi_bytes::song(0, 480, {"00 90 3C 40 83 60 80 3C 00"}));
+    setenv("TINDELWAX_SEED", "1", 1);
+    std::optional<pulse_server> server{std::in_place, folder};
+    running_process play{{TEST_COMMAND, "play", "--no-panel", song}};
+    EXPECT_TRUE(play.says("plays through ALSA as default, 48000 Hz, 128 frames\n"));
+    EXPECT_EQ(play.end(0), 0);
+    running_process render{
+        {TEST_COMMAND, "render", song, "-o", rendered, "--rate", "48000", "--bits", "32"}};
+    EXPECT_EQ(render.end(0), 0);
+    constexpr std::size_t nb_bytes = rate_hz / 2 * 2 * sizeof(float);
+    const std::string wave = file_content(rendered);
+    EXPECT_TRUE(file_content(folder / "heard").substr(0, nb_bytes)
+                == wave.substr(wave.find("data") + 8, nb_bytes));
+    running_process endless{{TEST_COMMAND, "play", "--no-panel"}};
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(endless.says("plays through ALSA"));
+        server.reset();
+        EXPECT_TRUE(endless.says("the sound is gone; looking for it\n"));
+        server.emplace(folder);
+    }
+    EXPECT_EQ(endless.end(SIGINT), 0);
 }
 
 TEST_F(Jack, NoNoteIsMissingInTenMinutesOfFreewheeling) {
@@ -273,6 +342,82 @@ TEST_F(Jack, TheWindowsKeyboardPlaysAndItsClosingIsTheEnd) {
     EXPECT_TRUE(comes_true([&] { return ear.peak.exchange(0) < 1e-4f; }));
     user.close(user.focus());
     EXPECT_EQ(play.end(0), 0);
+}
+
+TEST_F(Jack, WhatIsLearnedLastsAndProgramsDrawRegistrations) {
+    const temporary_folder folder;
+    for (const char* variable : {"XDG_STATE_HOME", "XDG_DATA_HOME"})
+        setenv(variable, folder.path.c_str(), 1);
+    const jack_server server{64};
+    const desktop user;
+    constexpr std::size_t glass = 6;
+    const short_message turn_up = message_make(message_control_change, 0, 20, 127);
+    {
+        running_process play{{TEST_COMMAND, "play", "--learn", "--midi", "sender"}};
+        sender keyboard;
+        EXPECT_TRUE(play.says("sender:notes plays\n"));
+        user.click(75, 120); // the first tab
+        EXPECT_TRUE(keyboard.send(std::vector(50, turn_up)));
+        EXPECT_TRUE(play.says("learned 20:1=Vibrato\n"));
+        EXPECT_EQ(play.end(SIGTERM), 0);
+    }
+    EXPECT_TRUE(running_process({TEST_COMMAND, "map"}).says("--map 20:1=Vibrato\n"));
+    {
+        running_process play{
+            {TEST_COMMAND, "play", "--no-panel", "--midi", "sender", "--save", folder / "end.txt"}};
+        sender keyboard;
+        EXPECT_TRUE(play.says("sender:notes plays\n"));
+        EXPECT_TRUE(keyboard.send({message_make(message_program_change, 0, glass, 0), turn_up}));
+        EXPECT_EQ(play.end(SIGINT), 0);
+    }
+    EXPECT_EQ(file_content(folder / "end.txt"),
+              "# end\nFlute=0\nBright=1\nBrass=0\nMellow=0\nVibrato=1\nBassChords=0\nVolume=0.24\n"
+              "Contour=0\nBass=0.17\nSplit=1\n");
+    running_process forgetful{{TEST_COMMAND, "play", "--no-panel", "--forget"}};
+    EXPECT_TRUE(forgetful.says("plays"));
+    EXPECT_EQ(forgetful.end(SIGTERM), 0);
+    EXPECT_TRUE(running_process({TEST_COMMAND, "map"}).says("No controller was learned"));
+}
+
+TEST_F(Jack, ATerminalShowsTheSoundAndItsKeysPlay) {
+    const jack_server server{64};
+    running_process play{{TEST_COMMAND, "play", "--no-panel"}, running_process::where::in_terminal};
+    EXPECT_TRUE(play.says("JACK 48000 Hz/64, "));
+    for (const auto& [keys, text] : {std::pair{"z", "1 keys"},
+                                     {"zcv", "2 keys"},
+                                     {"\x1B", "0 keys"},
+                                     {"\x1B[122;1:1u\x1B[122;1:2u", "1 keys"},
+                                     {"\x1B[122;1:3u", "0 keys"}}) {
+        play.type(keys);
+        EXPECT_TRUE(play.says(text)) << keys;
+    }
+    play.type("\x03");
+    EXPECT_TRUE(play.says("\x1B[<u")) << "the terminal is as it was";
+    EXPECT_EQ(play.end(0), 0);
+}
+
+TEST(LiveInstrument, ASongEndsAllItsSoundWhereItJumps) {
+    const temporary_folder folder;
+    setenv("TINDELWAX_TEST_LOG", (folder / "log").c_str(), 1);
+    {
+        plugin sine{TEST_PLUGINS "/sine_main.so"};
+        console desk{sine, {}};
+        const std::string track = "00 90 3C 40 83 60 C0 00"; // half a second, its note held
+        live_instrument live{
+            sine,
+            desk,
+            desk,
+            {.song = midi_file_read(midi_bytes::song(0, 480, {track})), .loops = true}};
+        live.start(rate_hz);
+        std::vector<float> samples(1000);
+        float* const output = samples.data();
+        for (int i = 0; i < 60; ++i)
+            live.process({&output, 1}, samples.size());
+    }
+    unsetenv("TINDELWAX_TEST_LOG");
+    const std::string log = file_content(folder / "log");
+    EXPECT_NE(log.find("24000: C0 00 00\n24000: 80 3C 40\n24000: B0 78 00\n"), log.npos) << log;
+    EXPECT_NE(log.find("24000: BF 78 00\n24000: 90 3C 40\n48000: C0 "), log.npos) << log;
 }
 
 TEST(LiveInstrument, ItsBlocksCallNothingThatAudioThreadsMustNot) {

@@ -52,6 +52,12 @@ struct desktop {
         xcb_test_fake_input(server, type, key, XCB_CURRENT_TIME, root, 0, 0, 0);
         sync();
     }
+    /// With the pointer's first button.
+    void click(std::int16_t x, std::int16_t y) const {
+        xcb_test_fake_input(server, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root, x, y, 0);
+        strike(XCB_BUTTON_PRESS, 1);
+        strike(XCB_BUTTON_RELEASE, 1);
+    }
     /// Asks a window to close, as its decoration does.
     void close(xcb_window_t window) const {
         xcb_client_message_event_t request{};
