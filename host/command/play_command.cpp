@@ -111,8 +111,7 @@ class performance {
 public:
     performance(const play_request& request, plugin& instrument, live_song song,
                 std::FILE* p_output)
-        : request_{request},
-          status_{request.is_quiet ? nullptr : p_output},
+        : status_{request.is_quiet ? nullptr : p_output},
           players_{instrument, players_options(request, instrument)},
           songs_{instrument, instrument_console(request)},
           live_{instrument, players_, songs_, std::move(song)},
@@ -226,7 +225,6 @@ private:
         system_.reset();
     }
 
-    const play_request& request_;
     status_line status_;
     console players_;
     console songs_;
