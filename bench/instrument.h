@@ -21,13 +21,12 @@ inline VstIntPtr VSTCALLBACK bench_host(AEffect*, VstInt32, VstInt32, VstIntPtr,
 
 /// Returns a plug-in without a rate.
 inline std::unique_ptr<Organ> create_plug_in(form built) {
-    organ* p_organ = korvel_create("Tindelwax");
-    if (built == plain) {
-        install_plain_korvel(p_organ);
+    constexpr const char* name = "Tindelwax";
+    organ* p_organ = built == plain ? plain_korvel_create(name) : korvel_create(name);
+    if (built == plain)
         p_organ->p_tonegenerators[0]->get_bank = [p_organ](int rate) {
             return plain_bank_filtered(rate, p_organ->random);
         };
-    }
     return std::make_unique<Organ>(
         bench_host, 0, static_cast<VstInt32>(p_organ->p_control->nb_parameters), p_organ);
 }

@@ -71,7 +71,8 @@ void process(korvel* p_korvel, std::span<float> out_r, std::span<float> out_l) {
 
 } // namespace
 
-void install_plain_korvel(organ* p_organ) {
+organ* plain_korvel_create(const char* name) {
+    organ* p_organ = korvel_create(name);
     auto* p_korvel = static_cast<korvel*>(p_organ->p_instrument.get());
     p_organ->p_keybeds[keybed_manual]->keybed_callback = [=](playing_key* p_key, unsigned len) {
         add_voices(p_korvel, p_key, len);
@@ -79,4 +80,5 @@ void install_plain_korvel(organ* p_organ) {
     p_organ->process_callback = [=](organ*, std::span<float> out_r, std::span<float> out_l) {
         process(p_korvel, out_r, out_l);
     };
+    return p_organ;
 }

@@ -5,5 +5,5 @@
 
 #include "organ/organ.h"
 
-/// Replaces the render and process callbacks of an engine that korvel_create made.
-void install_plain_korvel(organ* p_organ);
+/// Returns what korvel_create does, with other render and process callbacks.
+[[nodiscard]] organ* plain_korvel_create(const char* name);

@@ -1,15 +1,12 @@
 #include "conformance/instrument.h"
 
-#include "platform/process.h"
-
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-/// What is loaded reads its seed at once.
 const std::filesystem::path& seeded_file(const trial& running) {
-    set_environment("TINDELWAX_SEED", std::to_string(running.seed).c_str());
+    running.plant_seed();
     return running.plugin_file;
 }
 

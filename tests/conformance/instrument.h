@@ -27,6 +27,9 @@ enum parameter_index : VstInt32 {
     nb_parameters
 };
 
+/// The MIDI controller of each, by its index.
+constexpr int controllers[]{80, 81, 82, 83, 84, 85, 7, 86, 87, 88};
+
 /// Split's values for the bass alone on the right (output 0), and for both outputs alike.
 constexpr float split_bass_right = 0.0f;
 constexpr float split_mixed = 1.0f;

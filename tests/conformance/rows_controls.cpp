@@ -11,8 +11,6 @@ namespace {
 
 using Controls = Row;
 
-constexpr int controllers[]{80, 81, 82, 83, 84, 85, 7, 86, 87, 88};
-
 TEST_F(Controls, ControllersSetTheirParameters) {
     instrument playing(running, set_up{});
     for (VstInt32 index = 0; index < nb_parameters; ++index)

@@ -1,5 +1,7 @@
 #include "conformance/trial.h"
 
+#include "platform/process.h"
+
 #include <stdexcept>
 
 void trial::expect(bool holds, const std::string& what) const {
@@ -9,3 +11,5 @@ void trial::expect(bool holds, const std::string& what) const {
                                  + std::to_string(seed) + (doing.empty() ? "" : ", ") + doing + ": "
                                  + what);
 }
+
+void trial::plant_seed() const { set_environment("TINDELWAX_SEED", std::to_string(seed).c_str()); }

@@ -17,6 +17,9 @@ struct trial {
 
     /// Throws a std::runtime_error that says all this and `what` unless it holds.
     void expect(bool holds, const std::string& what) const;
+
+    /// Gives the seed to what is created next, which reads it at once.
+    void plant_seed() const;
 };
 
 /// Every suite's fixture.

@@ -1,7 +1,6 @@
 #include "korvel/korvel.h"
 
 #include "korvel/controls.h"
-#include "plain/korvel.h"
 #include "tests/temporary_folder.h"
 
 #include <algorithm>
@@ -11,7 +10,6 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>
-#include <random>
 #include <thread>
 
 namespace {
@@ -61,36 +59,6 @@ TEST(Korvel, TheManualSwellsTenTimesAsLongAsTheBass) {
         for (const envelope* p_env : {p_keybed->p_env_attack.get(), p_keybed->p_env_release.get()})
             EXPECT_EQ(p_env->real_sample_long, nb_frames) << p_keybed->name;
     }
-}
-
-TEST(Korvel, PlaysWhatThePlainFormPlays) {
-    instrument fast, plain;
-    install_plain_korvel(plain.p_organ.get());
-    std::mt19937 random(5);
-    for (int b = 0; b < 3000; ++b) {
-        if (random() % 8 == 0) {
-            const int note = 20 + static_cast<int>(random() % 56);
-            const int frame = static_cast<int>(random() % block);
-            const int status = random() % 3 ? 0x90 : 0x80;
-            for (const instrument* p_played : {&fast, &plain})
-                p_played->send(status, note, frame);
-        }
-        if (random() % 50 == 0) {
-            const auto index = static_cast<int>(random() % 9);
-            const float value = static_cast<float>(random() % 101) / 100;
-            for (const instrument* p_played : {&fast, &plain})
-                control_set_parameter(p_played->p_control.get(), index, value);
-        }
-        fast.render();
-        plain.render();
-    }
-    const float largest = peak(plain.out);
-    std::vector<float> error(fast.out.size());
-    std::ranges::transform(fast.out, plain.out, error.begin(), std::minus());
-    // The Bright filter's pole beside 1 makes rounding, here the plain form's interpolation by a
-    // weight just off 0, 30 000 times larger: -75 dB of the peak.
-    EXPECT_GT(largest, 0.5f);
-    EXPECT_LT(peak(error), largest * std::pow(10.0f, -75.0f / 20));
 }
 
 /// The peak of what it plays with every key down; `texts` lie where it looks for its own.
