@@ -41,6 +41,23 @@ TEST_F(Onset, WhatDecaysEndsInZero) {
     }
 }
 
+/// What stands still while nothing sounds is where it would be: a key held until shortly before
+/// changes nothing, once the filters have forgotten it.
+TEST_F(Onset, ARestIsNotHeard) {
+    constexpr long second = 48000;
+    const auto play_after = [&](long released) {
+        instrument playing(running, {.blocks = {512}, .parameters = {{vibrato, 1}, {mellow, 0}}});
+        playing.render(
+            {note_on(0, 60), note_on(0, 28), note_off(released, 60), note_off(released, 28)},
+            66 * second);
+        for (const VstInt32 index : {mellow, contour})
+            playing.set(index, 0.9f);
+        return playing.render({note_on(3, 60), note_on(40, 28)}, second / 2).right;
+    };
+    const double db = difference_db(play_after(100), play_after(60 * second));
+    running.expect(db < -90, "what follows a rest is " + std::to_string(db) + " dB off");
+}
+
 constexpr int block_lengths[]{1,   2,   3,   7,   16,  31,  32,  33,   63,   64,   65,
                               100, 127, 128, 129, 255, 441, 512, 1000, 1024, 4096, 8192};
 constexpr long onset_frames[]{0, 1, 37, 63, 64, 65, 100, 511, 1000, 5000};
