@@ -13,7 +13,6 @@ using onsets = std::vector<std::pair<unsigned, int>>; ///< note and frame in the
 
 /// A player of an engine that makes no sound and writes down what reaches it.
 struct Player : testing::Test {
-    std::vector<int> rates;  ///< as they reach the engine
     std::vector<int> pieces; ///< frames of each of the latest block
     onsets struck;           ///< in that block
     std::atomic<float> level = 0.0f;
@@ -33,7 +32,6 @@ struct Player : testing::Test {
             if (p_key->key_state == key_attack && p_key->phase == 0)
                 struck.emplace_back(p_key->index, start + static_cast<int>(p_key->frame_index));
         };
-        p_organ->set_sampling_rate_callback = [this](int rate) { rates.push_back(rate); };
         p_organ->process_callback = [this](organ*, std::span<float> out, std::span<float>) {
             pieces.push_back(static_cast<int>(out.size()));
         };
@@ -91,16 +89,6 @@ TEST_F(Player, AFullQueueGoesToTheEngineWhereItStands) {
     EXPECT_EQ(process(100), (onsets{{1, 0}, {3, 80}}));
     strike(4, 70);
     EXPECT_EQ(process(100), (onsets{{4, 70}})) << "and begins anew";
-}
-
-TEST_F(Player, TheRateThatIsSetChangesNothing) {
-    for (const float rate : {48000.0f, 48000.7f, 0.0f, -48000.0f, 999.9f, 1000001.0f, std::nanf(""),
-                             std::numeric_limits<float>::infinity()})
-        player_set_sampling_rate(playing.get(), rate);
-    EXPECT_EQ(rates, (std::vector{48000}));
-    player_set_sampling_rate(playing.get(), 44100);
-    player_set_sampling_rate(playing.get(), 48000);
-    EXPECT_EQ(rates, (std::vector{48000, 44100, 48000}));
 }
 
 TEST_F(Player, PanicSilencesWhatCameBeforeIt) {
