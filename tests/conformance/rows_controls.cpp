@@ -104,19 +104,23 @@ constexpr long ended = 96000;
 /// The Bright filter forgets slowest: its low pole lies at 0.5 Hz, 26 dB a second.
 constexpr long decay = 48000;
 
-recording play_until(trial& running, const midi& message) {
+recording play_until(trial& running, const midi& message, long nb_frames = ended) {
     instrument playing(running, set_up{});
     return playing.render({note_on(struck, 40), note_on(struck, 26), note_on(struck, 60), message},
-                          ended);
+                          nb_frames);
 }
 
 TEST_F(Controls, AllSoundOffLeavesNothing) {
     for (int channel = 1; channel <= 16; ++channel) {
-        const recording sound = play_until(running, controller(silenced, 120, 0, channel));
+        const recording sound =
+            play_until(running, controller(silenced, 120, 0, channel), silenced + 4 * decay);
         const signal_span end = signal_span(sound.right).subspan(silenced + decay);
         running.expect(to_db(peak(end) / peak(sound.right)) < -75,
                        "120 on channel " + std::to_string(channel) + " leaves "
                            + std::to_string(to_db(peak(end) / peak(sound.right))) + " dB");
+        running.expect(peak(end.subspan(2 * decay)) < 1e-6,
+                       "3 s after 120 on channel " + std::to_string(channel) + " it has "
+                           + std::to_string(to_db(peak(end.subspan(2 * decay)))) + " dB");
     }
 }
 
