@@ -5,8 +5,10 @@
 
 namespace {
 
-constexpr int lowest_note = 48; // of the lower row, without a shift
-constexpr int min_octave = -4, max_octave = 5;
+// Of the lower row, without a shift, where every key sounds on the organ: its manual reaches from
+// there to 72, and its bass an octave down.
+constexpr int lowest_note = 36;
+constexpr int min_octave = -3, max_octave = 6;
 constexpr key_code escape = 1, comma = 51, full_stop = 52;
 
 // The keys' numbers run along the rows.

@@ -1,7 +1,8 @@
 #pragma once
 /// The keys that are struck in the terminal, one by one. All is [ui].
 
-#include <string>
+#include "platform/key_strokes.h"
+
 #include <vector>
 
 struct terminal_key {
@@ -11,7 +12,7 @@ struct terminal_key {
 };
 
 /// Takes what stands at the text's beginning as far as it is whole: characters, and reports of
-/// keys.
+/// keys but for repeats. Letters are small ones, as the keys are the same.
 [[nodiscard]] std::vector<terminal_key> terminal_keys_parse(std::string& text);
 
 class terminal_keys {
@@ -23,12 +24,13 @@ public:
     terminal_keys(const terminal_keys&) = delete;
     terminal_keys& operator=(const terminal_keys&) = delete;
 
-    /// Since the last call. Ctrl-C interrupts as ever.
+    /// Since the last call. A key that is held is told once. Ctrl-C interrupts as ever.
     [[nodiscard]] std::vector<terminal_key> take();
 
 private:
     int output_;
     bool is_open_ = false;
     std::string text_{};
+    key_strokes strokes_{};
     std::string before_; // the terminal's state, as bytes
 };

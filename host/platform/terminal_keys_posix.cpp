@@ -18,6 +18,7 @@ namespace {
 constexpr std::string_view ask_for_reports = "\x1B[>15u";
 constexpr std::string_view ask_no_more = "\x1B[<u";
 constexpr int control_modifier = 4;
+constexpr int press_event = 1, repeat_event = 2, release_event = 3;
 
 int number_of(std::string_view text, int otherwise) {
     return text.empty() ? otherwise : parse_number<int>(text).value_or(otherwise);
@@ -39,13 +40,15 @@ std::optional<terminal_key> read_report(std::string_view report) {
     const int code = number_of(field(codes, ':', 0), 0);
     const int base = number_of(field(codes, ':', 2), code);
     const int modifiers = number_of(field(state, ':', 0), 1) - 1;
-    const int event = number_of(field(state, ':', 1), 1);
-    if ((modifiers & control_modifier) && code == 'c' && event == 1)
+    const int event = number_of(field(state, ':', 1), press_event);
+    const bool is_release = event == release_event; // is told in any case, lest the note hang
+    const bool has_control = modifiers & control_modifier;
+    if (has_control && code == 'c' && event == press_event)
         std::raise(SIGINT);
-    if (modifiers & control_modifier)
+    if (event == repeat_event || (has_control && !is_release))
         return std::nullopt;
     return terminal_key{static_cast<char32_t>(base),
-                        event == 3 ? terminal_key::what::released : terminal_key::what::pressed};
+                        is_release ? terminal_key::what::released : terminal_key::what::pressed};
 }
 
 } // namespace
@@ -54,7 +57,9 @@ std::vector<terminal_key> terminal_keys_parse(std::string& text) {
     std::vector<terminal_key> keys;
     while (!text.empty()) {
         if (!text.starts_with("\x1B[")) {
-            keys.push_back({static_cast<char32_t>(text[0]), terminal_key::what::struck});
+            const bool is_large = text[0] >= 'A' && text[0] <= 'Z';
+            const int character = is_large ? text[0] - 'A' + 'a' : text[0];
+            keys.push_back({static_cast<char32_t>(character), terminal_key::what::struck});
             text.erase(0, 1);
             continue;
         }
@@ -102,5 +107,14 @@ std::vector<terminal_key> terminal_keys::take() {
             break;
         text_.append(piece, static_cast<std::size_t>(nb));
     }
-    return terminal_keys_parse(text_);
+    std::u32string characters;
+    std::vector<terminal_key> keys;
+    for (const terminal_key& key : terminal_keys_parse(text_))
+        if (key.happened == terminal_key::what::struck)
+            characters += key.character;
+        else
+            keys.push_back(key);
+    for (const char32_t struck : strokes_.take(characters, std::chrono::steady_clock::now()))
+        keys.push_back({struck, terminal_key::what::struck});
+    return keys;
 }
