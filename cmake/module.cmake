@@ -29,6 +29,9 @@ function(tindelwax_module name)
     target_include_directories(${name} PUBLIC ${root}/public PRIVATE ${root}/private)
     target_link_libraries(
         ${name} PUBLIC ${module_LINKS} PRIVATE ${module_PRIVATE_LINKS} tindelwax_options)
+    if(TINDELWAX_SANITIZER STREQUAL realtime)
+        target_compile_options(${name} PRIVATE -Wfunction-effects)
+    endif()
 endfunction()
 
 function(tindelwax_link_headers root)

@@ -41,13 +41,16 @@ endif()
 # Release libraries go without symbols that only a debugger reads.
 set(TINDELWAX_STRIP $<$<CONFIG:Release>:LINKER:--strip-all>)
 
-# none, address (with undefined behaviour) or thread.
-set(TINDELWAX_SANITIZER none CACHE STRING "Sanitizers to build with: none, address or thread")
-set_property(CACHE TINDELWAX_SANITIZER PROPERTY STRINGS none address thread)
+# none, address (with undefined behaviour), thread, or realtime: Clang's, which also holds what says
+# that it does not block to that, and all that it calls.
+set(TINDELWAX_SANITIZER none CACHE STRING "Sanitizers to build with")
+set_property(CACHE TINDELWAX_SANITIZER PROPERTY STRINGS none address thread realtime)
 if(TINDELWAX_SANITIZER STREQUAL address)
     set(sanitizer_flags -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
 elseif(TINDELWAX_SANITIZER STREQUAL thread)
     set(sanitizer_flags -fsanitize=thread)
+elseif(TINDELWAX_SANITIZER STREQUAL realtime)
+    set(sanitizer_flags -fsanitize=realtime)
 else()
     set(sanitizer_flags "")
 endif()

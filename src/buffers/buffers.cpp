@@ -19,12 +19,23 @@ std::span<float> buffers_add(buffers* p_buffers, const char* name, std::span<flo
 }
 
 void buffers_set_block_size(buffers* p_buffers, int block_size) {
+    const auto length = static_cast<std::size_t>(std::max(block_size, 0));
+    for (std::vector<float>& buffer : p_buffers->buffers)
+        if (buffer.size() < length)
+            buffer.resize(length);
+    buffers_use_block_size(p_buffers, block_size);
+}
+
+void buffers_use_block_size(buffers* p_buffers, int block_size) noexcept {
     block_size = std::max(block_size, 0);
     if (block_size == p_buffers->block_size)
         return;
     p_buffers->block_size = block_size;
     for (std::size_t i = 0; i < p_buffers->buffers.size(); ++i) {
-        p_buffers->buffers[i].assign(static_cast<std::size_t>(block_size), 0.0f);
-        *p_buffers->buffers_ptr[i] = p_buffers->buffers[i];
+        const std::span<float> buffer = p_buffers->buffers[i];
+        const auto used =
+            buffer.first(std::min(buffer.size(), static_cast<std::size_t>(block_size)));
+        std::ranges::fill(used, 0.0f);
+        *p_buffers->buffers_ptr[i] = used;
     }
 }

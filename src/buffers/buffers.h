@@ -3,6 +3,8 @@
 /// of the caller's that always shows the buffer where it lies now and with its present length, so
 /// that rendering code never looks one up. Functions are [setup].
 
+#include "realtime/nonblocking.h"
+
 #include <cstddef>
 #include <span>
 #include <string>
@@ -15,7 +17,8 @@ struct buffers {
     int nb_buffers = 0;
     int block_size;                               ///< floats in every buffer
     std::vector<std::string> buffers_name{};      ///< for diagnostics
-    std::vector<std::vector<float>> buffers{};    ///< in the order of registration
+    std::vector<std::vector<float>> buffers{};    ///< in the order of registration, of the largest
+                                                  ///< length so far
     std::vector<std::span<float>*> buffers_ptr{}; ///< the holders, which outlive the set
 };
 
@@ -29,5 +32,8 @@ void buffers_free(buffers* p_buffers); ///< null is allowed; the holders are not
 std::span<float> buffers_add(buffers* p_buffers, const char* name, std::span<float>* holder);
 
 /// Resizes and zeroes every buffer and updates the holders; an unchanged length touches nothing.
-/// Allocates only beyond the largest length that the set has had: within it this is [audio].
+/// [setup]
 void buffers_set_block_size(buffers* p_buffers, int block_size);
+
+/// The same within the largest length that was set, to which longer ones are cut. [audio]
+void buffers_use_block_size(buffers* p_buffers, int block_size) noexcept NONBLOCKING;

@@ -30,8 +30,8 @@ void control_add_parameter(control* p_control, const char* name) {
         return;
     auto p_param = std::make_unique<parameter>();
     p_param->name = name;
-    p_param->get_parameter_value = get_parameter_value_default;
-    p_param->set_parameter_value = set_parameter_value_default;
+    p_param->get_parameter_value = [] { return get_parameter_value_default(); };
+    p_param->set_parameter_value = [](float value) { set_parameter_value_default(value); };
     p_control->p_described = p_param.get();
     p_control->parameters.push_back(std::move(p_param));
     ++p_control->nb_parameters;
@@ -68,6 +68,6 @@ void control_set_parameter(control* p_control, int index, float value) noexcept 
         param.set_parameter_value(value);
 }
 
-float get_parameter_value_default() { return 0.0f; }
+float get_parameter_value_default() noexcept { return 0.0f; }
 
-void set_parameter_value_default(float) {}
+void set_parameter_value_default(float) noexcept {}

@@ -7,6 +7,8 @@
 /// assignments, the words of the update record) are single 32-bit atomics, read and written in
 /// relaxed order.
 
+#include "realtime/closure.h"
+
 #include <array>
 #include <atomic>
 #include <cstddef>
@@ -28,9 +30,9 @@ struct parameter {
     unsigned manual = static_cast<unsigned>(-1); ///< -1 for controls of the whole instrument
     std::atomic<float>* value = nullptr; ///< not owned; where set, it stands before the handlers
     float default_value = 0.0f;
-    std::function<float()> get_parameter_value;
+    closure<float()> get_parameter_value;
     std::function<std::string()> get_parameter_display{}; ///< optional
-    std::function<void(float)> set_parameter_value;
+    closure<void(float)> set_parameter_value;
     std::atomic<unsigned> midi_cc = 0;
     std::atomic<unsigned> midi_channel = 0; ///< 1 to 16; 0 hears no channel
     std::string key_up = "!";               ///< computer keys that move the control
@@ -103,9 +105,9 @@ int control_find_parameter(const control* p_control, const char* parameter_name)
 
 /// Read and write a parameter's value through its binding. The index is not checked. A value that
 /// is not finite is not written: the old one stays. [any]
-float control_get_parameter(const control* p_control, int index) noexcept;
-void control_set_parameter(control* p_control, int index, float value) noexcept;
+float control_get_parameter(const control* p_control, int index) noexcept NONBLOCKING;
+void control_set_parameter(control* p_control, int index, float value) noexcept NONBLOCKING;
 
 /// The handlers of a parameter that is not bound. [any]
-float get_parameter_value_default();
-void set_parameter_value_default(float value);
+float get_parameter_value_default() noexcept NONBLOCKING;
+void set_parameter_value_default(float value) noexcept NONBLOCKING;

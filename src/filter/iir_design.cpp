@@ -70,7 +70,7 @@ void for_each_rate(filter* p_filter, Design design) {
 } // namespace
 
 std::optional<first_order_coeffs> iir_rc_first_order_coeffs(float R, float C, int high,
-                                                            int sampling_rate) {
+                                                            int sampling_rate) noexcept {
     const double time_constant = to_double(R) * to_double(C);
     if (!is_below_half(1 / (2 * pi * time_constant), sampling_rate))
         return std::nullopt;

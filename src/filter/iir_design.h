@@ -7,6 +7,7 @@
 /// functions are evaluated in double. Frequencies in Hz, G in dB, R in ohms, C in farads. [setup]
 
 #include "filter/filter.h"
+#include "realtime/nonblocking.h"
 
 #include <optional>
 
@@ -18,7 +19,7 @@ struct first_order_coeffs {
 /// low-pass, or high-pass with `high`. Returns nothing when the corner lies above half the rate.
 /// [any]
 std::optional<first_order_coeffs> iir_rc_first_order_coeffs(float R, float C, int high,
-                                                            int sampling_rate);
+                                                            int sampling_rate) noexcept NONBLOCKING;
 
 /// First order from a cut-off. The angle is 2 pi fc / fs, twice the pre-warped bilinear
 /// transform's, so the corner lies near 2 fc; the instrument's voicing relies on it. A cut-off

@@ -16,7 +16,7 @@ void choose(bool has_gain, bool adds, Loop loop) {
 }
 
 using section_process = void (*)(float*, const float*, const float*, std::span<const float>,
-                                 std::span<float>, int, float) noexcept;
+                                 std::span<float>, int, float) noexcept NONBLOCKING;
 
 } // namespace
 

@@ -3,6 +3,7 @@
 /// identical sections.
 
 #include "filter/filter.h"
+#include "realtime/nonblocking.h"
 
 /// Returns a filter with zeroed coefficients and state for each rate, none selected yet. Order 1 or
 /// 2 of one section; any other order produces nothing. Free with filter_free. [setup]
@@ -19,11 +20,11 @@ void iir_filter_set_gain(filter* p_filter, float gain); ///< [setup]
 ///   w = (x - a1 z1) - a2 z2;  y = ((b0 w + b1 z1) + b2 z2) gain
 /// [audio]
 void iir_process_first_order(float* z, const float* a, const float* b, std::span<const float> src,
-                             std::span<float> dest, int add, float gain) noexcept;
+                             std::span<float> dest, int add, float gain) noexcept NONBLOCKING;
 void iir_process_second_order(float* z, const float* a, const float* b, std::span<const float> src,
-                              std::span<float> dest, int add, float gain) noexcept;
+                              std::span<float> dest, int add, float gain) noexcept NONBLOCKING;
 
 /// The whole filter over a block. A cascade does nothing with a block longer than its block_size; a
 /// filter without a selected rate does nothing at all. [audio]
 void iir_filter_process(filter* p_filter, std::span<const float> src, std::span<float> dest,
-                        int add) noexcept;
+                        int add) noexcept NONBLOCKING;

@@ -5,6 +5,7 @@
 /// filter has alone: the samples are the same.
 
 #include "filter/filter.h"
+#include "realtime/nonblocking.h"
 
 #include <cstddef>
 
@@ -23,4 +24,4 @@ struct iir_cascade_run {
 /// the other. [audio]
 void iir_filters_process(std::span<filter* const> filters, std::span<const float> src,
                          std::span<float> sum, const iir_cascade_run& first,
-                         const iir_cascade_run& second) noexcept;
+                         const iir_cascade_run& second) noexcept NONBLOCKING;

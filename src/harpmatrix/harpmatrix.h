@@ -5,6 +5,7 @@
 /// text and only looked up while sound is made. Functions are [setup].
 
 #include "random15/random15.h"
+#include "realtime/nonblocking.h"
 
 #include <string>
 #include <vector>
@@ -57,4 +58,4 @@ void harpmatrix_update_conductance_from_tapering(harpmatrix* p_matrix);
 
 /// Returns a key's contact, or null where the wiring has none. [audio]
 const contact* harpmatrix_find_contact(const harpmatrix* p_matrix, unsigned key,
-                                       unsigned contact) noexcept;
+                                       unsigned contact) noexcept NONBLOCKING;

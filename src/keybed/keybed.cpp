@@ -75,7 +75,7 @@ keybed* keybed_create(int nb_keys, int midi_key_start, const char* name) {
         .midi_key_start = midi_key_start,
         .p_key_list = std::unique_ptr<indexed_list>(create_indexed_list(nb_keys, "KEY")),
         .p_keys = std::vector<playing_key>(static_cast<std::size_t>(nb_keys)),
-        .keybed_callback = default_callback,
+        .keybed_callback{[](playing_key* p_key, unsigned len) { default_callback(p_key, len); }},
         .p_env_attack = default_envelope("DEFAULT ENV ATTACK", envelope_generate_exp_up),
         .p_env_release = default_envelope("DEFAULT ENV RELEASE", envelope_generate_exp_down)};
 
@@ -233,4 +233,4 @@ void keybed_receive_midi_event(keybed* p_keybed, const char* midi_data, int fram
     }
 }
 
-void default_callback(playing_key*, unsigned) {}
+void default_callback(playing_key*, unsigned) noexcept {}

@@ -7,9 +7,9 @@
 
 #include "envelope/envelope.h"
 #include "list/list.h"
+#include "realtime/closure.h"
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -53,7 +53,7 @@ struct keybed {
     std::unique_ptr<indexed_list> p_key_list; ///< the sounding keys in the order of their key-ons
     std::vector<playing_key> p_keys; ///< never resized: the list and callbacks hold addresses
     unsigned global_index = 0;       ///< frames rendered since creation
-    std::function<void(playing_key*, unsigned)> keybed_callback;
+    closure<void(playing_key*, unsigned)> keybed_callback;
     int unmuted_key = -1; ///< the key that the mute flags were last set for; -1 before any
     std::unique_ptr<envelope> p_env_attack; ///< what the keys use unless they are given others
     std::unique_ptr<envelope> p_env_release;
@@ -66,14 +66,14 @@ struct keybed {
 void keybed_free(keybed* p_keybed); ///< null is allowed [setup]
 
 /// Later segments are cut to blocks of that many frames. [audio]
-void keybed_set_block_size(keybed* p_keybed, int block_size) noexcept;
+void keybed_set_block_size(keybed* p_keybed, int block_size) noexcept NONBLOCKING;
 
 /// Rebuilds the keys' envelopes; a key in attack or release goes on at the same share of its new
 /// table. [setup]
 void keybed_set_sampling_rate(keybed* p_keybed, int sampling_rate);
 
 /// Silences every key at once, without release. [audio]
-void keybed_reset(keybed* p_keybed) noexcept;
+void keybed_reset(keybed* p_keybed) noexcept NONBLOCKING;
 
 /// Give every key another envelope, not owned, while no key sounds. [setup]
 void keybed_set_envelope_attack(keybed* p_keybed, envelope* p_env);
@@ -82,26 +82,27 @@ void keybed_set_envelope_release(keybed* p_keybed, envelope* p_env);
 /// Renders the key from its frame_index up to `max_frame_index`, in up to two segments; a release
 /// that ends before takes the key out of the list. Hands the callback lengths that may be 0.
 /// [audio]
-void keybed_update_key(playing_key* p_key, int max_frame_index) noexcept;
+void keybed_update_key(playing_key* p_key, int max_frame_index) noexcept NONBLOCKING;
 
 /// Key transitions of a key below nb_keys at a frame of the coming block, whose length has been set
 /// before its events. Frames outside the block are moved to its edge, a frame before what the key
 /// has rendered to that point. [audio]
 void keybed_receive_key_on(keybed* p_keybed, int key_index, unsigned char midi_velocity,
-                           int frame_index) noexcept;
+                           int frame_index) noexcept NONBLOCKING;
 void keybed_receive_key_off(keybed* p_keybed, int key_index, unsigned char midi_velocity,
-                            int frame_index) noexcept;
-void keybed_all_key_off(keybed* p_keybed, int frame_index) noexcept;
+                            int frame_index) noexcept NONBLOCKING;
+void keybed_all_key_off(keybed* p_keybed, int frame_index) noexcept NONBLOCKING;
 
 /// Renders every sounding key to the end of a block of `nframes` and starts the next. [audio]
-void keybed_next(keybed* p_keybed, int nframes) noexcept;
+void keybed_next(keybed* p_keybed, int nframes) noexcept NONBLOCKING;
 
 /// Unmutes the lowest sounding key (one in release counts) and mutes all others; leaves the flags
 /// alone while no key sounds. [audio]
-void keybed_update_mono_bass(keybed* p_keybed) noexcept;
+void keybed_update_mono_bass(keybed* p_keybed) noexcept NONBLOCKING;
 
 /// Applies a 3-byte note message of the keybed's channel and range; ignores every other. [audio]
-void keybed_receive_midi_event(keybed* p_keybed, const char* midi_data, int frame_index) noexcept;
+void keybed_receive_midi_event(keybed* p_keybed, const char* midi_data,
+                               int frame_index) noexcept NONBLOCKING;
 
 /// The callback of a keybed that no instrument has claimed; does nothing. [audio]
-void default_callback(playing_key* p_key, unsigned len);
+void default_callback(playing_key* p_key, unsigned len) noexcept NONBLOCKING;

@@ -35,11 +35,11 @@ void set_whole(std::atomic<float>& stored, float value, Publish publish) {
 
 } // namespace
 
-float contour_filter_get(const korvel* p_korvel) {
+float contour_filter_get(const korvel* p_korvel) noexcept {
     return p_korvel->contour_filter_ratio.load(relaxed);
 }
 
-void contour_filter_set(korvel* p_korvel, float value) {
+void contour_filter_set(korvel* p_korvel, float value) noexcept {
     set_whole(p_korvel->contour_filter_ratio, value, [p_korvel](float ratio) {
         const float resistance = ratio * contour_potentiometer + contour_resistor;
         for (std::size_t i = 0; i < s_rate.size(); ++i)
@@ -49,9 +49,11 @@ void contour_filter_set(korvel* p_korvel, float value) {
     });
 }
 
-float split_get_value(const korvel* p_korvel) { return p_korvel->split_output.load(relaxed); }
+float split_get_value(const korvel* p_korvel) noexcept {
+    return p_korvel->split_output.load(relaxed);
+}
 
-void split_set_value(korvel* p_korvel, float value) {
+void split_set_value(korvel* p_korvel, float value) noexcept {
     set_whole(p_korvel->split_output, value, [p_korvel](float position) {
         const int mode = p_korvel->sound_output_mode.load(relaxed);
         p_korvel->sound_output_mode.store(split_mode(position, mode), relaxed);

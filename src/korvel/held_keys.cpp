@@ -13,9 +13,10 @@ void add_contact(held_keys& held, const contact& key_contact) {
         if (osc >= held.positions.size() || !std::isfinite(conductance))
             continue;
         if (held.positions[osc] < 0) { // within the capacity: each oscillator once
-            held.positions[osc] = static_cast<int>(held.oscillators.size());
-            held.oscillators.push_back(osc);
-            held.conductances.push_back(0.0f);
+            const std::size_t position = held.nb_oscillators++;
+            held.positions[osc] = static_cast<int>(position);
+            held.oscillators[position] = osc;
+            held.conductances[position] = 0.0f;
         }
         held.conductances[static_cast<std::size_t>(held.positions[osc])] += conductance;
     }
@@ -23,8 +24,7 @@ void add_contact(held_keys& held, const contact& key_contact) {
 
 void sum_conductances(held_keys& held, const harpmatrix* p_matrix) {
     std::ranges::fill(held.positions, -1);
-    held.oscillators.clear();
-    held.conductances.clear();
+    held.nb_oscillators = 0;
     for (std::uint64_t rest = held.keys; rest != 0; rest &= rest - 1) {
         const auto key = static_cast<unsigned>(std::countr_zero(rest));
         if (const contact* p_contact = harpmatrix_find_contact(p_matrix, key, 0))
@@ -38,13 +38,15 @@ void sum_conductances(held_keys& held, const harpmatrix* p_matrix) {
 void held_keys_reserve(held_keys& held, int nb_oscs) {
     const auto count = static_cast<std::size_t>(nb_oscs);
     held.positions.assign(count, -1);
-    held.oscillators.reserve(count);
-    held.conductances.reserve(count);
+    held.oscillators.assign(count, 0);
+    held.conductances.assign(count, 0.0f);
 }
 
 void held_keys_register(held_keys& held, const harpmatrix* p_matrix, tonegenerator* p_tg) noexcept {
     if (held.keys != held.summed)
         sum_conductances(held, p_matrix);
-    tone_generator_add_sustained_oscillators(p_tg, held.oscillators, held.conductances);
+    tone_generator_add_sustained_oscillators(
+        p_tg, std::span(held.oscillators).first(held.nb_oscillators),
+        std::span(held.conductances).first(held.nb_oscillators));
     held.keys = 0;
 }

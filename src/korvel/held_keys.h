@@ -4,6 +4,7 @@
 /// formed over the keys by index, stand already, and a key costs one bit.
 
 #include "harpmatrix/harpmatrix.h"
+#include "realtime/nonblocking.h"
 #include "tonegenerator/tonegenerator.h"
 
 #include <cstdint>
@@ -14,7 +15,8 @@ constexpr int max_held_keys = 64;
 struct held_keys {
     std::uint64_t keys = 0;              ///< bit k: key k is held through this block
     std::uint64_t summed = 0;            ///< the keys whose conductances are summed below
-    std::vector<unsigned> oscillators{}; ///< that the summed keys reach
+    std::size_t nb_oscillators = 0;      ///< that the summed keys reach
+    std::vector<unsigned> oscillators{}; ///< their numbers
     std::vector<float> conductances{};   ///< of each of these
     std::vector<int> positions{};        ///< by oscillator: its place in both, or -1
 };
@@ -23,9 +25,10 @@ struct held_keys {
 void held_keys_reserve(held_keys& held, int nb_oscs);
 
 /// Adds a key, below max_held_keys, to the block. [audio]
-inline void held_keys_add(held_keys& held, unsigned key) noexcept {
+inline void held_keys_add(held_keys& held, unsigned key) noexcept NONBLOCKING {
     held.keys |= std::uint64_t{1} << key;
 }
 
 /// Adds what contact 0 of the held keys gives to the tone generator, and forgets the keys. [audio]
-void held_keys_register(held_keys& held, const harpmatrix* p_matrix, tonegenerator* p_tg) noexcept;
+void held_keys_register(held_keys& held, const harpmatrix* p_matrix,
+                        tonegenerator* p_tg) noexcept NONBLOCKING;

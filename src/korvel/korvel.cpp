@@ -43,7 +43,8 @@ void add_buffers(korvel* p_korvel) {
 }
 
 std::unique_ptr<keybed> create_keybed(korvel* p_korvel, int nb_keys, const char* name,
-                                      void (*render)(korvel*, playing_key*, unsigned)) {
+                                      void (*render)(korvel*, playing_key*,
+                                                     unsigned) noexcept NONBLOCKING) {
     std::unique_ptr<keybed> p_keybed(keybed_create(nb_keys, korvel_first_note, name));
     p_keybed->keybed_callback = [=](playing_key* p_key, unsigned len) {
         render(p_korvel, p_key, len);

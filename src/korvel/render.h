@@ -9,18 +9,19 @@
 /// Manual key k sounds contact 0 of key k of the wiring, bass key k the first voice of contact 1.
 
 #include "korvel/korvel.h"
+#include "realtime/nonblocking.h"
 
 /// Adds a manual key's oscillators for a segment. With bass chords off the lowest octave only plays
 /// the bass. [audio]
-void render_callback_organ(korvel* p_korvel, playing_key* p_key, unsigned len) noexcept;
+void render_callback_organ(korvel* p_korvel, playing_key* p_key, unsigned len) noexcept NONBLOCKING;
 
 /// Adds or renders a bass key's oscillator for a segment, at full level in every state, if it is
 /// the lowest that sounds. [audio]
-void render_callback_bass(korvel* p_korvel, playing_key* p_key, unsigned len) noexcept;
+void render_callback_bass(korvel* p_korvel, playing_key* p_key, unsigned len) noexcept NONBLOCKING;
 
 /// Renders a block into both outputs. [audio]
 void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
-                             std::span<float> out_l) noexcept;
+                             std::span<float> out_l) noexcept NONBLOCKING;
 
 void korvel_set_block_size(korvel* p_korvel, int block_size); ///< all buffers follow by themselves
 
@@ -28,4 +29,4 @@ void korvel_set_block_size(korvel* p_korvel, int block_size); ///< all buffers f
 void korvel_set_sampling_rate(korvel* p_korvel, int sampling_rate);
 
 /// Routes the outputs by a korvel_output_mode; any other number silences them. [any]
-void korvel_set_output_mode(korvel* p_korvel, int mode) noexcept;
+void korvel_set_output_mode(korvel* p_korvel, int mode) noexcept NONBLOCKING;

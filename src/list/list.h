@@ -3,6 +3,8 @@
 /// linked list of elements that their owners embed, and one flag a slot that tells membership in
 /// constant time. Insertion and removal allocate nothing; the order is that of insertion.
 
+#include "realtime/nonblocking.h"
+
 #include <string>
 #include <vector>
 
@@ -29,14 +31,16 @@ struct indexed_list {
 void free_indexed_list(indexed_list* p_list);
 
 /// Empties the list without visiting its elements. [audio]
-void indexed_list_clear(indexed_list* p_list) noexcept;
+void indexed_list_clear(indexed_list* p_list) noexcept NONBLOCKING;
 
 /// Appends the element. Returns 1, or 0 when it is in the list already. [audio]
-int add_to_indexed_list(indexed_list* target_list, indexed_list_elem* elem_to_add) noexcept;
+int add_to_indexed_list(indexed_list* target_list,
+                        indexed_list_elem* elem_to_add) noexcept NONBLOCKING;
 
 /// Takes the element out. Returns 1, or 0 when it is not in the list. The element keeps its own
 /// links, so a walker that stands on it can still step on. [audio]
-int remove_from_indexed_list(indexed_list* target_list, indexed_list_elem* elem_to_remove) noexcept;
+int remove_from_indexed_list(indexed_list* target_list,
+                             indexed_list_elem* elem_to_remove) noexcept NONBLOCKING;
 
 /// A breakpoint's anchor for diagnostics; prints nothing. [setup]
 void dump_indexed_list(indexed_list* p_list);

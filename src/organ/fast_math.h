@@ -2,6 +2,8 @@
 /// What the engine asks of the x86 processor: whether it has SSE, and that arithmetic on
 /// denormals, which is slow, does not happen.
 
+#include "realtime/nonblocking.h"
+
 /// Executes CPUID with leaf `info` (subleaf 0). [any]
 void cpuid(unsigned info, unsigned* eax, unsigned* ebx, unsigned* ecx, unsigned* edx);
 
@@ -12,4 +14,4 @@ void dump_cpuid();
 [[nodiscard]] bool has_sse(); ///< [any]
 
 /// Sets flush-to-zero and denormals-are-zero on the calling thread, for good. [audio]
-void flush_denormals() noexcept;
+void flush_denormals() noexcept NONBLOCKING;

@@ -28,6 +28,15 @@ std::vector<Element> empty_slots(int count) {
     return std::vector<Element>(static_cast<std::size_t>(count));
 }
 
+void follow_block_size(organ* p_organ, int nframes) noexcept NONBLOCKING {
+    if (nframes <= p_organ->max_block_size)
+        return organ_use_block_size(p_organ, nframes);
+    // Who hands over more than was ever announced waits until there is room. The player never does.
+    NONBLOCKING_UNCHECKED_BEGIN
+    organ_set_block_size(p_organ, nframes);
+    NONBLOCKING_UNCHECKED_END
+}
+
 } // namespace
 
 organ* organ_create(const char* name, int nb_keybeds, int nb_tonegenerators, int nb_harpmatrixes,
@@ -58,7 +67,7 @@ organ* organ_create(const char* name, int nb_keybeds, int nb_tonegenerators, int
 void organ_free(organ* p_organ) { delete p_organ; }
 
 void organ_set_block_size(organ* p_organ, int block_size) {
-    p_organ->block_size = block_size;
+    p_organ->max_block_size = p_organ->block_size = block_size;
     dsp_stack_set_block_size(p_organ->p_dsp_stack.get(), block_size);
     for (const auto& p_keybed : p_organ->p_keybeds)
         keybed_set_block_size(p_keybed.get(), block_size);
@@ -67,6 +76,17 @@ void organ_set_block_size(organ* p_organ, int block_size) {
     buffers_set_block_size(p_organ->p_buffers.get(), block_size);
     if (p_organ->set_block_size_callback)
         p_organ->set_block_size_callback(block_size);
+}
+
+void organ_use_block_size(organ* p_organ, int block_size) noexcept {
+    if (block_size == p_organ->block_size)
+        return;
+    p_organ->block_size = block_size;
+    for (const auto& p_keybed : p_organ->p_keybeds)
+        keybed_set_block_size(p_keybed.get(), block_size);
+    for (const auto& p_tonegenerator : p_organ->p_tonegenerators)
+        tonegenerator_use_block_size(p_tonegenerator.get(), block_size);
+    buffers_use_block_size(p_organ->p_buffers.get(), block_size);
 }
 
 void organ_set_sampling_rate(organ* p_organ, int sampling_rate) {
@@ -87,8 +107,7 @@ void organ_process(organ* p_organ, std::span<float> out_r, std::span<float> out_
         return;
     flush_denormals();
     const int nframes = static_cast<int>(out_r.size());
-    if (nframes != p_organ->block_size)
-        organ_set_block_size(p_organ, nframes);
+    follow_block_size(p_organ, nframes);
     for (const auto& p_keybed : p_organ->p_keybeds)
         keybed_next(p_keybed.get(), nframes);
     if (p_organ->process_callback) {

@@ -15,6 +15,7 @@
 #include "harpmatrix/harpmatrix.h"
 #include "keybed/keybed.h"
 #include "random15/random15.h"
+#include "realtime/closure.h"
 #include "tonegenerator/tonegenerator.h"
 
 #include <functional>
@@ -24,8 +25,9 @@
 
 struct organ {
     std::string name;
-    int sampling_rate = 0; ///< Hz; 0 until set
-    int block_size = 0;
+    int sampling_rate = 0;        ///< Hz; 0 until set
+    int block_size = 0;           ///< frames
+    int max_block_size = 0;       ///< that was set; blocks may be shorter
     random15 random{};            ///< what the instrument's tolerances are drawn from
     control* p_control = nullptr; ///< not owned
     std::unique_ptr<buffers> p_buffers{};
@@ -44,7 +46,7 @@ struct organ {
     int* p_filters_order = nullptr;
     std::function<void(organ*, int mode)> set_output_mode_callback{};
     /// Renders a block; without it the outputs are silent.
-    std::function<void(organ*, std::span<float> out_r, std::span<float> out_l)> process_callback{};
+    closure<void(organ*, std::span<float> out_r, std::span<float> out_l)> process_callback{};
     std::function<void(int block_size)> set_block_size_callback{};
     std::function<void(int sampling_rate)> set_sampling_rate_callback{};
     std::unique_ptr<dsp_stack> p_dsp_stack{};
@@ -60,25 +62,29 @@ struct organ {
 /// Frees the engine and everything in its arrays, but not the registry; null is allowed. [setup]
 void organ_free(organ* p_organ);
 
-/// Passes a length on to the DSP stack, the keybeds, the tone generators, the named buffers and the
-/// instrument, in this order. Allocates only beyond the largest length so far: within it this is
-/// [audio].
+/// Passes the length of blocks, at most, on to the DSP stack, the keybeds, the tone generators, the
+/// named buffers and the instrument, in this order. [setup]
 void organ_set_block_size(organ* p_organ, int block_size);
+
+/// Announces a shorter block, or one as long as was set, to all that works on whole blocks. [audio]
+void organ_use_block_size(organ* p_organ, int block_size) noexcept NONBLOCKING;
 
 /// Passes a rate on likewise, the buffers left out; rates below 1 are ignored. [setup]
 void organ_set_sampling_rate(organ* p_organ, int sampling_rate);
 
 /// Renders a block into both outputs, which have one length; the engine follows that length, and
-/// does nothing for 0 frames. [audio]
-void organ_process(organ* p_organ, std::span<float> out_r, std::span<float> out_l) noexcept;
+/// does nothing for 0 frames. [audio] up to the length that was set; a longer block allocates.
+void organ_process(organ* p_organ, std::span<float> out_r,
+                   std::span<float> out_l) noexcept NONBLOCKING;
 
 /// Routes a 3-byte channel message stamped with its frame in the coming block. A control change
 /// leaves the parameters that it moves in the registry's update record, for the caller to apply;
 /// messages of other kinds leave the record alone. [audio]
-void organ_receive_midi_event(organ* p_organ, const char* midi_data, int frame_index) noexcept;
+void organ_receive_midi_event(organ* p_organ, const char* midi_data,
+                              int frame_index) noexcept NONBLOCKING;
 
 /// Silences every key at once. [audio]
-void organ_panic(organ* p_organ) noexcept;
+void organ_panic(organ* p_organ) noexcept NONBLOCKING;
 
 void organ_set_output_mode(organ* p_organ, int mode); ///< [any], as far as the callback is
 

@@ -67,7 +67,7 @@ void player_set_block_size(player* p_player, int block_size) {
     if (block_size < 1)
         return;
     reserve_pieces(p_player);
-    organ_set_block_size(p_player->p_organ.get(), std::min(block_size, player_max_piece));
+    organ_use_block_size(p_player->p_organ.get(), std::min(block_size, player_max_piece));
 }
 
 std::span<const int> player_receive_midi_event(player* p_player, const char* midi_data,
@@ -105,8 +105,7 @@ void player_process(player* p_player, std::span<float> out_r, std::span<float> o
         const auto end = static_cast<std::size_t>(i * nb_frames / nb_pieces);
         const std::size_t piece = end - start;
         take_panic(p_player);
-        if (p_organ->block_size != static_cast<int>(piece)) // before its messages
-            organ_set_block_size(p_organ, static_cast<int>(piece));
+        organ_use_block_size(p_organ, static_cast<int>(piece)); // before its messages
         send_notes(p_player, frame, static_cast<int>(start), static_cast<int>(end), last_frame);
         organ_process(p_organ, out_r.subspan(start, piece), out_l.subspan(start, piece));
         start = end;

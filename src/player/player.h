@@ -10,6 +10,7 @@
 #include "control/control.h"
 #include "organ/organ.h"
 #include "player/note_queue.h"
+#include "realtime/nonblocking.h"
 
 #include <atomic>
 #include <memory>
@@ -43,22 +44,25 @@ void player_set_block_size(player* p_player, int block_size);
 /// at once. Returns the indices of the parameters that it moved, for whoever shows them; they stand
 /// until the next message. [audio]
 std::span<const int> player_receive_midi_event(player* p_player, const char* midi_data,
-                                               int frame) noexcept;
+                                               int frame) noexcept NONBLOCKING;
 
 /// Plays a block, both outputs of one length, with the messages that came for it. Silence before a
 /// rate is set, while the messages wait; nothing for 0 frames. [audio]
-void player_process(player* p_player, std::span<float> out_r, std::span<float> out_l) noexcept;
+void player_process(player* p_player, std::span<float> out_r,
+                    std::span<float> out_l) noexcept NONBLOCKING;
 
 /// Silences what was played so far; whatever comes after the call sounds. [any]
-void player_panic(player* p_player) noexcept;
+void player_panic(player* p_player) noexcept NONBLOCKING;
 
 /// Returns the parameter of that index, or null where the registry has none. [any]
-[[nodiscard]] const parameter* player_find_parameter(const player* p_player, int index) noexcept;
+[[nodiscard]] const parameter* player_find_parameter(const player* p_player,
+                                                     int index) noexcept NONBLOCKING;
 
 /// Returns the parameter's value, 0 where the registry has none of that index. [any]
-[[nodiscard]] float player_get_parameter(const player* p_player, int index) noexcept;
+[[nodiscard]] float player_get_parameter(const player* p_player, int index) noexcept NONBLOCKING;
 
 /// Sets a parameter and makes it the one that learns the next controller. Another index changes
 /// nothing. Returns what the value counts as, whatever the index: +0 for all below zero; nothing
 /// for what is not finite, which leaves a parameter as it was. [any]
-std::optional<float> player_set_parameter(player* p_player, int index, float value) noexcept;
+std::optional<float> player_set_parameter(player* p_player, int index,
+                                          float value) noexcept NONBLOCKING;

@@ -18,6 +18,21 @@ std::span<float> frames_of(std::span<float> block, std::size_t start, std::size_
     return block.subspan(start, std::min(nframes, block.size() - start));
 }
 
+std::span<float> curve_of(const tonegenerator* p_tg, std::size_t osc) {
+    return frames_of(p_tg->non_sustained_oscillators_conductance[osc], 0,
+                     static_cast<std::size_t>(p_tg->block_size));
+}
+
+std::span<const int> oscillators_with_curves(const tonegenerator* p_tg) {
+    return std::span(p_tg->non_sustained_oscillators)
+        .first(static_cast<std::size_t>(p_tg->nb_non_sustained_oscs));
+}
+
+void clear_curves(tonegenerator* p_tg) {
+    for (const int osc : oscillators_with_curves(p_tg))
+        std::ranges::fill(curve_of(p_tg, static_cast<std::size_t>(osc)), 0.0f);
+}
+
 void register_curve(tonegenerator* p_tg, unsigned osc) {
     if (p_tg->has_curve[osc])
         return;
@@ -38,7 +53,7 @@ void register_curves(tonegenerator* p_tg) {
     if (nb_oscs <= nb_registered)
         return;
     curves.resize(nb_oscs); // the buffer set holds the elements' addresses: register them anew
-    p_tg->p_buffers = create_buffers(p_tg->block_size);
+    p_tg->p_buffers = create_buffers(p_tg->p_buffers->block_size);
     for (auto& curve : curves)
         buffers_add(p_tg->p_buffers.get(), "NON SUSTAINED BUFFER", &curve);
 }
@@ -104,6 +119,13 @@ void tonegenerator_set_block_size(tonegenerator* p_tg, int block_size) {
     buffers_set_block_size(p_tg->p_buffers.get(), block_size);
 }
 
+void tonegenerator_use_block_size(tonegenerator* p_tg, int block_size) noexcept {
+    if (block_size == p_tg->block_size)
+        return;
+    clear_curves(p_tg);
+    p_tg->block_size = std::min(block_size, p_tg->p_buffers->block_size);
+}
+
 void tone_generator_add_sustained_oscillator(tonegenerator* p_tg, unsigned osc,
                                              float conductance) noexcept {
     tone_generator_add_sustained_oscillators(p_tg, {&osc, 1}, {&conductance, 1});
@@ -133,8 +155,7 @@ void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned o
     if (!can_play(p_tg, oscillator, conductance))
         return;
     register_curve(p_tg, oscillator);
-    const auto curve =
-        frames_of(p_tg->non_sustained_oscillators_conductance[oscillator], start_index, nframes);
+    const auto curve = frames_of(curve_of(p_tg, oscillator), start_index, nframes);
     if (!p_env) {
         for (float& gain : curve)
             gain += conductance;
@@ -170,12 +191,9 @@ void tonegenerator_reset_sustain(tonegenerator* p_tg) noexcept {
     }
     p_tg->nb_sustained_oscs = 0;
 
-    for (int i = 0; i < p_tg->nb_non_sustained_oscs; ++i) {
-        const auto osc =
-            static_cast<std::size_t>(p_tg->non_sustained_oscillators[static_cast<std::size_t>(i)]);
-        std::ranges::fill(p_tg->non_sustained_oscillators_conductance[osc], 0.0f);
-        p_tg->has_curve[osc] = 0;
-    }
+    clear_curves(p_tg);
+    for (const int osc : oscillators_with_curves(p_tg))
+        p_tg->has_curve[static_cast<std::size_t>(osc)] = 0;
     p_tg->nb_non_sustained_oscs = 0;
 }
 

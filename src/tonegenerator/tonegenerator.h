@@ -10,6 +10,7 @@
 
 #include "buffers/buffers.h"
 #include "oscillators/oscillators.h"
+#include "realtime/nonblocking.h"
 #include "tonegenerator/wave_reader.h"
 
 #include <cstdint>
@@ -22,7 +23,7 @@
 struct tonegenerator {
     std::string name;
     int sample_rate = 0;
-    int block_size = 0;
+    int block_size = 0;                            ///< frames in use of each curve
     std::unique_ptr<oscillators_bank> oscs_bank{}; ///< null until a rate is set
     std::uint32_t global_phase_index = 0; ///< frames since the rate was set; the engine advances it
     std::function<oscillators_bank*(int)> get_bank{}; ///< gives the bank of a rate, to be owned
@@ -52,35 +53,39 @@ void tonegenerator_free(tonegenerator* p_tg); ///< null is allowed [setup]
 /// [setup]
 void tonegenerator_set_sampling_rate(tonegenerator* p_tg, int sampling_rate);
 
-/// Resizes and zeroes the curves. Allocates only beyond the largest length so far since the bank
-/// came: within it this is [audio].
+/// Resizes and zeroes the curves. [setup]
 void tonegenerator_set_block_size(tonegenerator* p_tg, int block_size);
+
+/// Plays blocks of another length, at most that which was set; the curves stay, zeroed. [audio]
+void tonegenerator_use_block_size(tonegenerator* p_tg, int block_size) noexcept NONBLOCKING;
 
 /// Adds a gain that holds through the whole block. [audio]
 void tone_generator_add_sustained_oscillator(tonegenerator* p_tg, unsigned osc,
-                                             float conductance) noexcept;
+                                             float conductance) noexcept NONBLOCKING;
 
 /// The same for many, in their order. [audio]
 void tone_generator_add_sustained_oscillators(tonegenerator* p_tg, std::span<const unsigned> oscs,
-                                              std::span<const float> conductances) noexcept;
+                                              std::span<const float> conductances) noexcept
+    NONBLOCKING;
 
 /// Adds p_env[i] * conductance, or the conductance alone without p_env, to the oscillator's curve
 /// at frames start_index + i, i < nframes. [audio]
 void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned oscillator,
                                                  unsigned start_index, unsigned nframes,
-                                                 const float* p_env, float conductance) noexcept;
+                                                 const float* p_env,
+                                                 float conductance) noexcept NONBLOCKING;
 
 /// Adds the oscillators osc_start to osc_end inclusive to `dest` of block_size frames, in the order
 /// of their numbers, which does not depend on how time is cut into blocks. Clears nothing: render a
 /// range once a block. [audio]
 void tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned osc_start,
-                         unsigned osc_end) noexcept;
+                         unsigned osc_end) noexcept NONBLOCKING;
 
 /// Forgets all gains of the block. [audio]
-void tonegenerator_reset_sustain(tonegenerator* p_tg) noexcept;
+void tonegenerator_reset_sustain(tonegenerator* p_tg) noexcept NONBLOCKING;
 
 /// Adds one oscillator to `dest`, a block's buffer, at frames start_index + i, i < nframes, with
 /// the weight p_env[i] * gain, or the gain alone without p_env. [audio]
 void tonegenerator_process(const tonegenerator* p_tg, unsigned oscillator, std::span<float> dest,
                            unsigned start_index, unsigned nframes, const float* p_env,
-                           float gain) noexcept;
+                           float gain) noexcept NONBLOCKING;

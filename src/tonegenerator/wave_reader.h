@@ -9,6 +9,7 @@
 /// copying. Any other ratio interpolates linearly between neighbours.
 
 #include "oscillators/oscillators.h"
+#include "realtime/nonblocking.h"
 
 #include <array>
 #include <cstddef>
@@ -31,12 +32,12 @@ struct wave_reader {
 
 /// Fills `scratch` with the samples of a table whose ratio is not whole. [audio]
 void wave_reader_interpolate(const wave_reader& reader, std::uint32_t phase,
-                             wave_scratch& scratch) noexcept;
+                             wave_scratch& scratch) noexcept NONBLOCKING;
 
 /// Returns a chunk's samples from frame `phase` on. They lie in the reader, or in `scratch`.
 /// [audio]
 inline const float* wave_reader_read(const wave_reader& reader, std::uint32_t phase,
-                                     wave_scratch& scratch) noexcept {
+                                     wave_scratch& scratch) noexcept NONBLOCKING {
     if (reader.loop_long > 0)
         return &reader.samples[phase % reader.loop_long];
     wave_reader_interpolate(reader, phase, scratch);

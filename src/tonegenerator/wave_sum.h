@@ -1,6 +1,7 @@
 #pragma once
 /// Adds many waves with their gains: the inner loop of the tone generator.
 
+#include "realtime/nonblocking.h"
 #include "tonegenerator/wave_reader.h"
 
 #include <span>
@@ -12,4 +13,4 @@ struct gained_wave {
 };
 
 /// Adds the waves, in their order, to at most a chunk's frames. [audio]
-void wave_sum_add(std::span<const gained_wave> waves, std::span<float> dest) noexcept;
+void wave_sum_add(std::span<const gained_wave> waves, std::span<float> dest) noexcept NONBLOCKING;

@@ -4,6 +4,8 @@
 /// slots, at a moving position ahead of a read position that advances steadily; an output sample is
 /// the slot at the read position, which is then cleared.
 
+#include "realtime/nonblocking.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -49,4 +51,5 @@ void vibrato_set_block_size(vibrato* p_vibrato, int block_size);       ///< [aud
 void vibrato_update_stator_increment(vibrato* p_vibrato);
 
 /// Runs a block from `in` into `out`, of the same length; they may be the same samples. [audio]
-void vibrato_process(vibrato* p_vibrato, std::span<const float> in, std::span<float> out) noexcept;
+void vibrato_process(vibrato* p_vibrato, std::span<const float> in,
+                     std::span<float> out) noexcept NONBLOCKING;

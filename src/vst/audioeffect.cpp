@@ -29,7 +29,7 @@ void VSTCALLBACK __processClassDeprecated(AEffect* e, float** inputs, float** ou
 }
 
 void VSTCALLBACK processClassReplacing(AEffect* e, float** inputs, float** outputs,
-                                       VstInt32 sampleFrames) {
+                                       VstInt32 sampleFrames) noexcept NONBLOCKING {
     effect_of(e)->processReplacing(inputs, outputs, sampleFrames);
 }
 

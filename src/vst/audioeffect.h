@@ -7,6 +7,7 @@
 /// [audio], set and read parameters on [any], and all else on [setup] and [ui]. The layer takes no
 /// locks: a request reaches the host on the thread that makes it.
 
+#include "realtime/nonblocking.h"
 #include "vst/interface.h"
 
 #include <memory>
@@ -33,7 +34,8 @@ public:
 
     virtual void setSampleRate(float rate) { sampleRate = rate; }          ///< Hz
     virtual void setBlockSize(VstInt32 nbFrames) { blockSize = nbFrames; } ///< at most, per call
-    virtual void processReplacing(float** inputs, float** outputs, VstInt32 sampleFrames) = 0;
+    virtual void processReplacing(float** inputs, float** outputs,
+                                  VstInt32 sampleFrames) noexcept NONBLOCKING = 0;
     virtual void processDoubleReplacing(double**, double**, VstInt32) {}
 
     virtual void setParameter(VstInt32, float) {}

@@ -51,7 +51,7 @@ public:
     virtual VstTimeInfo* getTimeInfo(VstInt32 filter);
     virtual VstInt32 getCurrentProcessLevel();
     virtual VstInt32 getAutomationState();
-    virtual VstInt32 processEvents(VstEvents*) { return 0; }
+    virtual VstInt32 processEvents(VstEvents*) noexcept NONBLOCKING { return 0; }
     bool sendVstEventsToHost(VstEvents* events);
     virtual VstInt32 startProcess() { return 0; }
     virtual VstInt32 stopProcess() { return 0; }

@@ -59,14 +59,14 @@ void Organ::setSampleRate(float rate) { player_set_sampling_rate(p_player.get(),
 
 void Organ::setBlockSize(VstInt32 nbFrames) { player_set_block_size(p_player.get(), nbFrames); }
 
-void Organ::processReplacing(float**, float** outputs, VstInt32 sampleFrames) {
+void Organ::processReplacing(float**, float** outputs, VstInt32 sampleFrames) noexcept {
     if (sampleFrames <= 0 || !outputs || !outputs[0] || !outputs[1])
         return;
     const auto nb_frames = static_cast<std::size_t>(sampleFrames);
     player_process(p_player.get(), {outputs[0], nb_frames}, {outputs[1], nb_frames});
 }
 
-VstInt32 Organ::processEvents(VstEvents* events) {
+VstInt32 Organ::processEvents(VstEvents* events) noexcept {
     midiNumEvents.store(0, std::memory_order_relaxed);
     if (!events)
         return 1;
@@ -76,7 +76,9 @@ VstInt32 Organ::processEvents(VstEvents* events) {
             continue;
         if (list[i]->type == kVstSysExType) {
             receiveSysex(*reinterpret_cast<const VstMidiSysexEvent*>(list[i]));
-            sendVstEventsToHost(events);
+            NONBLOCKING_UNCHECKED_BEGIN // the host's own function, which it lends for this
+                sendVstEventsToHost(events);
+            NONBLOCKING_UNCHECKED_END
         } else if (list[i]->type == kVstMidiType) {
             receiveMidi(*reinterpret_cast<const VstMidiEvent*>(list[i]));
         }
@@ -85,7 +87,7 @@ VstInt32 Organ::processEvents(VstEvents* events) {
 }
 
 /// Keeps the payload between the first byte and the last, as much of it as the buffer holds.
-void Organ::receiveSysex(const VstMidiSysexEvent& event) {
+void Organ::receiveSysex(const VstMidiSysexEvent& event) noexcept {
     nb_sysex_bytes = 0;
     if (event.sysexDump && event.dumpBytes > 2)
         nb_sysex_bytes =
@@ -95,22 +97,31 @@ void Organ::receiveSysex(const VstMidiSysexEvent& event) {
     sysex_buffer_in[nb_sysex_bytes] = '\0';
 }
 
-void Organ::receiveMidi(const VstMidiEvent& event) {
+void Organ::receiveMidi(const VstMidiEvent& event) noexcept {
     midiNumEvents.fetch_add(1, std::memory_order_relaxed);
     if (midi_kind(event.midiData) == midi_program_change)
         setProgram(static_cast<unsigned char>(event.midiData[1]));
 
     for (const int index :
          player_receive_midi_event(p_player.get(), event.midiData, event.deltaFrames))
-        p_editor->setParameter(index, getParameter(index));
+        p_editor->showParameter(index, getParameter(index));
 }
 
 void Organ::setParameter(VstInt32 index, float value) {
+    if (player_find_parameter(p_player.get(), index))
+        return moveParameter(index, value);
     if (const auto counted = player_set_parameter(p_player.get(), index, value))
-        p_editor->setParameter(index, *counted); // the other indices are the panel's actions
+        p_editor->setParameter(index, *counted); // an action of the panel's
 }
 
-float Organ::getParameter(VstInt32 index) { return player_get_parameter(p_player.get(), index); }
+void Organ::moveParameter(VstInt32 index, float value) noexcept {
+    if (const auto counted = player_set_parameter(p_player.get(), index, value))
+        p_editor->showParameter(index, *counted);
+}
+
+float Organ::getParameter(VstInt32 index) noexcept {
+    return player_get_parameter(p_player.get(), index);
+}
 
 void Organ::getParameterDisplay(VstInt32 index, char* text) {
     if (const parameter* p_param = player_find_parameter(p_player.get(), index))
@@ -122,18 +133,18 @@ void Organ::getParameterName(VstInt32 index, char* text) {
         copy_text(text, p_param->name, parameter_name_size);
 }
 
-program* Organ::currentProgram() const {
+program* Organ::currentProgram() const noexcept {
     const auto current = static_cast<std::size_t>(curProgram);
     return current < p_prog_bank->programs.size() ? p_prog_bank->programs[current].get() : nullptr;
 }
 
-void Organ::setProgram(VstInt32 program) {
+void Organ::setProgram(VstInt32 program) noexcept {
     if (program < 0 || program >= numPrograms)
         return;
     curProgram = program;
     const std::vector<float>& values = currentProgram()->parameter_value;
     for (std::size_t j = 0; j < values.size(); ++j)
-        setParameter(static_cast<VstInt32>(j), values[j]);
+        moveParameter(static_cast<VstInt32>(j), values[j]);
     p_editor->setProgram(program);
 }
 

@@ -23,16 +23,17 @@ public:
 
     void setSampleRate(float rate) override;
     void setBlockSize(VstInt32 nbFrames) override;
-    void processReplacing(float** inputs, float** outputs, VstInt32 sampleFrames) override;
-    VstInt32 processEvents(VstEvents* events) override;
+    void processReplacing(float** inputs, float** outputs,
+                          VstInt32 sampleFrames) noexcept NONBLOCKING override;
+    VstInt32 processEvents(VstEvents* events) noexcept NONBLOCKING override;
 
     void setParameter(VstInt32 index, float value) override;
-    float getParameter(VstInt32 index) override;
+    float getParameter(VstInt32 index) noexcept NONBLOCKING override;
     void getParameterLabel(VstInt32, char*) override {} ///< leaves the host's text as it is
     void getParameterDisplay(VstInt32 index, char* text) override;
     void getParameterName(VstInt32 index, char* text) override;
 
-    void setProgram(VstInt32 program) override;
+    void setProgram(VstInt32 program) noexcept NONBLOCKING override; ///< [any]
     void setProgramName(char* name) override;
     void getProgramName(char* name) override;
     bool getProgramNameIndexed(VstInt32 category, VstInt32 index, char* text) override;
@@ -67,9 +68,10 @@ public:
     std::atomic<VstInt32> midiNumEvents = 0;
 
 private:
-    [[nodiscard]] program* currentProgram() const;
-    void receiveSysex(const VstMidiSysexEvent& event);
-    void receiveMidi(const VstMidiEvent& event);
+    [[nodiscard]] program* currentProgram() const noexcept NONBLOCKING;
+    void receiveSysex(const VstMidiSysexEvent& event) noexcept NONBLOCKING;
+    void receiveMidi(const VstMidiEvent& event) noexcept NONBLOCKING;
+    void moveParameter(VstInt32 index, float value) noexcept NONBLOCKING; ///< and show it [any]
 
     std::unique_ptr<player> p_player;
     organ* p_organ;

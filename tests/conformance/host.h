@@ -7,8 +7,12 @@
 #include <vector>
 
 struct recording_host {
-    host_answers answer = answer_version;
+    host_answers answer;
     std::vector<host_call> calls{};
+
+    explicit recording_host(host_answers answers) : answer{std::move(answers)} {
+        calls.reserve(4096); // audio threads call too
+    }
 
     VstIntPtr take(const host_call& call) {
         calls.push_back(call);

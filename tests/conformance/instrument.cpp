@@ -14,7 +14,7 @@ const std::filesystem::path& seeded_file(const trial& running) {
 
 instrument::instrument(trial& running_, host_answers answers)
     : running(running_),
-      its_host{.answer = std::move(answers)},
+      its_host{std::move(answers)},
       loaded(seeded_file(running), [this](const host_call& call) { return its_host.take(call); }) {
     running.frame = 0;
 }

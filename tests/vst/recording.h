@@ -55,7 +55,7 @@ struct fake_host {
 /// An effect of defaults.
 struct default_effect : AudioEffectX {
     explicit default_effect(audioMasterCallback host = nullptr) : AudioEffectX(host, 4, 2) {}
-    void processReplacing(float**, float**, VstInt32) override {}
+    void processReplacing(float**, float**, VstInt32) noexcept override {}
     void setParameter(VstInt32 index, float) override { fake_host::log.note("set", index); }
 
     VstIntPtr ask(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,

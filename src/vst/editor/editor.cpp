@@ -114,15 +114,17 @@ void Editor::endEdit(VstInt32 index) {
         AEffGUIEditor::endEdit(index);
 }
 
-bool Editor::isParameter(VstInt32 index) const {
+bool Editor::isParameter(VstInt32 index) const noexcept {
     return static_cast<std::uint32_t>(index) < changes.size();
 }
 
-void Editor::setParameter(VstInt32 index, float value) {
-    if (isParameter(index)) {
+void Editor::showParameter(VstInt32 index, float value) noexcept {
+    if (isParameter(index))
         changes[static_cast<std::size_t>(index)].put(value);
-        return;
-    }
+}
+
+void Editor::setParameter(VstInt32 index, float value) {
+    showParameter(index, value);
     if (index < MIDI_LEARN_TAG || !frame)
         return;
     switch (index) {

@@ -3,8 +3,8 @@
 /// shows the changes that come from elsewhere, and carries out the actions that reach it as
 /// parameters.
 ///
-/// setParameter is [any] for parameters: values wait in slots, which live as long as the editor,
-/// until the panel is idle. The editor comes and goes in [setup]; all else is [ui].
+/// Parameters may move on [any] thread: their values wait in slots, which live as long as the
+/// editor, until the panel is idle. The editor comes and goes in [setup]; all else is [ui].
 
 #include "vst/editor/aeffguieditor.h"
 #include "vst/editor/value_slot.h"
@@ -39,8 +39,11 @@ public:
     /// nothing while the panel is closed.
     void setParameter(VstInt32 index, float value) override;
 
+    /// A parameter's, which the panel shows when it is idle. [any]
+    void showParameter(VstInt32 index, float value) noexcept NONBLOCKING;
+
     /// The program's values come through setParameter; there is no more to show.
-    void setProgram(VstInt32) {}
+    void setProgram(VstInt32) noexcept NONBLOCKING {}
 
     /// Actions are no parameters of the host's.
     void beginEdit(VstInt32 index) override;
@@ -49,7 +52,7 @@ public:
     void valueChanged(CDrawContext* context, CControl* changed) override;
 
 private:
-    [[nodiscard]] bool isParameter(VstInt32 index) const;
+    [[nodiscard]] bool isParameter(VstInt32 index) const noexcept NONBLOCKING;
     void showParameters();
     void toggleMidiLearn();
     void runMenuAction(float value);

@@ -198,18 +198,20 @@ bool sounds_as_rendered(int block_frames) {
     return true;
 }
 
-void expect_as_rendered(int block_frames) {
-    int nb_tries = 1;
-    while (!testing::Test::HasFailure() && !sounds_as_rendered(block_frames) && nb_tries < 10)
-        ++nb_tries;
-    EXPECT_LT(nb_tries, 10) << "too late every time";
+/// Repeats what a busy machine may be too late for.
+template <typename Try>
+bool is_heard_in_time(Try once) {
+    for (int i = 0; i < 10; ++i)
+        if (once() || testing::Test::HasFailure())
+            return true;
+    return false;
 }
 
 TEST_F(Jack, NotesSoundOnTheirFrameAndAsARenderMakesThem) {
     for (const int block_frames : {16, 64, 256, 1024}) {
         SCOPED_TRACE(block_frames);
         const jack_server server{block_frames};
-        expect_as_rendered(block_frames);
+        EXPECT_TRUE(is_heard_in_time([=] { return sounds_as_rendered(block_frames); }));
     }
 }
 
@@ -217,7 +219,8 @@ TEST_F(Jack, NotesSoundOnTheirFrameAndAsARenderMakesThem) {
 TEST_F(Jack, PipeWireDoesTheSame) {
     const char* const p_library = std::getenv("LD_LIBRARY_PATH");
     if (p_library && std::string{p_library} == pipewire_server::library_folder) {
-        expect_as_rendered(pipewire_server::block_frames);
+        EXPECT_TRUE(
+            is_heard_in_time([] { return sounds_as_rendered(pipewire_server::block_frames); }));
         return;
     }
     const temporary_folder folder;
@@ -241,17 +244,19 @@ TEST(Alsa, LeadsToADesktopsServer) {
     const std::string song = folder / "song.mid", rendered = folder / "song.wav";
     file_write(song, midi_bytes::song(0, 480, {"00 90 3C 40 83 60 80 3C 00"}));
     setenv("TINDELWAX_SEED", "1", 1);
-    std::optional<pulse_server> server{std::in_place, folder};
-    running_process play{{TEST_COMMAND, "play", "--no-panel", song}};
-    EXPECT_TRUE(play.says("plays through ALSA as default, 48000 Hz, 128 frames\n"));
-    EXPECT_EQ(play.end(0), 0);
     running_process render{
         {TEST_COMMAND, "render", song, "-o", rendered, "--rate", "48000", "--bits", "32"}};
     EXPECT_EQ(render.end(0), 0);
-    constexpr std::size_t nb_bytes = rate_hz / 2 * 2 * sizeof(float);
-    const std::string wave = file_content(rendered);
-    EXPECT_TRUE(file_content(folder / "heard").substr(0, nb_bytes)
-                == wave.substr(wave.find("data") + 8, nb_bytes));
+    std::optional<pulse_server> server{std::in_place, folder};
+    EXPECT_TRUE(is_heard_in_time([&] {
+        running_process play{{TEST_COMMAND, "play", "--no-panel", song}};
+        EXPECT_TRUE(play.says("plays through ALSA as default, 48000 Hz, 128 frames\n"));
+        EXPECT_EQ(play.end(0), 0);
+        constexpr std::size_t nb_bytes = rate_hz / 2 * 2 * sizeof(float);
+        const std::string wave = file_content(rendered);
+        return file_content(folder / "heard").substr(0, nb_bytes)
+               == wave.substr(wave.find("data") + 8, nb_bytes);
+    }));
     running_process endless{{TEST_COMMAND, "play", "--no-panel"}};
     for (int i = 0; i < 2; ++i) {
         EXPECT_TRUE(endless.says("plays through ALSA"));
