@@ -31,8 +31,10 @@ void instrument_try(const instrument_request& request,
     });
 }
 
-console_options instrument_console(const instrument_request& request) {
-    console_options options{.sustains = request.sustains, .expresses = request.expresses};
+console_options instrument_console(const instrument_request& request, plugin& instrument) {
+    console_options options{.sustains = request.sustains};
+    if (request.expresses)
+        options.p_swell = std::make_shared<swell>(instrument);
     for (const std::string& text : request.mappings)
         options.mappings.push_back(control_mapping_parse(text));
     return options;

@@ -22,9 +22,10 @@ struct instrument_request {
 void instrument_try(const instrument_request& request,
                     const std::function<void(plugin&)>& rehearse);
 
-/// What the player's feet and controllers do. Throws a failure of misuse for mappings that cannot
-/// be.
-[[nodiscard]] console_options instrument_console(const instrument_request& request);
+/// What the player's feet and controllers do. The instrument, set up, outlives it. Throws a failure
+/// of misuse for what cannot be.
+[[nodiscard]] console_options instrument_console(const instrument_request& request,
+                                                 plugin& instrument);
 
 /// Announces rate and block and sets the parameters. Throws a failure of misuse for settings that
 /// cannot be.

@@ -35,47 +35,34 @@ constexpr auto fade_patience = 5s;
 
 std::filesystem::path learned_file() { return user_state_folder() / "controllers"; }
 
-bool is_one_control(const control_mapping& one, const control_mapping& other) {
-    return one.controller == other.controller && one.channel == other.channel;
+/// Keeps what is learned, from one time to the next. Returns what there is to say.
+std::string keep_learned(const control_mapping& mapping) {
+    auto kept = control_map_read(learned_file());
+    std::erase_if(kept, [&mapping](const control_mapping& other) {
+        return mapping.controller == other.controller && mapping.channel == other.channel;
+    });
+    kept.push_back(mapping);
+    if (!control_map_write(learned_file(), kept))
+        return "cannot write " + learned_file().string() + ": " + std::strerror(errno);
+    return "learned " + control_mapping_text(mapping);
 }
 
-/// Remembers what is learned, from one time to the next.
-class learner {
-public:
-    explicit learner(console& players) : players_{players}, known_{players.mappings()} {}
-
-    /// Returns what there is to say.
-    std::vector<std::string> tend() {
-        std::vector<std::string> news;
-        if (!players_.has_learned())
-            return news;
-        auto now = players_.mappings();
-        auto kept = control_map_read(learned_file());
-        for (const control_mapping& mapping : now) {
-            const auto is_this = [&mapping](const control_mapping& other) {
-                return is_one_control(mapping, other) && mapping.parameter == other.parameter;
-            };
-            if (std::ranges::any_of(known_, is_this))
-                continue;
-            std::erase_if(kept, [&mapping](const control_mapping& other) {
-                return is_one_control(mapping, other);
-            });
-            kept.push_back(mapping);
-            news.push_back("learned " + control_mapping_text(mapping));
+/// By program number. One that cannot be drawn whole keeps its place.
+std::vector<registration> programs(const std::vector<std::string>& parameters) {
+    std::vector<registration> all = registrations_list();
+    for (registration& one : all)
+        try {
+            (void)registration_resolve(one, parameters);
+        } catch (const failure& wrong) {
+            if (registration_concerns(one, parameters)) // and is not another instrument's
+                warn(wrong.what());
+            one.lines.clear();
         }
-        known_ = std::move(now);
-        if (!control_map_write(learned_file(), kept))
-            news.push_back("cannot write " + learned_file().string() + ": " + std::strerror(errno));
-        return news;
-    }
-
-private:
-    console& players_;
-    std::vector<control_mapping> known_;
-};
+    return all;
+}
 
 console_options players_options(const play_request& request, plugin& instrument) {
-    console_options options = instrument_console(request);
+    console_options options = instrument_console(request, instrument);
     options.learns = request.learns;
     const std::vector<std::string> names = parameter_names(instrument);
     // What was learned for another instrument waits for that. Options come later and so prevail.
@@ -84,9 +71,7 @@ console_options players_options(const play_request& request, plugin& instrument)
         return std::ranges::find(names, mapping.parameter) == names.end();
     });
     options.mappings.insert(options.mappings.begin(), learned.begin(), learned.end());
-    for (registration& one : registrations_list())
-        if (registration_fits(one, names))
-            options.programs.push_back(std::move(one));
+    options.programs = programs(names);
     return options;
 }
 
@@ -101,10 +86,8 @@ live_song make_song(const play_request& request) {
 }
 
 bool wants_panel(const play_request& request, plugin& instrument) {
-    if (request.shows_panel)
-        return *request.shows_panel;
     const char* p_display = std::getenv("DISPLAY");
-    return p_display && *p_display && has_editor(instrument);
+    return request.shows_panel.value_or(p_display && *p_display && has_editor(instrument));
 }
 
 class performance {
@@ -112,15 +95,19 @@ public:
     performance(const play_request& request, plugin& instrument, live_song song,
                 std::FILE* p_output)
         : status_{request.is_quiet ? nullptr : p_output},
-          players_{instrument, players_options(request, instrument)},
-          songs_{instrument, instrument_console(request)},
+          options_{players_options(request, instrument)},
+          players_{instrument, options_},
+          songs_{instrument,
+                 {.sustains = request.sustains,
+                  .p_swell = options_.p_swell,
+                  .mappings = options_.mappings}},
           live_{instrument, players_, songs_, std::move(song)},
           source_{live_, request.sound} {
         instrument.set_listener(
             [this](int parameter, float value) { players_.touch(parameter, value); });
         if (wants_panel(request, instrument))
-            panel_.emplace(instrument, live_);
-        else if (is_terminal(p_output))
+            open_panel(instrument, request.shows_panel.has_value());
+        if (!panel_ && is_terminal(p_output))
             terminal_.emplace(fileno(p_output));
     }
 
@@ -144,13 +131,24 @@ public:
     }
 
 private:
+    /// Nobody asked for it by name: then a display that is none is no reason to be silent.
+    void open_panel(plugin& instrument, bool is_asked_for) {
+        try {
+            panel_.emplace(instrument, live_);
+        } catch (const failure& reason) {
+            if (is_asked_for)
+                throw;
+            status_.tell(reason.what());
+        }
+    }
+
     void open() {
         system_ = source_.open();
         last_look_ = steady::now();
         if (!system_)
             return;
         const sound_status now = system_->status();
-        status_.tell(std::string{"plays through "} + now.system + " as " + now.device + ", "
+        status_.tell(std::string{"plays through "} + now.system + " as " + now.name + ", "
                      + std::to_string(now.rate_hz) + " Hz, " + std::to_string(now.block_frames)
                      + " frames");
         if (!now.remark.empty())
@@ -166,8 +164,8 @@ private:
         if (!system_ && steady::now() - last_look_ > between_looks)
             open();
         tell_news();
-        for (const std::string& news : learner_.tend())
-            status_.tell(news);
+        if (const auto learned = players_.take_learned())
+            status_.tell(keep_learned(*learned));
         if (!system_)
             return status_.show_absence();
         if (steady::now() - last_shown_ < between_lines)
@@ -175,7 +173,9 @@ private:
         last_shown_ = steady::now();
         const live_levels levels = live_.take_levels();
         if (std::ranges::max(levels.peaks) > static_cast<float>(silence_gain))
-            last_sound_ = steady::now();
+            last_sound_ = last_shown_;
+        if (levels.nb_held > 0)
+            last_stroke_ = last_shown_;
         status_.show(system_->status(), levels);
     }
 
@@ -202,20 +202,21 @@ private:
         }
     }
 
-    /// A song ends with its sound.
+    /// A song ends with its sound, and with what somebody plays to it.
     bool is_over() {
         if (!live_.song_has_ended())
             return false;
         const auto now = steady::now();
         if (!song_end_)
             song_end_ = now;
-        const bool is_silent = now - std::max(*song_end_, last_sound_) > end_patience;
-        return is_silent || now - *song_end_ > fade_patience;
+        const auto last_stroke = std::max(*song_end_, last_stroke_);
+        const bool is_silent = now - std::max(last_stroke, last_sound_) > end_patience;
+        return is_silent || now - last_stroke > fade_patience;
     }
 
     /// Lets the instrument fall silent before the sound goes.
     void end() {
-        live_.panic();
+        live_.finish();
         const auto deadline = steady::now() + end_patience;
         while (system_ && !live_.is_quiet() && steady::now() < deadline)
             std::this_thread::sleep_for(1ms);
@@ -223,12 +224,14 @@ private:
             std::this_thread::sleep_for(std::chrono::duration<double>(
                 2.0 * system_->status().block_frames / system_->status().rate_hz));
         system_.reset();
+        if (options_.p_swell)
+            options_.p_swell->set_pedal(1); // what is saved is the volume
     }
 
     status_line status_;
+    console_options options_;
     console players_;
     console songs_;
-    learner learner_{players_};
     live_instrument live_;
     sound_source source_;
     std::optional<play_panel> panel_{};
@@ -238,6 +241,7 @@ private:
     steady::time_point last_look_{};
     steady::time_point last_shown_{};
     steady::time_point last_sound_{};
+    steady::time_point last_stroke_{}; // a key was down
     std::optional<steady::time_point> song_end_{};
 };
 
@@ -253,9 +257,7 @@ void list(std::FILE* p_output) {
     print(p_output, text);
 }
 
-void save(plugin& instrument, const std::string& file) {
-    output_file output{std::filesystem::path{file}};
-    const std::string title = std::filesystem::path{file}.stem().string();
+void save(plugin& instrument, const std::string& title, output_file& output) {
     std::fputs(registration_text(instrument, title).c_str(), output.stream());
     output.finish();
 }
@@ -274,9 +276,13 @@ void play_run(const play_request& request, std::FILE* p_output) {
     });
     plugin instrument{request.plugin_file};
     instrument_set_up(instrument, request);
+    const std::filesystem::path saved{request.saved_file};
+    std::optional<output_file> output; // what cannot be written is said before hours of playing
+    if (!saved.empty())
+        output.emplace(saved);
     performance{request, instrument, std::move(song), p_output}.play();
-    if (!request.saved_file.empty())
-        save(instrument, request.saved_file);
+    if (output)
+        save(instrument, saved.stem().string(), *output);
 }
 
 std::string learned_text() {

@@ -53,7 +53,7 @@ void rehearse(plugin& instrument, const score& music, const midi_song& song,
         seconds += static_cast<double>(request.block_frames) / request.rate_hz;
         return before < rehearsed_seconds;
     };
-    console desk{instrument, instrument_console(request)};
+    console desk{instrument, instrument_console(request, instrument)};
     render_score(instrument, desk, music, song.tempi, options_of(request),
                  {.hear = [](std::span<const float>) {}, .goes_on = goes_on});
 }
@@ -73,7 +73,7 @@ timing render_sound(plugin& instrument, const score& music, const midi_song& son
                                            bar.show(done);
                                            return true;
                                        }};
-    console desk{instrument, instrument_console(request)};
+    console desk{instrument, instrument_console(request, instrument)};
     render_score(instrument, desk, music, song.tempi, options_of(request), listener);
     writer.finish();
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;

@@ -14,15 +14,12 @@ console::console(plugin& instrument, const console_options& options)
         table_.set(mapping, find_parameter(names_, mapping.parameter));
     for (const registration& program : options.programs)
         programs_.push_back(registration_resolve(program, names_));
-    if (options.expresses) {
-        volume_parameter_ = find_parameter(names_, "Volume");
-        volume_ = instrument.parameter(volume_parameter_);
-    }
 }
 
 void console::take(message_view message, int frame, event_list& list) noexcept {
-    const std::size_t channel = message_channel(message);
-    foot& sustain = feet_[channel];
+    if (options_.p_swell)
+        options_.p_swell->follow();
+    foot& sustain = feet_[message_channel(message)];
     switch (message_kind_of(message)) {
     case message_note_on:
     case message_note_off:
@@ -60,9 +57,8 @@ bool console::take_controller(message_view message, int frame, event_list& list)
             release_held(channel, frame, list);
         return true;
     }
-    if (options_.expresses && controller == controller_expression) {
-        expression_ = value;
-        move(volume_parameter_, volume_);
+    if (options_.p_swell && controller == controller_expression) {
+        options_.p_swell->set_pedal(value);
         return true;
     }
     if (options_.learns)
@@ -78,7 +74,7 @@ void console::learn(std::size_t channel, std::uint8_t controller) noexcept {
     if (parameter < 0)
         return;
     table_.set(channel, controller, {parameter, false});
-    learned_ = true;
+    learned_ = static_cast<int>(channel * nb_midi_values + controller);
 }
 
 void console::release_held(std::size_t channel, int frame, event_list& list) noexcept {
@@ -102,15 +98,25 @@ void console::draw(const std::vector<parameter_value>& values) noexcept {
 }
 
 void console::move(int parameter, float value) noexcept {
-    if (parameter == volume_parameter_) {
-        volume_ = value;
-        value *= expression_;
-    }
-    instrument_.set_parameter(parameter, value);
+    if (options_.p_swell && options_.p_swell->moves(parameter))
+        options_.p_swell->set_volume(value);
+    else
+        instrument_.set_parameter(parameter, value);
 }
 
 void console::touch(int parameter, float value) noexcept {
     touched_ = parameter;
-    if (parameter == volume_parameter_ && expression_ > 0)
-        volume_ = std::min(1.0f, value / expression_);
+    if (options_.p_swell && options_.p_swell->moves(parameter))
+        options_.p_swell->touch(value);
+}
+
+std::optional<control_mapping> console::take_learned() {
+    const int learned = learned_.exchange(-1);
+    if (learned < 0)
+        return std::nullopt;
+    const auto channel = static_cast<std::size_t>(learned) / nb_midi_values;
+    const auto controller = static_cast<std::size_t>(learned) % nb_midi_values;
+    const auto moved = table_.find(channel, controller);
+    return control_mapping{static_cast<int>(controller), static_cast<int>(channel) + 1,
+                           names_.at(static_cast<std::size_t>(moved->parameter)), false};
 }

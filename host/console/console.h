@@ -5,16 +5,17 @@
 
 #include "console/control_map.h"
 #include "console/registration.h"
+#include "console/swell.h"
 #include "plugin/event_list.h"
 
 #include <bitset>
 
 struct console_options {
-    bool sustains = false;  ///< controller 64 holds notes back from their end
-    bool expresses = false; ///< controller 11 scales the parameter Volume
-    bool learns = false;    ///< what is touched goes to the next controller that moves
+    bool sustains = false;            ///< controller 64 holds notes back from their end
+    bool learns = false;              ///< what is touched goes to the next controller that moves
+    std::shared_ptr<swell> p_swell{}; ///< that controller 11 moves; null for none
     std::vector<control_mapping> mappings{};
-    std::vector<registration> programs{}; ///< by program number
+    std::vector<registration> programs{}; ///< by program number; one without lines draws nothing
 };
 
 class console {
@@ -35,11 +36,8 @@ public:
     /// The player moved this parameter on the panel. [any]
     void touch(int parameter, float value) noexcept;
 
-    /// Whether a controller was learned since the last call; then mappings() tells. [ui]
-    [[nodiscard]] bool has_learned() noexcept { return learned_.exchange(false); }
-    [[nodiscard]] std::vector<control_mapping> mappings() const {
-        return table_.list(names_);
-    } ///< [any]
+    /// What was learned since the last call, if anything was. [ui]
+    [[nodiscard]] std::optional<control_mapping> take_learned();
 
 private:
     bool take_controller(message_view message, int frame, event_list& list) noexcept;
@@ -58,9 +56,6 @@ private:
     std::vector<std::vector<parameter_value>> programs_{};
     control_table table_{};
     std::array<foot, nb_midi_channels> feet_{};
-    int volume_parameter_ = -1;
-    std::atomic<float> volume_ = 0; // as it would be at full expression
-    std::atomic<float> expression_ = 1;
     std::atomic<int> touched_ = -1;
-    std::atomic<bool> learned_ = false;
+    std::atomic<int> learned_ = -1; // channel and controller, as below
 };

@@ -80,20 +80,3 @@ void control_table::set(const control_mapping& mapping, int parameter) {
             set(channel, static_cast<std::size_t>(mapping.controller),
                 {parameter, mapping.is_reversed});
 }
-
-std::vector<control_mapping> control_table::list(const std::vector<std::string>& names) const {
-    std::vector<control_mapping> mappings;
-    for (std::size_t controller = 0; controller < nb_midi_values; ++controller) {
-        const std::int32_t first = entries_[0][controller].load(std::memory_order_relaxed);
-        const bool is_common = std::ranges::all_of(entries_, [&](const auto& channel) {
-            return channel[controller].load(std::memory_order_relaxed) == first;
-        });
-        for (std::size_t channel = 0; channel < (is_common ? 1 : entries_.size()); ++channel)
-            if (const auto moved = find(channel, controller))
-                mappings.push_back(
-                    {static_cast<int>(controller),
-                     is_common ? std::nullopt : std::optional{static_cast<int>(channel) + 1},
-                     names.at(static_cast<std::size_t>(moved->parameter)), moved->is_reversed});
-    }
-    return mappings;
-}

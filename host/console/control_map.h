@@ -45,8 +45,6 @@ public:
                                              std::size_t controller) const noexcept;
 
     void set(const control_mapping& mapping, int parameter); ///< [setup]
-    /// As they stand, those of all channels as one. [any]
-    [[nodiscard]] std::vector<control_mapping> list(const std::vector<std::string>& names) const;
 
 private:
     // 0 for nothing, else the parameter's index plus 1, negative for reversed.

@@ -127,13 +127,14 @@ registration registration_find(const std::string& name_or_file) {
            + (names.empty() ? "none" : names) + ", and files named FILE.txt");
 }
 
-bool registration_fits(const registration& one, const std::vector<std::string>& parameters) {
-    try {
-        (void)registration_resolve(one, parameters);
-        return true;
-    } catch (const failure&) {
-        return false;
-    }
+bool registration_concerns(const registration& one, const std::vector<std::string>& parameters) {
+    return std::ranges::any_of(one.lines, [&parameters](const registration::line& line) {
+        try {
+            return find_parameter(parameters, line.setting.name) >= 0;
+        } catch (const failure&) {
+            return false;
+        }
+    });
 }
 
 std::vector<parameter_value> registration_resolve(const registration& chosen,

@@ -39,9 +39,9 @@ struct parameter_value {
 /// failure of misuse that says which there are.
 [[nodiscard]] registration registration_find(const std::string& name_or_file);
 
-/// Whether an instrument with these parameters has all that it names.
-[[nodiscard]] bool registration_fits(const registration& one,
-                                     const std::vector<std::string>& parameters);
+/// Whether an instrument with these parameters has any that it names.
+[[nodiscard]] bool registration_concerns(const registration& one,
+                                         const std::vector<std::string>& parameters);
 
 /// Where an instrument with these parameters has it. Throws a failure of misuse that names file and
 /// line of a parameter that is not there.

@@ -25,7 +25,7 @@ constexpr double load_share = 0.02;
 constexpr auto start_patience = 500ms;
 constexpr auto end_patience = 500ms;
 constexpr auto silence_patience = 5s; // a server may take two before its first block
-constexpr auto between_looks = 500ms;
+constexpr auto between_looks = 100ms; // sooner than a device comes back that was reset
 
 double seconds_now() {
     return std::chrono::duration<double>(steady::now().time_since_epoch()).count();
@@ -35,6 +35,10 @@ void say_nothing(const char*, int, const char*, int, const char*, ...) {}
 
 /// The library's own sentences tell of devices that it does not find.
 void silence_library() { snd_lib_error_set_handler(say_nothing); }
+
+// The end of the sentence by which the library tells that it went on after an underrun. All its
+// other errors in a stream are the last: it would try again and again without a pause.
+constexpr std::string_view recovered_underrun = "underrun.";
 
 // The library tells of the stream's errors, but not whose; a process plays one stream.
 std::atomic<bool> stream_failed = false;
@@ -172,6 +176,7 @@ public:
 
     sound_status status() const override {
         return {.system = "ALSA",
+                .name = device_,
                 .device = device_,
                 .rate_hz = rate_hz_,
                 .block_frames = static_cast<int>(block_frames_),
@@ -226,7 +231,9 @@ private:
                 return 0;
             },
             stream_.get(), &options,
-            [](RtAudioError::Type, const std::string&) { stream_failed = true; });
+            [](RtAudioError::Type, const std::string& text) {
+                stream_failed = stream_failed || !text.ends_with(recovered_underrun);
+            });
         if (!audio().isStreamOpen())
             return false;
         audio().showWarnings(true);
@@ -245,8 +252,7 @@ private:
             std::this_thread::sleep_for(1ms);
         const sched_param wanted{.sched_priority = priority};
         if (thread_ && pthread_setschedparam(thread_, SCHED_FIFO, &wanted) != 0)
-            remark_ = "no real-time priority; add yourself to the audio group and set rtprio in "
-                      "/etc/security/limits.d/audio.conf";
+            remark_ = no_priority;
     }
 
     void play(float* p_samples, RtAudioStreamStatus status) noexcept {

@@ -32,11 +32,11 @@ client_ptr open_client(const std::string& name, jack_status_t& status) {
     return client_ptr{jack_client_open(name.c_str(), JackUseExactName, &status)};
 }
 
-std::vector<std::string> port_names(jack_client_t* p_client, const char* type,
-                                    unsigned long flags) {
+std::vector<std::string> port_names(jack_client_t* p_client, const char* type, unsigned long flags,
+                                    const std::string& pattern = {}) {
     std::vector<std::string> names;
     const std::unique_ptr<const char* [], void (*)(void*)> found {
-        jack_get_ports(p_client, nullptr, type, flags), jack_free
+        jack_get_ports(p_client, pattern.c_str(), type, flags), jack_free
     };
     for (std::size_t i = 0; found && found[i]; ++i)
         names.emplace_back(found[i]);
@@ -68,7 +68,8 @@ public:
     jack_system& operator=(const jack_system&) = delete;
 
     bool start() {
-        instrument_.start(static_cast<int>(jack_get_sample_rate(client_.get())));
+        rate_hz_ = static_cast<int>(jack_get_sample_rate(client_.get()));
+        instrument_.start(rate_hz_);
         midi_ = add_port("midi_in", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput);
         for (std::size_t i = 0; i < nb_outputs; ++i)
             outputs_[i] = add_port("out_" + std::to_string(i + 1), JACK_DEFAULT_AUDIO_TYPE,
@@ -83,6 +84,12 @@ public:
             client_.get(), [](void* self) { as_system(self).gone_ = true; }, this);
         jack_set_xrun_callback(
             client_.get(), [](void* self) { return ++as_system(self).nb_underruns_, 0; }, this);
+        jack_set_port_connect_callback(
+            client_.get(),
+            [](jack_port_id_t one, jack_port_id_t other, int connects, void* self) {
+                as_system(self).hear_connection(one, other, connects != 0);
+            },
+            this);
         jack_set_process_callback(
             client_.get(),
             [](jack_nframes_t nb_frames, void* self) {
@@ -90,41 +97,39 @@ public:
                 return 0;
             },
             this);
-        if (jack_activate(client_.get()) != 0)
-            return false;
-        if (wishes_.connects)
-            connect_outputs();
-        return tend();
+        return jack_activate(client_.get()) == 0 && tend();
     }
 
     bool tend() override {
+        if (!gone_ && static_cast<int>(jack_get_sample_rate(client_.get())) != rate_hz_) {
+            news_.emplace_back("the server has another rate");
+            gone_ = true;
+        }
         if (gone_)
             return false;
-        if (wishes_.connects)
+        if (wishes_.connects) {
+            connect_outputs();
             connect_inputs();
-        const int nb_connections = jack_port_connected(midi_);
-        if (nb_connections < std::exchange(nb_connections_, nb_connections))
+        }
+        if (lost_input_.exchange(false))
             instrument_.release_keys();
         return true;
     }
 
     sound_status status() const override {
-        const int rate_hz = static_cast<int>(jack_get_sample_rate(client_.get()));
         const int block_frames = static_cast<int>(jack_get_buffer_size(client_.get()));
         jack_latency_range_t delay{};
         jack_port_get_latency_range(outputs_[0], JackPlaybackLatency, &delay);
         const auto delay_frames = std::max<double>(delay.max, block_frames);
         return {.system = "JACK",
-                .device = jack_get_client_name(client_.get()),
-                .rate_hz = rate_hz,
+                .name = jack_get_client_name(client_.get()),
+                .device = device(),
+                .rate_hz = rate_hz_,
                 .block_frames = block_frames,
-                .delay_ms = 1000 * delay_frames / rate_hz,
+                .delay_ms = 1000 * delay_frames / rate_hz_,
                 .load = static_cast<double>(jack_cpu_load(client_.get())) / 100,
                 .nb_underruns = nb_underruns_,
-                .remark =
-                    jack_is_realtime(client_.get())
-                        ? ""
-                        : "the JACK server runs without real-time priority; start it with -R"};
+                .remark = remark()};
     }
 
     std::vector<std::string> take_news() override { return std::exchange(news_, {}); }
@@ -150,6 +155,29 @@ private:
         instrument_.process(samples, nb_frames);
     }
 
+    std::string device() const {
+        return speakers_.empty() ? "" : speakers_[0].substr(0, speakers_[0].find(':'));
+    }
+
+    /// How to get the real-time priority that is missing.
+    std::string remark() const {
+        if (!jack_is_realtime(client_.get()))
+            return "the JACK server runs without real-time priority; start it with -R";
+        int policy = SCHED_OTHER;
+        sched_param parameters{};
+        pthread_getschedparam(jack_client_thread_id(client_.get()), &policy, &parameters);
+        return (policy & (SCHED_FIFO | SCHED_RR)) != 0 ? "" : no_priority;
+    }
+
+    /// One way or another an input has gone, though another may have come since.
+    void hear_connection(jack_port_id_t one, jack_port_id_t other, bool connects) {
+        if (!connects)
+            for (const jack_port_id_t id : {one, other})
+                if (jack_port_by_id(client_.get(), id) == midi_)
+                    lost_input_ = true;
+    }
+
+    /// Each speaker once, as it comes, like the sources below.
     void connect_outputs() {
         auto speakers = wishes_.device.empty()
                             ? port_names(client_.get(), JACK_DEFAULT_AUDIO_TYPE,
@@ -158,32 +186,44 @@ private:
         std::erase_if(speakers, [this](const std::string& port) {
             return !is_called(client_.get(), port, wishes_.device);
         });
-        if (speakers.empty())
-            news_.push_back("no output is there to connect to; a patch bay may connect out_1 and "
-                            "out_2");
-        for (std::size_t i = 0; i < std::min(nb_outputs, speakers.size()); ++i)
-            jack_connect(client_.get(), jack_port_name(outputs_[i]), speakers[i].c_str());
+        speakers.resize(std::min(nb_outputs, speakers.size()));
+        if (speakers.empty() && !std::exchange(has_told_silence_, true))
+            news_.emplace_back("no output is there to connect to; a patch bay may do it");
+        if (speakers == speakers_)
+            return;
+        for (std::size_t i = 0; i < speakers.size(); ++i)
+            if (std::ranges::find(speakers_, speakers[i]) == speakers_.end()
+                && !connect(jack_port_name(outputs_[i]), speakers[i]))
+                return; // its owner does not run yet
+        speakers_ = std::move(speakers);
+        has_told_silence_ = speakers_.empty();
+        news_.push_back(speakers_.empty() ? "the outputs are gone" : "sounds through " + device());
     }
 
     /// Each source once, as it comes: the player may take it away again.
     void connect_inputs() {
         const auto flags = JackPortIsOutput | (wishes_.midi.empty() ? JackPortIsPhysical : 0);
-        std::set<std::string> sources;
-        for (const std::string& port :
-             port_names(client_.get(), JACK_DEFAULT_MIDI_TYPE, static_cast<unsigned long>(flags)))
-            if (is_called(client_.get(), port, wishes_.midi))
-                sources.insert(port);
+        auto sources =
+            port_names(client_.get(), JACK_DEFAULT_MIDI_TYPE, static_cast<unsigned long>(flags));
+        std::erase_if(sources, [this](const std::string& port) {
+            return !is_called(client_.get(), port, wishes_.midi);
+        });
+        std::erase_if(sources_, [&](const std::string& port) {
+            const bool is_gone = std::ranges::find(sources, port) == sources.end();
+            if (is_gone)
+                news_.push_back(port + " is gone");
+            return is_gone;
+        });
         for (const std::string& port : sources)
-            if (!sources_.contains(port) && connect_input(port))
+            if (!sources_.contains(port) && connect(port, jack_port_name(midi_))) {
                 sources_.insert(port);
-        std::erase_if(sources_, [&](const std::string& port) { return !sources.contains(port); });
+                news_.push_back(port + " plays");
+            }
     }
 
-    /// Returns false where its owner does not run yet: a port is seen before that.
-    bool connect_input(const std::string& port) {
-        const int result = jack_connect(client_.get(), port.c_str(), jack_port_name(midi_));
-        if (result == 0)
-            news_.push_back(port + " plays");
+    /// Returns false where a port's owner does not run yet: it is seen before that.
+    bool connect(const std::string& source, const std::string& destination) {
+        const int result = jack_connect(client_.get(), source.c_str(), destination.c_str());
         return result == 0 || result == EEXIST;
     }
 
@@ -191,10 +231,13 @@ private:
     sound_wishes wishes_;
     jack_port_t* midi_ = nullptr;
     std::array<jack_port_t*, nb_outputs> outputs_{};
+    int rate_hz_ = 0;
+    std::vector<std::string> speakers_{};
     std::set<std::string> sources_{};
-    int nb_connections_ = 0;
+    bool has_told_silence_ = false;
     std::vector<std::string> news_{};
     std::atomic<bool> gone_ = false;
+    std::atomic<bool> lost_input_ = false;
     std::atomic<long> nb_underruns_ = 0;
     client_ptr client_; // last, so that it ends first
 };
@@ -206,11 +249,12 @@ std::unique_ptr<sound_system> jack_system_open(live_instrument& instrument,
     keep_library_quiet();
     for (int i = 1; i <= max_instances; ++i) {
         jack_status_t status = JackFailure;
-        auto client = open_client("tindelwax" + (i == 1 ? "" : "-" + std::to_string(i)), status);
+        const std::string name = "tindelwax" + (i == 1 ? "" : "-" + std::to_string(i));
+        auto client = open_client(name, status);
         if (!client && status & JackServerFailed)
             return nullptr;
-        if (!client)
-            continue; // somebody has that name
+        if (!client || !port_names(client.get(), nullptr, 0, "^" + name + ":").empty())
+            continue; // somebody has that name, which some servers give to two
         auto opened = std::make_unique<jack_system>(instrument, wishes, std::move(client));
         if (opened->start())
             return opened;

@@ -10,7 +10,7 @@ namespace {
 // Servers take up to 8,192 frames at once; the instrument gets them in pieces.
 constexpr std::size_t piece_frames = 1024;
 constexpr std::size_t max_arrivals = 4096;
-constexpr std::size_t max_own_messages = 2048;
+constexpr std::size_t max_releases = 4 * nb_midi_channels * nb_midi_notes; // keys and feet, twice
 constexpr double usual_tempo = 120;
 
 constexpr auto all_sound_off = [] {
@@ -28,7 +28,9 @@ bool is_whole(message_view message) {
     if (kind >= message_sysex)
         return kind == message_sysex;
     const bool is_short = kind == message_program_change || kind == message_channel_pressure;
-    return message.size() == (is_short ? 2u : 3u);
+    return message.size() == (is_short ? 2u : 3u)
+           && std::ranges::all_of(message.subspan(1),
+                                  [](std::uint8_t byte) { return byte < 0x80; });
 }
 
 void raise_to(std::atomic<float>& peak, float level) {
@@ -42,8 +44,8 @@ live_instrument::live_instrument(plugin& instrument, console& players, console& 
                                  live_song song)
     : instrument_{instrument}, players_{players}, songs_{songs}, song_{std::move(song)} {
     arrivals_.reserve(max_arrivals);
-    own_messages_.reserve(max_own_messages);
-    list_.reserve(max_arrivals);
+    own_messages_.reserve(message_queue::capacity);
+    list_.reserve(max_arrivals + max_releases + all_sound_off.size());
 }
 
 void live_instrument::start(int rate_hz) {
@@ -75,7 +77,10 @@ void live_instrument::take(message_view message, std::size_t frame) noexcept {
 void live_instrument::process(std::span<float* const> outputs, std::size_t nb_frames) noexcept {
     denormals_turn_off();
     take_wishes();
-    add_song(nb_frames);
+    if (is_finished_) // which is said before the last panic is asked for
+        arrivals_.clear();
+    else
+        add_song(nb_frames);
     std::sort(arrivals_.begin(), arrivals_.end(), [](const arrival& one, const arrival& other) {
         return std::pair{one.frame, one.order} < std::pair{other.frame, other.order};
     });
@@ -106,8 +111,9 @@ void live_instrument::take_wishes() noexcept {
         release_all(player_keys_, players_);
     if (asked_panic_.exchange(false))
         silence_all();
-    while (const auto message = panel_keys_.pop()) {
-        if (own_messages_.size() == max_own_messages)
+    while (own_messages_.size() < message_queue::capacity) {
+        const auto message = panel_keys_.pop();
+        if (!message)
             break;
         own_messages_.push_back(message->bytes);
         add(own_messages_.back(), 0, origin::player);

@@ -43,6 +43,11 @@ public:
     void release(int note);
     void release_keys() { asked_release_ = true; } ///< all that the player holds; feet as well
     void panic() { asked_panic_ = true; }          ///< and what sounds ends
+    /// Panics, and from then on plays nothing: neither the song nor what comes.
+    void finish() {
+        is_finished_ = true;
+        panic();
+    }
     [[nodiscard]] bool is_quiet() const { return !asked_panic_; } ///< since it was panicked
     [[nodiscard]] bool song_has_ended() const { return song_has_ended_; }
     [[nodiscard]] double song_seconds() const { return song_.song.seconds; }
@@ -88,6 +93,7 @@ private:
     message_queue panel_keys_{};
     std::atomic<bool> asked_release_ = false;
     std::atomic<bool> asked_panic_ = false;
+    std::atomic<bool> is_finished_ = false;
     std::atomic<bool> song_has_ended_ = false;
     std::array<std::atomic<float>, 2> peaks_{};
     std::atomic<int> nb_held_ = 0;

@@ -5,12 +5,10 @@
 
 namespace {
 
-constexpr std::size_t nb_messages = 1024;
-
 jack_ringbuffer_t* as_ring(void* p_ring) { return static_cast<jack_ringbuffer_t*>(p_ring); }
 
 jack_ringbuffer_t* create() {
-    if (auto* p_ring = jack_ringbuffer_create(nb_messages * sizeof(timed_message)))
+    if (auto* p_ring = jack_ringbuffer_create(message_queue::capacity * sizeof(timed_message)))
         return p_ring;
     throw std::bad_alloc{};
 }

@@ -16,9 +16,11 @@ struct timed_message {
 
 class message_queue {
 public:
+    static constexpr std::size_t capacity = 1024;
+
     message_queue();
 
-    void push(const timed_message& message) noexcept; ///< drops it if 1,000 wait. [one thread]
+    void push(const timed_message& message) noexcept; ///< drops it if so many wait. [one thread]
     std::optional<timed_message> pop() noexcept;      ///< [audio]
 
 private:

@@ -15,7 +15,8 @@ struct sound_wishes {
 
 struct sound_status {
     const char* system; ///< in one word
-    std::string device;
+    std::string name;   ///< by which the system knows us
+    std::string device; ///< that is heard; empty for none
     int rate_hz;
     int block_frames;
     double delay_ms; ///< from a key to the air, without the converter's own
@@ -23,6 +24,11 @@ struct sound_status {
     long nb_underruns;
     std::string remark{}; ///< how it could be better
 };
+
+/// How a thread gets the priority that the system did not grant.
+constexpr const char* no_priority =
+    "no real-time priority; add yourself to the audio group and set "
+    "rtprio in /etc/security/limits.d/audio.conf";
 
 class sound_system {
 public:

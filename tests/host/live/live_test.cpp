@@ -19,8 +19,14 @@ constexpr int rate_hz = 48000;
 /// An instrument, ready to be played.
 struct player {
     plugin instrument{TEST_INSTRUMENT};
-    console players{instrument, {}};
-    console songs{instrument, {}};
+    std::shared_ptr<swell> pedal = std::make_shared<swell>(instrument);
+    console players{instrument,
+                    {.sustains = true,
+                     .learns = true,
+                     .p_swell = pedal,
+                     .mappings = {{74, std::nullopt, "Contour", true}},
+                     .programs = {{.lines = {{1, {"Flute", 1.0f}}}}}}};
+    console songs{instrument, {.p_swell = pedal}};
     live_instrument live;
 
     explicit player(live_song song = {}) : live{instrument, players, songs, std::move(song)} {}
@@ -425,20 +431,46 @@ TEST(LiveInstrument, ASongEndsAllItsSoundWhereItJumps) {
     EXPECT_NE(log.find("24000: BF 78 00\n24000: 90 3C 40\n48000: C0 "), log.npos) << log;
 }
 
-TEST(LiveInstrument, ItsBlocksCallNothingThatAudioThreadsMustNot) {
+TEST(LiveInstrument, TheSwellPedalScalesWhatAnythingElseSets) {
+    constexpr int volume = 6;
     player played;
+    played.live.start(rate_hz);
+    float samples[64];
+    float* const output = samples;
+    const auto after = [&](std::uint8_t controller, std::uint8_t value) {
+        const short_message message = message_make(message_control_change, 0, controller, value);
+        played.live.take(message, 0);
+        played.live.process({&output, 1}, std::size(samples));
+        return played.instrument.parameter(volume) * 127;
+    };
+    EXPECT_NEAR(after(controller_expression, 0), 0, 1e-4);
+    EXPECT_NEAR(after(7, 20), 20, 1e-4) << "the instrument's own";
+    EXPECT_NEAR(after(1, 0), 0, 1e-4) << "now that the pedal has seen it";
+    EXPECT_NEAR(after(controller_expression, 127), 20, 1e-4);
+    played.instrument.set_parameter(volume, 0.5f);
+    played.players.touch(volume, 0.5f);
+    EXPECT_NEAR(after(controller_expression, 0), 0, 1e-4);
+    EXPECT_NEAR(after(controller_expression, 127), 63.5f, 1e-4);
+}
+
+TEST(LiveInstrument, ItsBlocksCallNothingThatAudioThreadsMustNot) {
+    player played{{.song = midi_file_read(midi_bytes::song(0, 480, {"00 90 3C 40 20 C0 00"})),
+                   .loops = true}};
     played.live.start(rate_hz);
     std::vector<float> left(8192), right(8192);
     float* const outputs[] = {left.data(), right.data()};
-    std::array<short_message, 200> messages;
+    constexpr message_kind kinds[] = {message_note_on, message_control_change, message_note_off,
+                                      message_program_change};
+    std::array<short_message, 512> messages;
     for (std::size_t i = 0; i < messages.size(); ++i)
-        messages[i] =
-            message_make(i % 3 ? message_note_on : message_control_change, i % 16, i % 128, 100);
+        messages[i] = message_make(kinds[i % 4], i % 3, i / 4 % 140, 100); // some with bad data
     for (const std::size_t nb_frames : {64u, 100u, 8192u}) {
         played.live.press(60);
         watched_calls_begin();
         for (std::size_t i = 0; i < messages.size(); ++i)
-            played.live.take(messages[i], i * nb_frames / messages.size());
+            played.live.take(message_view{messages[i]}.first(messages[i][0] < 0xC0 ? 3 : 2),
+                             i * nb_frames / messages.size());
+        played.players.touch(6, 0.5f);
         played.live.process(outputs, nb_frames);
         played.live.panic();
         played.live.process(outputs, nb_frames);
