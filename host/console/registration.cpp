@@ -11,6 +11,8 @@
 #include <charconv>
 #include <cstring>
 #include <fstream>
+#include <iomanip>
+#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -102,16 +104,18 @@ std::vector<registration> registrations_list() {
 }
 
 std::string registrations_text() {
-    constexpr std::size_t title_column = 18;
-    std::string text;
+    constexpr int number_width = 3, name_width = 18;
+    std::ostringstream text;
+    int program = 0;
     for (const registration& one : registrations_list()) {
-        std::string name = printable(one.name);
-        name.resize(std::max(title_column, name.size() + 2), ' ');
-        text += name + printable(one.title) + "\n";
+        text << std::setw(number_width) << std::right << program++ << "  " << std::setw(name_width)
+             << std::left << printable(one.name) + "  " << printable(one.title) << '\n';
         if (!one.comment.empty())
-            text += std::string(title_column, ' ') + printable(one.comment) + "\n";
+            text << std::string(number_width + 2 + name_width, ' ') << printable(one.comment)
+                 << '\n';
     }
-    return text + "Your own are files NAME.txt in " + printable(folders().front().string()) + "\n";
+    text << "Your own are files NAME.txt in " << printable(folders().front().string()) << '\n';
+    return text.str();
 }
 
 registration registration_find(const std::string& name_or_file) {

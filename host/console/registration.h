@@ -32,7 +32,8 @@ struct parameter_value {
 /// hides another's of that name. Files that cannot be read are told of and left out.
 [[nodiscard]] std::vector<registration> registrations_list();
 
-/// The list for people: names, titles and comments, and where more can be put.
+/// The list for people: program numbers as messages count them, from 0, names, titles and comments,
+/// and where more can be put.
 [[nodiscard]] std::string registrations_text();
 
 /// The registration of that name, in upper or lower case, or in the file of that name. Throws a
