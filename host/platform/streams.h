@@ -18,6 +18,9 @@ void join_output_to_errors();
 
 [[nodiscard]] bool is_terminal(std::FILE* stream);
 
+/// The width of the stream's terminal; 80 where it is not known.
+[[nodiscard]] int terminal_columns(std::FILE* stream);
+
 /// Where there is room for large files for a while: what TMPDIR says, or else a folder that lies on
 /// disk, as /tmp often does not.
 [[nodiscard]] std::filesystem::path scratch_folder();

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -43,6 +44,13 @@ void join_output_to_errors() {
 }
 
 bool is_terminal(std::FILE* stream) { return stream && isatty(fileno(stream)); }
+
+int terminal_columns(std::FILE* stream) {
+    constexpr int usual = 80;
+    winsize size{};
+    const bool is_known = ioctl(fileno(stream), TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return is_known ? size.ws_col : usual;
+}
 
 std::FILE* open_nameless_file(const std::filesystem::path& folder) {
     if (access(descriptor_folder, X_OK) != 0)
