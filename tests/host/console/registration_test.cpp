@@ -1,6 +1,4 @@
 #include "console/console.h"
-#include "platform/user_folders.h"
-#include "tests/temporary_folder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -35,19 +33,6 @@ TEST(Registration, EachIsFarFromFullScaleAndAboutAsLoudAsTheOthers) {
         }
     }
     EXPECT_LT(10 * std::log10(std::ranges::max(powers) / std::ranges::min(powers)), 3);
-}
-
-TEST(Registration, TheListCountsAsProgramChangesDo) {
-    const temporary_folder data;
-    setenv("XDG_DATA_HOME", data.path.c_str(), 1);
-    const std::string own = user_data_folder() / "registrations";
-    std::filesystem::create_directories(own);
-    file_write(own + "/b.txt", std::string{"# Last\nMix=1"});
-    file_write(own + "/a.txt", std::string{"# First\n# Soft.\nMix=1"});
-    const std::string gap(16, ' '), text = registrations_text();
-    EXPECT_TRUE(text.starts_with("  0  a " + gap + "First\n       " + gap + "Soft.\n  1  b " + gap
-                                 + "Last\n"))
-        << text;
 }
 
 } // namespace

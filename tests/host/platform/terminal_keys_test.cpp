@@ -1,47 +1,34 @@
 #include "platform/terminal_keys.h"
 
-#include <map>
-
 #include <gtest/gtest.h>
 
 namespace {
 
+using namespace std::chrono_literals;
+
 TEST(KeyStrokes, AHeldKeyIsStruckOnce) {
-    struct row {
-        std::map<int, std::u32string> characters, struck; // by ms
-    };
-    for (const auto& [characters, struck] : std::vector<row>{
-             {{{0, U"z"}, {500, U"z"}, {540, U"z"}, {580, U"z"}, {670, U"z"}}, {{0, U"z"}}}, // held
-             {{{0, U"z"}, {250, U"zz"}, {950, U"z"}}, {{0, U"z"}, {950, U"z"}}},
-             {{{0, U"z"}, {150, U"z"}}, {{0, U"z"}, {150, U"z"}}}, // faster than any delay
-             {{{0, U"z"}, {300, U"z"}}, {{0, U"z"}, {400, U"z"}}}, // but nothing followed
-             {{{0, U"z"}, {300, U"z"}, {310, U"x"}}, {{0, U"z"}, {310, U"zx"}}},
-             {{{0, U"zxz"}}, {{0, U"zxz"}}}}) {
+    for (const auto& [typed, expected] : // every 50 ms
+         {std::pair{U"z.........zzz....", U"z................"},
+          {U"z..z..............z", U"z..z..............z"}, // faster than any delay, and slower
+          {U"z.....z...", U"z.......z."},                   // but nothing followed
+          {U"z.....zxz", U"z......zxz"}}) {
         key_strokes keys;
-        std::map<int, std::u32string> told;
-        for (int ms = 0; ms < 2000; ms += 10) {
-            const auto came = characters.find(ms);
-            const auto now = key_strokes::time{std::chrono::milliseconds{ms}};
-            const auto strokes = keys.take(came == characters.end() ? U"" : came->second, now);
-            if (!strokes.empty())
-                told[ms] = strokes;
+        std::u32string struck;
+        key_strokes::time now{};
+        for (const char32_t character : std::u32string{typed}) {
+            const bool is_typed = character != U'.';
+            const auto told = keys.take(std::u32string(is_typed, character), now += 50ms);
+            struck += told.empty() ? U"." : told;
         }
-        EXPECT_TRUE(told == struck) << characters.rbegin()->first << " ms";
+        EXPECT_TRUE(struck == expected) << struck.size();
     }
 }
 
 TEST(TerminalKeys, ReportsTellOfPressesAndReleasesAlone) {
-    using what = terminal_key::what;
-    std::string text =
-        "Z\x1B[122u\x1B[122;1:2u\x1B[122;5:3u\x1B[122;5:1u\x1B[1103::122;65:1u\x1B[12";
-    const auto keys = terminal_keys_parse(text);
-    const std::vector expected{what::struck, what::pressed, what::released, what::pressed};
-    ASSERT_EQ(keys.size(), expected.size());
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        EXPECT_EQ(keys[i].happened, expected[i]) << i;
-        EXPECT_EQ(keys[i].character, U'z') << i;
-    }
-    EXPECT_EQ(text, "\x1B[12") << "waits for its end";
+    std::string told, text = "Z\x1B[122u\x1B[122;1:2u\x1B[122;5:3u\x1B[122;5u\x1B[1103::122;65u";
+    for (const terminal_key& key : terminal_keys_parse(text))
+        told += {"prs"[static_cast<int>(key.happened)], static_cast<char>(key.character)};
+    EXPECT_EQ(told, "szpzrzpz");
 }
 
 } // namespace
