@@ -4,10 +4,10 @@
 #include <chrono>
 #include <thread>
 
-/// Repeats a look until it succeeds, for ten seconds at most.
+/// Repeats a look until it succeeds, for a minute at most.
 template <typename Look>
 [[nodiscard]] bool comes_true(Look look) {
-    for (int i = 0; i < 2000; ++i) {
+    for (int i = 0; i < 12000; ++i) {
         if (look())
             return true;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));

@@ -57,7 +57,7 @@ public:
         pollfd stream{output_, POLLIN, 0};
         for (std::size_t found = 0; (found = text_.find(words)) == text_.npos;) {
             char piece[4096];
-            if (poll(&stream, 1, 10000) <= 0)
+            if (poll(&stream, 1, 60000) <= 0)
                 return false;
             const auto nb = read(output_, piece, sizeof piece);
             if (nb <= 0)
