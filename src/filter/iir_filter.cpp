@@ -1,6 +1,7 @@
 #include "filter/iir_filter.h"
 
 #include <algorithm>
+#include <cmath>
 #include <type_traits>
 
 namespace {
@@ -85,6 +86,14 @@ void iir_process_second_order(float* z, const float* a, const float* b, std::spa
         z[0] = z[1] = z1;
         z[2] = z2;
     });
+}
+
+bool iir_filter_settle(filter* p_filter, float inaudible) noexcept {
+    const auto is_inaudible = [=](float z) { return std::abs(z) < inaudible; };
+    if (!std::ranges::all_of(p_filter->z_buff, is_inaudible))
+        return false;
+    std::ranges::fill(p_filter->z_buff, 0.0f);
+    return true;
 }
 
 void iir_filter_process(filter* p_filter, std::span<const float> src, std::span<float> dest,

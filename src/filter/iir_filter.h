@@ -24,6 +24,10 @@ void iir_process_first_order(float* z, const float* a, const float* b, std::span
 void iir_process_second_order(float* z, const float* a, const float* b, std::span<const float> src,
                               std::span<float> dest, int add, float gain) noexcept NONBLOCKING;
 
+/// Ends a state whose every value is below `inaudible`: zeros follow where zeros go in. Returns
+/// whether the state is all zeros. [audio]
+bool iir_filter_settle(filter* p_filter, float inaudible) noexcept NONBLOCKING;
+
 /// The whole filter over a block. A cascade does nothing with a block longer than its block_size; a
 /// filter without a selected rate does nothing at all. [audio]
 void iir_filter_process(filter* p_filter, std::span<const float> src, std::span<float> dest,

@@ -13,6 +13,7 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <optional>
 
 /// The rates that the filters are designed for. 48000 comes last, so that its sets are in use
 /// before any rate is set.
@@ -75,6 +76,10 @@ struct korvel {
     std::atomic<int> sound_output_mode = 0;                           ///< korvel_output_mode
     std::array<std::atomic<contour_coeffs>, s_rate.size()> contour{}; ///< by position in s_rate
     std::size_t selected_rate = s_rate.size() - 1; ///< position in s_rate of the filters' sets
+
+    bool bass_has_segment = false; ///< part of this block's bass lies in its buffer already
+    /// At rest, when nothing sounds and nothing rings on: the stops that were on then.
+    std::optional<unsigned> resting_stops{};
 };
 
 static_assert(std::atomic<contour_coeffs>::is_always_lock_free);

@@ -1,5 +1,6 @@
 #include "korvel/render.h"
 
+#include "filter/iir_filter.h"
 #include "filter/iir_lanes.h"
 #include "korvel/filtered_zelm_oscs.h"
 #include "korvel/fir_brickwall.h"
@@ -13,6 +14,9 @@ constexpr unsigned last_manual_osc = 60;
 constexpr unsigned last_bass_osc = 11;
 constexpr double output_gain = 10000.0;
 constexpr double bass_output_gain = 200.0;
+// States below that are heard 600 dB below full scale at most, whatever the volumes.
+constexpr float inaudible_stop = 1e-35f;
+constexpr float inaudible_output = 1e-37f;
 
 bool is_on(const std::atomic<float>& value) {
     return value.load(std::memory_order_relaxed) >= 0.5f;
@@ -49,20 +53,38 @@ void select_contour(korvel* p_korvel) {
     p_filter->a_coeffs[1] = c.a1;
 }
 
+/// Bit i stands for stop i, if it is on.
+unsigned stops_on(const korvel* p_korvel) {
+    unsigned stops = 0;
+    for (std::size_t i = 0; i < korvel_nb_stops; ++i)
+        stops |= static_cast<unsigned>(is_on(p_korvel->stops[i])) << i;
+    return stops;
+}
+
 /// The stops, the contour of their sum, and the bass's output filter. A stop that is off is left
 /// out, and its state stands still.
-void filter_voices(korvel* p_korvel, std::span<const float> source) {
+void filter_voices(korvel* p_korvel, unsigned stops, std::span<const float> source) {
     const auto& filters = p_korvel->p_organ->p_filters;
     std::array<filter*, korvel_nb_stops> enabled;
     std::size_t nb_enabled = 0;
     for (std::size_t i = 0; i < korvel_nb_stops; ++i)
-        if (is_on(p_korvel->stops[i]))
+        if (stops >> i & 1u)
             enabled[nb_enabled++] = filters[i].get();
     select_contour(p_korvel);
     iir_filters_process(std::span(enabled).first(nb_enabled), source, p_korvel->p_filter,
                         {filters[filter_out].get(), p_korvel->p_filter, p_korvel->p_filter_organ},
                         {filters[filter_out_bass].get(), p_korvel->p_tonegenerator_buffer_bass,
                          p_korvel->p_filter_bass});
+}
+
+/// After a block of silence: whether the filters that are in use have come to rest as well.
+bool settle_filters(const korvel* p_korvel, unsigned stops) {
+    const auto& filters = p_korvel->p_organ->p_filters;
+    for (std::size_t i = 0; i < korvel_nb_stops; ++i)
+        if (stops >> i & 1u && !iir_filter_settle(filters[i].get(), inaudible_stop))
+            return false;
+    return iir_filter_settle(filters[filter_out].get(), inaudible_output)
+           && iir_filter_settle(filters[filter_out_bass].get(), inaudible_output);
 }
 
 void scale(std::span<const float> src, float gain, std::span<float> dest) {
@@ -131,11 +153,13 @@ void render_callback_bass(korvel* p_korvel, playing_key* p_key, unsigned len) no
         return;
     const unsigned osc = p_contact->oscillators[0];
     const float conductance = p_contact->conductance[0];
-    if (is_whole_block(p_key, len))
+    if (is_whole_block(p_key, len)) {
         tone_generator_add_sustained_oscillator(tone_generator(p_korvel), osc, conductance);
-    else
-        tonegenerator_process(tone_generator(p_korvel), osc, p_korvel->p_tonegenerator_buffer_bass,
-                              p_key->frame_index, len, nullptr, conductance);
+        return;
+    }
+    p_korvel->bass_has_segment = true;
+    tonegenerator_process(tone_generator(p_korvel), osc, p_korvel->p_tonegenerator_buffer_bass,
+                          p_key->frame_index, len, nullptr, conductance);
 }
 
 void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
@@ -146,21 +170,40 @@ void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
     const std::span<float> bass = p_korvel->p_tonegenerator_buffer_bass;
 
     held_keys_register(p_korvel->held, p_organ->p_harpmatrixes[0].get(), p_tg);
-    tone_generator_next(p_tg, manual, first_manual_osc, last_manual_osc);
-    tone_generator_next(p_tg, bass, 0, last_bass_osc);
+    const bool manual_sounds = tone_generator_next(p_tg, manual, first_manual_osc, last_manual_osc);
+    const bool bass_sounds =
+        tone_generator_next(p_tg, bass, 0, last_bass_osc) || p_korvel->bass_has_segment;
+    p_korvel->bass_has_segment = false;
     tonegenerator_reset_sustain(p_tg);
 
-    vibrato_process(p_korvel->p_vibrato.get(), manual, p_korvel->p_post_scanner);
-    filter_voices(p_korvel, is_on(p_korvel->vibrato_on) ? p_korvel->p_post_scanner : manual);
+    vibrato* p_vibrato = p_korvel->p_vibrato.get();
+    const unsigned stops = stops_on(p_korvel);
+    const bool is_silent = !manual_sounds && !bass_sounds && vibrato_is_empty(p_vibrato);
+    if (is_silent && p_korvel->resting_stops == stops) {
+        vibrato_skip(p_vibrato, manual.size());
+        std::ranges::fill(out_r, 0.0f);
+        std::ranges::fill(out_l, 0.0f);
+        return;
+    }
+
+    if (manual_sounds)
+        vibrato_process(p_vibrato, manual, p_korvel->p_post_scanner);
+    else
+        vibrato_process_silence(p_vibrato, p_korvel->p_post_scanner);
+    filter_voices(p_korvel, stops, is_on(p_korvel->vibrato_on) ? p_korvel->p_post_scanner : manual);
     write_outputs(p_korvel, out_r, out_l);
 
     std::ranges::fill(manual, 0.0f);
     std::ranges::fill(bass, 0.0f);
+    p_korvel->resting_stops.reset();
+    if (is_silent && settle_filters(p_korvel, stops))
+        p_korvel->resting_stops = stops;
 }
 
 void korvel_set_block_size(korvel*, int) {}
 
 void korvel_set_sampling_rate(korvel* p_korvel, int sampling_rate) {
+    p_korvel->resting_stops.reset();
     const float* taps = fir_brickwall_find(sampling_rate);
     filter_set_b_coeffs(p_korvel->p_organ->p_filters[filter_brickwall].get(),
                         taps ? taps : fir_brickwall_coeffs[0]);

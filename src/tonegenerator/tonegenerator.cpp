@@ -165,12 +165,14 @@ void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned o
         curve[i] += p_env[i] * conductance;
 }
 
-void tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned osc_start,
+bool tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned osc_start,
                          unsigned osc_end) noexcept {
+    if (p_tg->nb_sustained_oscs == 0 && p_tg->nb_non_sustained_oscs == 0)
+        return false;
     std::array<unsigned, max_nb_buffers> numbers;
     const auto in_use = oscillators_in_use(p_tg, osc_start, osc_end, numbers);
     if (in_use.empty())
-        return;
+        return false;
     std::array<gained_wave, max_nb_buffers> waves;
     const std::size_t nframes =
         std::min(dest.size(), static_cast<std::size_t>(std::max(p_tg->block_size, 0)));
@@ -180,6 +182,7 @@ void tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned os
             waves[i] = play(p_tg, in_use[i], start, chunk.size());
         wave_sum_add(std::span(waves).first(in_use.size()), chunk);
     }
+    return true;
 }
 
 void tonegenerator_reset_sustain(tonegenerator* p_tg) noexcept {

@@ -76,9 +76,9 @@ void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned o
                                                  float conductance) noexcept NONBLOCKING;
 
 /// Adds the oscillators osc_start to osc_end inclusive to `dest` of block_size frames, in the order
-/// of their numbers, which does not depend on how time is cut into blocks. Clears nothing: render a
-/// range once a block. [audio]
-void tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned osc_start,
+/// of their numbers, which does not depend on how time is cut into blocks. Returns whether any
+/// sounds. Clears nothing: render a range once a block. [audio]
+bool tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned osc_start,
                          unsigned osc_end) noexcept NONBLOCKING;
 
 /// Forgets all gains of the block. [audio]

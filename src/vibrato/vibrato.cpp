@@ -1,5 +1,6 @@
 #include "vibrato/vibrato.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -56,6 +57,7 @@ void vibrato_update_stator_increment(vibrato* p_vibrato) {
 
 void vibrato_process(vibrato* p_vibrato, std::span<const float> in, std::span<float> out) noexcept {
     p_vibrato->current_level = 0;
+    p_vibrato->nb_silent = 0;
     const vibrato_offset_table& table = p_vibrato->offset_table[0];
     float* const ring = p_vibrato->p_internal_buffer.data();
     const std::uint32_t increment = p_vibrato->stator_increment;
@@ -80,4 +82,19 @@ void vibrato_process(vibrato* p_vibrato, std::span<const float> in, std::span<fl
 
     p_vibrato->stator = stator;
     p_vibrato->out_pos = out_pos;
+}
+
+void vibrato_process_silence(vibrato* p_vibrato, std::span<float> out) noexcept {
+    std::ranges::fill(out, 0.0f);
+    if (vibrato_is_empty(p_vibrato))
+        return vibrato_skip(p_vibrato, out.size());
+    const std::size_t nb_silent = p_vibrato->nb_silent;
+    vibrato_process(p_vibrato, out, out);
+    p_vibrato->nb_silent = nb_silent + out.size();
+}
+
+void vibrato_skip(vibrato* p_vibrato, std::size_t nb_frames) noexcept {
+    const auto steps = static_cast<std::uint32_t>(nb_frames);
+    p_vibrato->stator = (p_vibrato->stator + steps * p_vibrato->stator_increment) & stator_mask;
+    p_vibrato->out_pos = (p_vibrato->out_pos + steps) & ring_mask;
 }

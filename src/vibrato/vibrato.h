@@ -31,6 +31,8 @@ struct vibrato {
     unsigned chorus_mode = 0;           ///< not consulted
     std::vector<vibrato_offset_table> offset_table; ///< a level: write offsets, 16.16 fixed point
     std::array<float, vibrato_ring_long> p_internal_buffer{};
+    std::size_t nb_silent = vibrato_ring_long; ///< zeros since sound came in; the ring's length of
+                                               ///< them leaves it all zeros
 };
 
 /// Returns a vibrato with a depth for each of `nb_levels` levels, at least one: the delay swings
@@ -53,3 +55,14 @@ void vibrato_update_stator_increment(vibrato* p_vibrato);
 /// Runs a block from `in` into `out`, of the same length; they may be the same samples. [audio]
 void vibrato_process(vibrato* p_vibrato, std::span<const float> in,
                      std::span<float> out) noexcept NONBLOCKING;
+
+/// The same for a block of zeros. [audio]
+void vibrato_process_silence(vibrato* p_vibrato, std::span<float> out) noexcept NONBLOCKING;
+
+/// Whether zeros come out as long as zeros go in. [audio]
+inline bool vibrato_is_empty(const vibrato* p_vibrato) noexcept NONBLOCKING {
+    return p_vibrato->nb_silent >= vibrato_ring_long;
+}
+
+/// Goes on by a block of zeros that nobody asks for. It must be empty. [audio]
+void vibrato_skip(vibrato* p_vibrato, std::size_t nb_frames) noexcept NONBLOCKING;
