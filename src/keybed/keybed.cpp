@@ -186,6 +186,11 @@ void keybed_next(keybed* p_keybed, int nframes) noexcept {
     if (p_keybed->p_key_list->len > 0) {
         for (const auto* elem = p_keybed->p_key_list->first; elem; elem = elem->next) {
             playing_key& key = key_of(elem);
+            if (key.key_state == key_sustain && key.frame_index == 0) { // as most keys mostly do
+                key.remain = block;
+                p_keybed->keybed_callback(&key, block);
+                continue;
+            }
             keybed_update_key(&key, nframes);
             if (key.key_state == key_sustain) {
                 key.frame_index = 0;

@@ -43,10 +43,10 @@ void held_keys_reserve(held_keys& held, int nb_oscs) {
 }
 
 void held_keys_register(held_keys& held, const harpmatrix* p_matrix, tonegenerator* p_tg) noexcept {
-    if (held.keys != held.summed)
+    if (held.keys != held.summed) {
         sum_conductances(held, p_matrix);
-    tone_generator_add_sustained_oscillators(
-        p_tg, std::span(held.oscillators).first(held.nb_oscillators),
-        std::span(held.conductances).first(held.nb_oscillators));
+        tone_generator_hold(p_tg, std::span(held.oscillators).first(held.nb_oscillators),
+                            std::span(held.conductances).first(held.nb_oscillators));
+    }
     held.keys = 0;
 }

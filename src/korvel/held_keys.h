@@ -1,7 +1,7 @@
 #pragma once
 /// The manual keys that sustain through a whole block, and what they add to each oscillator. Most
 /// blocks hold the same keys as the block before: then the sums of the wiring's conductances,
-/// formed over the keys by index, stand already, and a key costs one bit.
+/// formed over the keys by index, hold already, and a key costs one bit.
 
 #include "harpmatrix/harpmatrix.h"
 #include "realtime/nonblocking.h"
@@ -29,6 +29,6 @@ inline void held_keys_add(held_keys& held, unsigned key) noexcept NONBLOCKING {
     held.keys |= std::uint64_t{1} << key;
 }
 
-/// Adds what contact 0 of the held keys gives to the tone generator, and forgets the keys. [audio]
+/// Has the tone generator hold what contact 0 of the held keys gives, and forgets the keys. [audio]
 void held_keys_register(held_keys& held, const harpmatrix* p_matrix,
                         tonegenerator* p_tg) noexcept NONBLOCKING;

@@ -42,9 +42,8 @@ void add_buffers(korvel* p_korvel) {
     buffers_add(p_buffers, "swell_buffer", &p_korvel->p_swell_buffer);
 }
 
-std::unique_ptr<keybed> create_keybed(korvel* p_korvel, int nb_keys, const char* name,
-                                      void (*render)(korvel*, playing_key*,
-                                                     unsigned) noexcept NONBLOCKING) {
+template <auto render>
+std::unique_ptr<keybed> create_keybed(korvel* p_korvel, int nb_keys, const char* name) {
     std::unique_ptr<keybed> p_keybed(keybed_create(nb_keys, korvel_first_note, name));
     p_keybed->keybed_callback = [=](playing_key* p_key, unsigned len) {
         render(p_korvel, p_key, len);
@@ -57,7 +56,7 @@ void create_voices(korvel* p_korvel) {
     organ* p_organ = p_korvel->p_organ;
     p_organ->p_tonegenerators[0].reset(tonegenerator_create("ORGAN TG"));
     p_organ->p_keybeds[keybed_manual] =
-        create_keybed(p_korvel, korvel_nb_manual_keys, "ORGAN KEY BED", render_callback_organ);
+        create_keybed<render_callback_organ>(p_korvel, korvel_nb_manual_keys, "ORGAN KEY BED");
     p_organ->p_harpmatrixes[0].reset(harpmatrix_create("KORVEL_MANUAL"));
     harpmatrix_load_ini(p_organ->p_harpmatrixes[0].get(), "../harpmatrix/korvel.ini",
                         p_organ->random);
@@ -66,7 +65,7 @@ void create_voices(korvel* p_korvel) {
         return korvel_bank_filtered(rate, p_organ->random);
     };
     p_organ->p_keybeds[keybed_bass] =
-        create_keybed(p_korvel, korvel_nb_bass_keys, "BASS KEY BED", render_callback_bass);
+        create_keybed<render_callback_bass>(p_korvel, korvel_nb_bass_keys, "BASS KEY BED");
 }
 
 void create_vibrato(korvel* p_korvel) {

@@ -204,6 +204,7 @@ void korvel_set_block_size(korvel*, int) {}
 
 void korvel_set_sampling_rate(korvel* p_korvel, int sampling_rate) {
     p_korvel->resting_stops.reset();
+    p_korvel->held.summed = 0; // the tone generator holds nothing now
     const float* taps = fir_brickwall_find(sampling_rate);
     filter_set_b_coeffs(p_korvel->p_organ->p_filters[filter_brickwall].get(),
                         taps ? taps : fir_brickwall_coeffs[0]);

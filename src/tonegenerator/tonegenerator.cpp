@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 
 namespace {
@@ -16,6 +17,11 @@ bool can_play(const tonegenerator* p_tg, unsigned osc, float gain) {
 std::span<float> frames_of(std::span<float> block, std::size_t start, std::size_t nframes) {
     start = std::min(start, block.size());
     return block.subspan(start, std::min(nframes, block.size() - start));
+}
+
+void insert(oscillator_set& set, std::size_t osc) {
+    if (osc / 64 < set.size())
+        set[osc / 64] |= std::uint64_t{1} << osc % 64;
 }
 
 std::span<float> curve_of(const tonegenerator* p_tg, std::size_t osc) {
@@ -37,6 +43,7 @@ void register_curve(tonegenerator* p_tg, unsigned osc) {
     if (p_tg->has_curve[osc])
         return;
     p_tg->has_curve[osc] = 1;
+    insert(p_tg->in_block, osc);
     p_tg->non_sustained_oscillators[static_cast<std::size_t>(p_tg->nb_non_sustained_oscs++)] =
         static_cast<int>(osc);
 }
@@ -64,9 +71,9 @@ gained_wave play(tonegenerator* p_tg, unsigned osc, std::size_t start, std::size
     const float* samples = wave_reader_read(
         p_tg->readers[osc], p_tg->global_phase_index + static_cast<std::uint32_t>(start), scratch);
     const int position = p_tg->sustained_positions[osc];
-    const float sustained =
-        position < 0 ? 0.0f
-                     : p_tg->sustained_oscillators_conductance[static_cast<std::size_t>(position)];
+    float sustained = p_tg->held_conductance[osc];
+    if (position >= 0)
+        sustained += p_tg->sustained_oscillators_conductance[static_cast<std::size_t>(position)];
     if (!p_tg->has_curve[osc])
         return {samples, sustained};
     const float* curve = &p_tg->non_sustained_oscillators_conductance[osc][start];
@@ -79,11 +86,16 @@ gained_wave play(tonegenerator* p_tg, unsigned osc, std::size_t start, std::size
 std::span<const unsigned> oscillators_in_use(const tonegenerator* p_tg, unsigned osc_start,
                                              unsigned osc_end,
                                              std::span<unsigned, max_nb_buffers> numbers) {
-    const auto nb_oscs = static_cast<unsigned>(std::min(p_tg->readers.size(), numbers.size()));
     std::size_t nb_in_use = 0;
-    for (unsigned osc = osc_start; osc < nb_oscs && osc <= osc_end; ++osc)
-        if (p_tg->sustained_positions[osc] >= 0 || p_tg->has_curve[osc])
-            numbers[nb_in_use++] = osc;
+    for (unsigned first = 0; first < numbers.size() && first <= osc_end; first += 64) {
+        std::uint64_t in_use = p_tg->held[first / 64] | p_tg->in_block[first / 64];
+        if (osc_start > first)
+            in_use &= osc_start - first < 64 ? ~std::uint64_t{0} << (osc_start - first) : 0;
+        if (osc_end - first < 63)
+            in_use &= (std::uint64_t{2} << (osc_end - first)) - 1;
+        for (; in_use != 0; in_use &= in_use - 1)
+            numbers[nb_in_use++] = first + static_cast<unsigned>(std::countr_zero(in_use));
+    }
     return numbers.first(nb_in_use);
 }
 
@@ -105,6 +117,10 @@ void tonegenerator_set_sampling_rate(tonegenerator* p_tg, int sampling_rate) {
     p_tg->sustained_oscillators.assign(nb_oscs, 0);
     p_tg->sustained_oscillators_conductance.assign(nb_oscs, 0.0f);
     p_tg->sustained_positions.assign(nb_oscs, -1);
+    p_tg->held_oscillators.assign(nb_oscs, 0);
+    p_tg->held_conductance.assign(nb_oscs, 0.0f);
+    p_tg->nb_held_oscs = 0;
+    p_tg->held = {};
     p_tg->non_sustained_oscillators.assign(nb_oscs, 0);
     p_tg->has_curve.assign(nb_oscs, 0);
     p_tg->scratches.resize(nb_oscs);
@@ -126,27 +142,32 @@ void tonegenerator_use_block_size(tonegenerator* p_tg, int block_size) noexcept 
     p_tg->block_size = std::min(block_size, p_tg->p_buffers->block_size);
 }
 
-void tone_generator_add_sustained_oscillator(tonegenerator* p_tg, unsigned osc,
-                                             float conductance) noexcept {
-    tone_generator_add_sustained_oscillators(p_tg, {&osc, 1}, {&conductance, 1});
-}
-
-void tone_generator_add_sustained_oscillators(tonegenerator* p_tg, std::span<const unsigned> oscs,
-                                              std::span<const float> conductances) noexcept {
-    int nb_sustained = p_tg->nb_sustained_oscs;
+void tone_generator_hold(tonegenerator* p_tg, std::span<const unsigned> oscs,
+                         std::span<const float> conductances) noexcept {
+    for (std::size_t i = 0; i < p_tg->nb_held_oscs; ++i)
+        p_tg->held_conductance[p_tg->held_oscillators[i]] = 0.0f;
+    p_tg->nb_held_oscs = 0;
+    p_tg->held = {};
     for (std::size_t i = 0; i < oscs.size(); ++i) {
         if (!can_play(p_tg, oscs[i], conductances[i]))
             continue;
-        int& position = p_tg->sustained_positions[oscs[i]];
-        if (position < 0) {
-            position = nb_sustained++;
-            p_tg->sustained_oscillators[static_cast<std::size_t>(position)] =
-                static_cast<int>(oscs[i]);
-        }
-        p_tg->sustained_oscillators_conductance[static_cast<std::size_t>(position)] +=
-            conductances[i];
+        p_tg->held_oscillators[p_tg->nb_held_oscs++] = oscs[i];
+        p_tg->held_conductance[oscs[i]] = conductances[i];
+        insert(p_tg->held, oscs[i]);
     }
-    p_tg->nb_sustained_oscs = nb_sustained;
+}
+
+void tone_generator_add_sustained_oscillator(tonegenerator* p_tg, unsigned osc,
+                                             float conductance) noexcept {
+    if (!can_play(p_tg, osc, conductance))
+        return;
+    int& position = p_tg->sustained_positions[osc];
+    if (position < 0) {
+        position = p_tg->nb_sustained_oscs++;
+        p_tg->sustained_oscillators[static_cast<std::size_t>(position)] = static_cast<int>(osc);
+        insert(p_tg->in_block, osc);
+    }
+    p_tg->sustained_oscillators_conductance[static_cast<std::size_t>(position)] += conductance;
 }
 
 void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned oscillator,
@@ -167,7 +188,7 @@ void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned o
 
 bool tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned osc_start,
                          unsigned osc_end) noexcept {
-    if (p_tg->nb_sustained_oscs == 0 && p_tg->nb_non_sustained_oscs == 0)
+    if (p_tg->nb_held_oscs == 0 && p_tg->nb_sustained_oscs == 0 && p_tg->nb_non_sustained_oscs == 0)
         return false;
     std::array<unsigned, max_nb_buffers> numbers;
     const auto in_use = oscillators_in_use(p_tg, osc_start, osc_end, numbers);
@@ -198,6 +219,7 @@ void tonegenerator_reset_sustain(tonegenerator* p_tg) noexcept {
     for (const int osc : oscillators_with_curves(p_tg))
         p_tg->has_curve[static_cast<std::size_t>(osc)] = 0;
     p_tg->nb_non_sustained_oscs = 0;
+    p_tg->in_block = {};
 }
 
 void tonegenerator_process(const tonegenerator* p_tg, unsigned oscillator, std::span<float> dest,

@@ -13,12 +13,15 @@
 #include "realtime/nonblocking.h"
 #include "tonegenerator/wave_reader.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
+
+using oscillator_set = std::array<std::uint64_t, max_nb_buffers / 64>; ///< a bit an oscillator
 
 struct tonegenerator {
     std::string name;
@@ -38,6 +41,12 @@ struct tonegenerator {
     std::vector<unsigned char> has_curve{};       ///< by oscillator: 1 while in that list
     std::unique_ptr<buffers> p_buffers;           ///< holds the curves
     std::vector<std::span<float>> non_sustained_oscillators_conductance{}; ///< by oscillator
+
+    std::size_t nb_held_oscs = 0;
+    std::vector<unsigned> held_oscillators{}; ///< that have a gain from block to block
+    std::vector<float> held_conductance{};    ///< by oscillator: that gain, or 0
+    oscillator_set held{};                    ///< the same as a set
+    oscillator_set in_block{};                ///< that have a gain or a curve in this block alone
 
     std::vector<wave_reader> readers{};    ///< by oscillator
     std::vector<wave_scratch> scratches{}; ///< by oscillator: what it plays where that is computed
@@ -59,14 +68,13 @@ void tonegenerator_set_block_size(tonegenerator* p_tg, int block_size);
 /// Plays blocks of another length, at most that which was set; the curves stay, zeroed. [audio]
 void tonegenerator_use_block_size(tonegenerator* p_tg, int block_size) noexcept NONBLOCKING;
 
+/// Replaces the gains that hold from block to block, each oscillator's once. [audio]
+void tone_generator_hold(tonegenerator* p_tg, std::span<const unsigned> oscs,
+                         std::span<const float> conductances) noexcept NONBLOCKING;
+
 /// Adds a gain that holds through the whole block. [audio]
 void tone_generator_add_sustained_oscillator(tonegenerator* p_tg, unsigned osc,
                                              float conductance) noexcept NONBLOCKING;
-
-/// The same for many, in their order. [audio]
-void tone_generator_add_sustained_oscillators(tonegenerator* p_tg, std::span<const unsigned> oscs,
-                                              std::span<const float> conductances) noexcept
-    NONBLOCKING;
 
 /// Adds p_env[i] * conductance, or the conductance alone without p_env, to the oscillator's curve
 /// at frames start_index + i, i < nframes. [audio]
