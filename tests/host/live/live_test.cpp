@@ -377,8 +377,8 @@ TEST_F(Jack, WhatIsLearnedLastsAndProgramsDrawRegistrations) {
         EXPECT_EQ(play.end(SIGINT), 0);
     }
     EXPECT_EQ(file_content(folder / "end.txt"),
-              "# end\nFlute=0\nBright=1\nBrass=0\nMellow=0\nVibrato=1\nBassChords=0\nVolume=0.24\n"
-              "Contour=0\nBass=0.17\nSplit=1\n");
+              "# end\nFlute=0\nBright=1\nBrass=0\nMellow=0\nVibrato=1\nBassChords=0\nVolume=0.173\n"
+              "Contour=0\nBass=0.122\nSplit=1\n");
     running_process forgetful{{TEST_COMMAND, "play", "--no-panel", "--forget"}};
     EXPECT_TRUE(forgetful.says("plays"));
     EXPECT_EQ(forgetful.end(SIGTERM), 0);
