@@ -388,9 +388,9 @@ TEST_F(Jack, WhatIsLearnedLastsAndProgramsDrawRegistrations) {
 TEST_F(Jack, ATerminalShowsTheSoundAndItsKeysPlay) {
     const jack_server server{64};
     running_process play{{TEST_COMMAND, "play", "--no-panel"}, running_process::where::in_terminal};
-    EXPECT_TRUE(play.says("JACK 48000 Hz/64, "));
+    EXPECT_TRUE(play.says(" 48 kHz/64 "));
     for (const auto& [keys, text] : {std::pair{"z", "1 keys"},
-                                     {"zcv", "2 keys"},
+                                     {"czv", "2 keys"},
                                      {"\x1B", "0 keys"},
                                      {"\x1B[122;1:1u\x1B[122;1:2u", "1 keys"},
                                      {"\x1B[122;1:3u", "0 keys"}}) {
