@@ -5,6 +5,8 @@
 #include <benchmark/benchmark.h>
 
 #include <chrono>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -26,7 +28,49 @@ void second_of_sound(benchmark::State& state) {
 BENCHMARK(second_of_sound)
     ->ArgNames({"keys", "block", "plain"})
     ->ArgsProduct({{0, 1, 10, 49}, {64, 256}, {fast, plain}})
+    ->ArgsProduct({{49}, {100, 441}, {fast, plain}})
     ->Unit(benchmark::kMillisecond);
+
+/// The same without a key, a second after ten were let go.
+void second_after_playing(benchmark::State& state) {
+    const auto built = static_cast<form>(state.range(0));
+    instrument played(built, 64);
+    for (auto _ : state) {
+        state.PauseTiming();
+        played.play(10, true);
+        played.render_second();
+        played.play(10, false);
+        played.render_second();
+        state.ResumeTiming();
+        played.render_second();
+    }
+    name_form(state, built);
+}
+
+BENCHMARK(second_after_playing)
+    ->ArgNames({"plain"})
+    ->Arg(fast)
+    ->Arg(plain)
+    ->Unit(benchmark::kMillisecond);
+
+/// 500 instruments, of which 20 play ten keys each: a second of all of them.
+void second_of_500(benchmark::State& state) {
+    std::vector<std::unique_ptr<instrument>> orchestra;
+    for (int i = 0; i < 500; ++i)
+        orchestra.push_back(std::make_unique<instrument>(fast, 64));
+    for (std::size_t i = 0; i < orchestra.size(); i += 25)
+        orchestra[i]->play(10, true);
+    const auto render = [&orchestra] {
+        for (int frame = 0; frame < bench_rate; frame += 64)
+            for (const auto& played : orchestra)
+                played->render_block();
+    };
+    render();
+    for (auto _ : state)
+        render();
+}
+
+BENCHMARK(second_of_500)->Unit(benchmark::kMillisecond);
 
 /// The block in which 49 keys are struck at once. Wall time, since a block is too short for the
 /// clock of CPU time: the minimum is what an undisturbed machine needs.
