@@ -10,7 +10,8 @@ namespace {
 // Servers take up to 8,192 frames at once; the instrument gets them in pieces.
 constexpr std::size_t piece_frames = 1024;
 constexpr std::size_t max_arrivals = 4096;
-constexpr std::size_t max_releases = 4 * nb_midi_channels * nb_midi_notes; // keys and feet, twice
+constexpr std::size_t max_releases = // keys and feet, twice
+    std::size_t{4} * nb_midi_channels * nb_midi_notes;
 constexpr double usual_tempo = 120;
 
 constexpr auto all_sound_off = [] {
