@@ -58,7 +58,10 @@ bool is_called(jack_client_t* p_client, const std::string& port, const std::stri
 class jack_system : public sound_system {
 public:
     jack_system(live_instrument& instrument, const sound_wishes& wishes, client_ptr client)
-        : instrument_{instrument}, wishes_{wishes}, client_{std::move(client)} {}
+        : instrument_{instrument},
+          wishes_{wishes},
+          p_closing_{client.get()},
+          client_{std::move(client)} {}
 
     ~jack_system() override {
         client_.reset(); // the audio thread ends here
@@ -173,7 +176,7 @@ private:
     void hear_connection(jack_port_id_t one, jack_port_id_t other, bool connects) {
         if (!connects)
             for (const jack_port_id_t id : {one, other})
-                if (jack_port_by_id(client_.get(), id) == midi_)
+                if (jack_port_by_id(p_closing_, id) == midi_)
                     lost_input_ = true;
     }
 
@@ -239,7 +242,8 @@ private:
     std::atomic<bool> gone_ = false;
     std::atomic<bool> lost_input_ = false;
     std::atomic<long> nb_underruns_ = 0;
-    client_ptr client_; // last, so that it ends first
+    jack_client_t* p_closing_; // the same, for what is heard until it has ended
+    client_ptr client_;        // last, so that it ends first
 };
 
 } // namespace

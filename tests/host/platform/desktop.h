@@ -21,10 +21,10 @@ struct desktop {
         for (int i = 0; i < 2; ++i)
             (void)focus();
     }
-    /// The window that has the keyboard.
+    /// The window that has the keyboard; none where the display is gone.
     [[nodiscard]] xcb_window_t focus() const {
         auto* p_focus = xcb_get_input_focus_reply(server, xcb_get_input_focus(server), nullptr);
-        const xcb_window_t window = p_focus->focus;
+        const xcb_window_t window = p_focus ? p_focus->focus : static_cast<xcb_window_t>(XCB_NONE);
         std::free(p_focus);
         return window;
     }
