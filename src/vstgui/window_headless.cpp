@@ -44,5 +44,6 @@ private:
 std::unique_ptr<PlatformWindow> open_platform_window(void* parent, const CDrawContext& picture,
                                                      PlatformWindowListener& listener) {
     auto* host = static_cast<headless_parent*>(parent);
-    return host->refuses ? nullptr : std::make_unique<HeadlessWindow>(*host, picture, listener);
+    return !host || host->refuses ? nullptr
+                                  : std::make_unique<HeadlessWindow>(*host, picture, listener);
 }

@@ -7,7 +7,7 @@
 #include <functional>
 #include <vector>
 
-/// Its address is the parent window.
+/// Its address is the parent window; without one no window is shown.
 struct headless_parent {
     bool refuses = false; ///< to show windows
     CDrawContext screen{640, 480};
