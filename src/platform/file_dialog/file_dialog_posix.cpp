@@ -26,7 +26,7 @@ std::optional<ChildProcess> start_dialog(const file_request& request) {
 bool exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
 bool has_extension(const std::string& path, const std::vector<file_kind>& kinds) {
-    const char* const extension = path.c_str() + path.rfind('.') + 1;
+    const char* const extension = path.c_str() + (path.rfind('.') + 1); // all without a dot
     return std::ranges::any_of(kinds, [extension](const file_kind& kind) {
         return strcasecmp(extension, kind.extension.c_str()) == 0;
     });
