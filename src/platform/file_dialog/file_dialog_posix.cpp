@@ -59,7 +59,8 @@ std::optional<std::string> file_dialog_run(const file_request& request, void*,
             return std::nullopt;
     path.resize(path.find_last_not_of('\n') + 1);
     if (fits(path)) {
-        if (!dialog->succeeds() || path.empty())
+        const bool is_path = !path.empty() && path.find('\0') == std::string::npos;
+        if (!dialog->succeeds() || !is_path)
             return std::nullopt;
         if (request.saves)
             path = path_to_save(path, request.kinds);
