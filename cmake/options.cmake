@@ -11,6 +11,8 @@ target_compile_options(
               -Werror
               # GCC 12 sees overlaps inside std::string's own operator+.
               $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+              # GCC 12's library deprecates functions that it calls itself.
+              $<$<CXX_COMPILER_ID:Clang>:-Wno-deprecated-declarations>
               # Every processor and both widths give the same samples: SSE arithmetic, operations in
               # the written order, no contraction into fused multiply-adds.
               -msse2
@@ -41,12 +43,20 @@ endif()
 # Release libraries go without symbols that only a debugger reads.
 set(TINDELWAX_STRIP $<$<CONFIG:Release>:LINKER:--strip-all>)
 
-# none, address (with undefined behaviour), thread, or realtime: Clang's, which also holds what says
-# that it does not block to that, and all that it calls.
+# none, address (with undefined behaviour), thread, fuzzer (those of address, and branches that a
+# fuzzer sees), or realtime: Clang's, which also holds what says that it does not block to that, and
+# all that it calls.
 set(TINDELWAX_SANITIZER none CACHE STRING "Sanitizers to build with")
-set_property(CACHE TINDELWAX_SANITIZER PROPERTY STRINGS none address thread realtime)
-if(TINDELWAX_SANITIZER STREQUAL address)
+set_property(CACHE TINDELWAX_SANITIZER PROPERTY STRINGS none address thread fuzzer realtime)
+if(TINDELWAX_SANITIZER MATCHES "address|fuzzer")
     set(sanitizer_flags -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    if(TINDELWAX_SANITIZER STREQUAL fuzzer)
+        list(
+            APPEND
+            sanitizer_flags
+            -fsanitize=fuzzer-no-link
+            -fsanitize-coverage-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/not_traced)
+    endif()
 elseif(TINDELWAX_SANITIZER STREQUAL thread)
     set(sanitizer_flags -fsanitize=thread)
 elseif(TINDELWAX_SANITIZER STREQUAL realtime)

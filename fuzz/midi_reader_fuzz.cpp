@@ -1,19 +1,9 @@
-// Feeds the MIDI reader with whatever libFuzzer thinks of, and checks what every caller relies on.
+// A MIDI file, and what every caller of its reader relies on.
 
+#include "fuzz/fuzzed.h"
 #include "midi_file/midi_file.h"
 
-#include <cstdlib>
-
-namespace {
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
-
-} // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* p_bytes, std::size_t nb_bytes) {
+int LLVMFuzzerTestOneInput(const std::uint8_t* p_bytes, std::size_t nb_bytes) {
     const midi_song song = midi_file_read({p_bytes, nb_bytes});
     require(song.bytes.size() <= 2 * nb_bytes);
     require(song.error.empty() || song.events.empty());
