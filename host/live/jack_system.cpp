@@ -213,8 +213,10 @@ private:
         });
         std::erase_if(sources_, [&](const std::string& port) {
             const bool is_gone = std::ranges::find(sources, port) == sources.end();
-            if (is_gone)
+            if (is_gone) {
                 news_.push_back(port + " is gone");
+                lost_input_ = true; // not every server tells of each
+            }
             return is_gone;
         });
         for (const std::string& port : sources)
