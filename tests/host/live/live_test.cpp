@@ -174,8 +174,8 @@ struct Jack : testing::Test {
     Jack() { setenv("TINDELWAX_SEED", "1", 1); }
 };
 
-/// Plays through the server that runs. Returns false where the machine was too late to hear every
-/// block.
+/// Plays through the server that runs. Returns false where another sound was heard, as it is where
+/// the machine is too late.
 bool sounds_as_rendered(int block_frames) {
     sender keyboard;
     player played;
@@ -192,13 +192,15 @@ bool sounds_as_rendered(int block_frames) {
     if (ear.nb_heard - ear.first_heard != ear.nb_in_cycles)
         return false;
     const auto sound = rendered(keyboard, ear, std::min(block_frames, 64));
+    bool is_equal = true;
     for (std::size_t i = 0; i < 2; ++i) {
         const auto first = static_cast<std::ptrdiff_t>(ear.first_heard);
         EXPECT_GT(std::ranges::max(ear.samples[i]), 0.05f);
-        EXPECT_TRUE(std::equal(ear.samples[i].begin() + first, ear.samples[i].begin() + end,
-                               sound[i].begin() + first));
+        is_equal = is_equal
+                   && std::equal(ear.samples[i].begin() + first, ear.samples[i].begin() + end,
+                                 sound[i].begin() + first);
     }
-    return true;
+    return is_equal;
 }
 
 /// Repeats what a busy machine may be too late for.
