@@ -98,7 +98,7 @@ TEST_F(Model, AnySettingsSoundAsThePlainForm) {
         for (VstInt32 index = 0; index < nb_parameters; ++index)
             wanted.parameters.emplace_back(index, static_cast<float>(below(101)) / 100);
         duet both(running, wanted);
-        for (int part = 0; part < 15; ++part) {
+        for (int part = 0; part < 8; ++part) {
             score notes;
             for (long frame = below(40); frame < piece; frame += below(200))
                 notes.push_back({frame, {below(3) ? 0x90 : 0x80, 20 + below(56), 100}});
