@@ -28,7 +28,7 @@ constexpr short_message held_note{0x90, 57, 100};
 const double tuned_hz = 8.0 * held_rate / std::trunc(8.0 * held_rate / 440);
 constexpr double bound_cents = 0.01;
 
-constexpr std::size_t heap_slack = 64; ///< bytes: what is left of a freed piece may be too small
+constexpr std::size_t heap_slack = 512; ///< bytes: what is left of freed pieces may be too small
 
 void expect(bool holds, const std::string& sentence) {
     if (!holds)
