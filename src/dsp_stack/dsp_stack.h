@@ -1,7 +1,6 @@
 #pragma once
 /// A DSP stack passes a new sample rate or block length on to every object registered with it, in
-/// the order of registration, without knowing what the objects are. Functions are [setup]; a block
-/// length may also arrive on the audio thread and then costs what the objects' callbacks cost.
+/// the order of registration, without knowing what the objects are. Functions are [setup].
 
 #include <cstddef>
 #include <functional>

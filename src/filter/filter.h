@@ -38,7 +38,7 @@ void filter_free(filter* p_filter); ///< null is allowed [setup]
 /// other rate sets sample_rate to -1 and leaves the set in use selected. [setup]
 void filter_set_sampling_rate(filter* p_filter, int sampling_rate);
 
-/// Allocates only beyond the largest length so far: within it this is [audio].
+/// Makes room for blocks of at most so many frames. [setup]
 void filter_set_block_size(filter* p_filter, int block_size);
 
 /// Copies order + 1 values into the selected set; without one, nothing. [setup]

@@ -60,7 +60,6 @@ void create_voices(korvel* p_korvel) {
     p_organ->p_harpmatrixes[0].reset(harpmatrix_create("KORVEL_MANUAL"));
     harpmatrix_load_ini(p_organ->p_harpmatrixes[0].get(), "../harpmatrix/korvel.ini",
                         p_organ->random);
-    held_keys_reserve(p_korvel->held, korvel_nb_oscs);
     p_organ->p_tonegenerators[0]->get_bank = [=](int rate) {
         return korvel_bank_filtered(rate, p_organ->random);
     };

@@ -14,7 +14,7 @@ constexpr unsigned last_manual_osc = 60;
 constexpr unsigned last_bass_osc = 11;
 constexpr double output_gain = 10000.0;
 constexpr double bass_output_gain = 200.0;
-// States below that are heard 600 dB below full scale at most, whatever the volumes.
+// States below that are heard 600 dB below full scale at most, with the volumes up to 1.
 constexpr float inaudible_stop = 1e-35f;
 constexpr float inaudible_output = 1e-37f;
 
@@ -204,7 +204,7 @@ void korvel_set_block_size(korvel*, int) {}
 
 void korvel_set_sampling_rate(korvel* p_korvel, int sampling_rate) {
     p_korvel->resting_stops.reset();
-    p_korvel->held.summed = 0; // the tone generator holds nothing now
+    p_korvel->held.registered = 0; // the tone generator holds nothing now
     const float* taps = fir_brickwall_find(sampling_rate);
     filter_set_b_coeffs(p_korvel->p_organ->p_filters[filter_brickwall].get(),
                         taps ? taps : fir_brickwall_coeffs[0]);

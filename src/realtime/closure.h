@@ -21,7 +21,8 @@ public:
     /// Of a lambda that captures two pointers at most, or numbers. [setup]
     template <typename Function>
     requires(!std::is_same_v<Function, closure>) closure(Function function) {
-        static_assert(std::is_trivially_copyable_v<Function> && sizeof function <= sizeof(words));
+        static_assert(std::is_trivially_copyable_v<Function> && sizeof function <= sizeof(words)
+                      && alignof(Function) <= alignof(words));
         new (captured.data()) Function(function);
         call = [](const words& its_words, Arguments... arguments) noexcept NONBLOCKING -> Result {
             return (*std::launder(reinterpret_cast<const Function*>(its_words.data())))(

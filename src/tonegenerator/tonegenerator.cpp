@@ -24,6 +24,13 @@ void insert(oscillator_set& set, std::size_t osc) {
         set[osc / 64] |= std::uint64_t{1} << osc % 64;
 }
 
+bool is_silent(const tonegenerator* p_tg) {
+    std::uint64_t any = 0;
+    for (std::size_t i = 0; i < p_tg->held.size(); ++i)
+        any |= p_tg->held[i] | p_tg->in_block[i];
+    return any == 0;
+}
+
 std::span<float> curve_of(const tonegenerator* p_tg, std::size_t osc) {
     return frames_of(p_tg->non_sustained_oscillators_conductance[osc], 0,
                      static_cast<std::size_t>(p_tg->block_size));
@@ -117,9 +124,7 @@ void tonegenerator_set_sampling_rate(tonegenerator* p_tg, int sampling_rate) {
     p_tg->sustained_oscillators.assign(nb_oscs, 0);
     p_tg->sustained_oscillators_conductance.assign(nb_oscs, 0.0f);
     p_tg->sustained_positions.assign(nb_oscs, -1);
-    p_tg->held_oscillators.assign(nb_oscs, 0);
     p_tg->held_conductance.assign(nb_oscs, 0.0f);
-    p_tg->nb_held_oscs = 0;
     p_tg->held = {};
     p_tg->non_sustained_oscillators.assign(nb_oscs, 0);
     p_tg->has_curve.assign(nb_oscs, 0);
@@ -142,19 +147,17 @@ void tonegenerator_use_block_size(tonegenerator* p_tg, int block_size) noexcept 
     p_tg->block_size = std::min(block_size, p_tg->p_buffers->block_size);
 }
 
-void tone_generator_hold(tonegenerator* p_tg, std::span<const unsigned> oscs,
-                         std::span<const float> conductances) noexcept {
-    for (std::size_t i = 0; i < p_tg->nb_held_oscs; ++i)
-        p_tg->held_conductance[p_tg->held_oscillators[i]] = 0.0f;
-    p_tg->nb_held_oscs = 0;
+void tone_generator_add_held_oscillator(tonegenerator* p_tg, unsigned osc,
+                                        float conductance) noexcept {
+    if (!can_play(p_tg, osc, conductance))
+        return;
+    p_tg->held_conductance[osc] += conductance;
+    insert(p_tg->held, osc);
+}
+
+void tone_generator_clear_held(tonegenerator* p_tg) noexcept {
+    std::ranges::fill(p_tg->held_conductance, 0.0f);
     p_tg->held = {};
-    for (std::size_t i = 0; i < oscs.size(); ++i) {
-        if (!can_play(p_tg, oscs[i], conductances[i]))
-            continue;
-        p_tg->held_oscillators[p_tg->nb_held_oscs++] = oscs[i];
-        p_tg->held_conductance[oscs[i]] = conductances[i];
-        insert(p_tg->held, oscs[i]);
-    }
 }
 
 void tone_generator_add_sustained_oscillator(tonegenerator* p_tg, unsigned osc,
@@ -188,7 +191,7 @@ void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned o
 
 bool tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned osc_start,
                          unsigned osc_end) noexcept {
-    if (p_tg->nb_held_oscs == 0 && p_tg->nb_sustained_oscs == 0 && p_tg->nb_non_sustained_oscs == 0)
+    if (is_silent(p_tg))
         return false;
     std::array<unsigned, max_nb_buffers> numbers;
     const auto in_use = oscillators_in_use(p_tg, osc_start, osc_end, numbers);

@@ -42,11 +42,9 @@ struct tonegenerator {
     std::unique_ptr<buffers> p_buffers;           ///< holds the curves
     std::vector<std::span<float>> non_sustained_oscillators_conductance{}; ///< by oscillator
 
-    std::size_t nb_held_oscs = 0;
-    std::vector<unsigned> held_oscillators{}; ///< that have a gain from block to block
-    std::vector<float> held_conductance{};    ///< by oscillator: that gain, or 0
-    oscillator_set held{};                    ///< the same as a set
-    oscillator_set in_block{};                ///< that have a gain or a curve in this block alone
+    std::vector<float> held_conductance{}; ///< by oscillator: its gain from block to block, or 0
+    oscillator_set held{};                 ///< that have one
+    oscillator_set in_block{};             ///< that have a gain or a curve in this block alone
 
     std::vector<wave_reader> readers{};    ///< by oscillator
     std::vector<wave_scratch> scratches{}; ///< by oscillator: what it plays where that is computed
@@ -68,9 +66,10 @@ void tonegenerator_set_block_size(tonegenerator* p_tg, int block_size);
 /// Plays blocks of another length, at most that which was set; the curves stay, zeroed. [audio]
 void tonegenerator_use_block_size(tonegenerator* p_tg, int block_size) noexcept NONBLOCKING;
 
-/// Replaces the gains that hold from block to block, each oscillator's once. [audio]
-void tone_generator_hold(tonegenerator* p_tg, std::span<const unsigned> oscs,
-                         std::span<const float> conductances) noexcept NONBLOCKING;
+/// Adds to a gain that holds from block to block, until all of them are cleared. [audio]
+void tone_generator_add_held_oscillator(tonegenerator* p_tg, unsigned osc,
+                                        float conductance) noexcept NONBLOCKING;
+void tone_generator_clear_held(tonegenerator* p_tg) noexcept NONBLOCKING; ///< [audio]
 
 /// Adds a gain that holds through the whole block. [audio]
 void tone_generator_add_sustained_oscillator(tonegenerator* p_tg, unsigned osc,
@@ -89,7 +88,7 @@ void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned o
 bool tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned osc_start,
                          unsigned osc_end) noexcept NONBLOCKING;
 
-/// Forgets all gains of the block. [audio]
+/// Forgets all gains of the block, but not those that hold. [audio]
 void tonegenerator_reset_sustain(tonegenerator* p_tg) noexcept NONBLOCKING;
 
 /// Adds one oscillator to `dest`, a block's buffer, at frames start_index + i, i < nframes, with

@@ -47,7 +47,7 @@ void vibrato_free(vibrato* p_vibrato); ///< null is allowed [setup]
 void vibrato_set_depth(vibrato* p_vibrato, unsigned level, float depth);
 
 void vibrato_set_sampling_rate(vibrato* p_vibrato, int sampling_rate); ///< [setup]
-void vibrato_set_block_size(vibrato* p_vibrato, int block_size);       ///< [audio]
+void vibrato_set_block_size(vibrato* p_vibrato, int block_size);       ///< [setup]
 
 /// Recomputes the phase step from frequency and rate; rate 0 stops the phase. [setup]
 void vibrato_update_stator_increment(vibrato* p_vibrato);
