@@ -43,7 +43,8 @@ std::optional<terminal_key> read_report(std::string_view report) {
     const int event = number_of(field(state, ':', 1), press_event);
     const bool is_release = event == release_event; // is told in any case, lest the note hang
     const bool has_control = modifiers & control_modifier;
-    if (has_control && code == 'c' && event == press_event)
+    const bool is_c = code == 'c' || base == 'c'; // whatever is printed on the key
+    if (has_control && is_c && event == press_event)
         std::raise(SIGINT);
     if (event == repeat_event || (has_control && !is_release))
         return std::nullopt;
@@ -56,6 +57,10 @@ std::optional<terminal_key> read_report(std::string_view report) {
 std::vector<terminal_key> terminal_keys_parse(std::string& text) {
     std::vector<terminal_key> keys;
     while (!text.empty()) {
+        if (text.starts_with("\x1BO") && text.size() > 2) { // a function key of old terminals
+            text.erase(0, 3);
+            continue;
+        }
         if (!text.starts_with("\x1B[")) {
             const bool is_large = text[0] >= 'A' && text[0] <= 'Z';
             const int character = is_large ? text[0] - 'A' + 'a' : text[0];

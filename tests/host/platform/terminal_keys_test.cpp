@@ -25,7 +25,8 @@ TEST(KeyStrokes, AHeldKeyIsStruckOnce) {
 }
 
 TEST(TerminalKeys, ReportsTellOfPressesAndReleasesAlone) {
-    std::string told, text = "Z\x1B[122u\x1B[122;1:2u\x1B[122;5:3u\x1B[122;5u\x1B[1103::122;65u";
+    std::string told,
+        text = "Z\x1BOP\x1B[122u\x1B[122;1:2u\x1B[122;5:3u\x1B[122;5u\x1B[1103::122;65u";
     for (const terminal_key& key : terminal_keys_parse(text))
         told += {"prs"[static_cast<int>(key.happened)], static_cast<char>(key.character)};
     EXPECT_EQ(told, "szpzrzpz");
