@@ -132,13 +132,14 @@ registration registration_find(const std::string& name_or_file) {
 }
 
 bool registration_concerns(const registration& one, const std::vector<std::string>& parameters) {
-    return std::ranges::any_of(one.lines, [&parameters](const registration::line& line) {
+    const auto is_known = [&parameters](const registration::line& line) {
         try {
             return find_parameter(parameters, line.setting.name) >= 0;
         } catch (const failure&) {
             return false;
         }
-    });
+    };
+    return 2 * std::ranges::count_if(one.lines, is_known) > std::ssize(one.lines);
 }
 
 std::vector<parameter_value> registration_resolve(const registration& chosen,

@@ -40,7 +40,7 @@ struct parameter_value {
 /// failure of misuse that says which there are.
 [[nodiscard]] registration registration_find(const std::string& name_or_file);
 
-/// Whether an instrument with these parameters has any that it names.
+/// Whether an instrument with these parameters has most that it names, and so is meant.
 [[nodiscard]] bool registration_concerns(const registration& one,
                                          const std::vector<std::string>& parameters);
 
