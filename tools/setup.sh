@@ -34,7 +34,7 @@ build_packages=(
     libxcb-xtest0-dev libpng-dev libjack-jackd2-dev libasound2-dev librtaudio-dev librtmidi-dev)
 test_packages=(
     libgtest-dev libbenchmark-dev clang-format clang-tidy-22 xvfb
-    jackd2 pipewire pipewire-jack pulseaudio libasound2-plugins valgrind)
+    jackd2 pipewire pipewire-jack pulseaudio libasound2-plugins sox valgrind)
 clang_packages=(clang-22 libclang-rt-22-dev llvm-22)
 windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
 package_packages=(nsis dpkg-dev file fakeroot)
