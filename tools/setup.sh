@@ -35,6 +35,7 @@ build_packages=(
 test_packages=(
     libgtest-dev libbenchmark-dev clang-format clang-tidy-22 xvfb
     jackd2 pipewire pipewire-jack pulseaudio libasound2-plugins sox valgrind)
+peer_packages=(lv2-dev liblilv-dev setbfree yoshimi)
 clang_packages=(clang-22 libclang-rt-22-dev llvm-22)
 windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
 package_packages=(nsis dpkg-dev file fakeroot)
