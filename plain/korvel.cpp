@@ -74,6 +74,7 @@ void process(korvel* p_korvel, std::span<float> out_r, std::span<float> out_l) {
 organ* plain_korvel_create(const char* name) {
     organ* p_organ = korvel_create(name);
     auto* p_korvel = static_cast<korvel*>(p_organ->p_instrument.get());
+    p_organ->p_keybeds[keybed_manual]->steady_callback = {};
     p_organ->p_keybeds[keybed_manual]->keybed_callback = [=](playing_key* p_key, unsigned len) {
         add_voices(p_korvel, p_key, len);
     };

@@ -35,6 +35,7 @@ unsigned event_frame(const playing_key& key, int frame_index) {
 }
 
 void start_segment(playing_key& key, char key_state, unsigned frame, unsigned char velocity) {
+    key.p_keybed->steady_frames = 0;
     key.midi_velocity = velocity;
     key.key_state = key_state;
     key.frame_index = frame;
@@ -116,7 +117,10 @@ void keybed_set_sampling_rate(keybed* p_keybed, int sampling_rate) {
     }
 }
 
-void keybed_reset(keybed* p_keybed) noexcept { indexed_list_clear(p_keybed->p_key_list.get()); }
+void keybed_reset(keybed* p_keybed) noexcept {
+    indexed_list_clear(p_keybed->p_key_list.get());
+    p_keybed->steady_frames = 0;
+}
 
 void keybed_set_envelope_attack(keybed* p_keybed, envelope* p_env) {
     for (playing_key& key : p_keybed->p_keys)
@@ -183,24 +187,32 @@ void keybed_next(keybed* p_keybed, int nframes) noexcept {
     if (nframes <= 0)
         return;
     const auto block = static_cast<unsigned>(nframes);
-    if (p_keybed->p_key_list->len > 0) {
-        for (const auto* elem = p_keybed->p_key_list->first; elem; elem = elem->next) {
-            playing_key& key = key_of(elem);
-            if (key.key_state == key_sustain && key.frame_index == 0) { // as most keys mostly do
-                key.remain = block;
-                p_keybed->keybed_callback(&key, block);
-                continue;
-            }
-            keybed_update_key(&key, nframes);
-            if (key.key_state == key_sustain) {
-                key.frame_index = 0;
-                key.remain = block;
-            } else {
-                key.frame_index %= block;
-            }
+    p_keybed->global_index += block;
+    if (p_keybed->steady_frames == block && p_keybed->steady_callback
+        && p_keybed->steady_callback(block))
+        return;
+    p_keybed->steady_frames = 0;
+    if (p_keybed->p_key_list->len == 0)
+        return;
+    bool is_steady = true;
+    for (const auto* elem = p_keybed->p_key_list->first; elem; elem = elem->next) {
+        playing_key& key = key_of(elem);
+        if (key.key_state == key_sustain && key.frame_index == 0) { // as most keys mostly do
+            key.remain = block;
+            p_keybed->keybed_callback(&key, block);
+            continue;
+        }
+        is_steady = false;
+        keybed_update_key(&key, nframes);
+        if (key.key_state == key_sustain) {
+            key.frame_index = 0;
+            key.remain = block;
+        } else {
+            key.frame_index %= block;
         }
     }
-    p_keybed->global_index += block;
+    if (is_steady)
+        p_keybed->steady_frames = block;
 }
 
 void keybed_update_mono_bass(keybed* p_keybed) noexcept {

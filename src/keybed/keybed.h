@@ -4,6 +4,9 @@
 /// segments: whenever a key changes state, the key is first rendered up to that frame, and at the
 /// block's end every sounding key is rendered up to the end. The keybed makes no sound itself: the
 /// callback does, told by the key's fields what the segment is.
+///
+/// Most blocks are steady: they sustain the keys that the block before sustained throughout. An
+/// instrument that knows what it did then spares the walk over the keys.
 
 #include "envelope/envelope.h"
 #include "list/list.h"
@@ -54,7 +57,11 @@ struct keybed {
     std::vector<playing_key> p_keys; ///< never resized: the list and callbacks hold addresses
     unsigned global_index = 0;       ///< frames rendered since creation
     closure<void(playing_key*, unsigned)> keybed_callback;
-    int unmuted_key = -1; ///< the key that the mute flags were last set for; -1 before any
+    closure<bool(unsigned)> steady_callback{}; ///< takes a steady block of that many frames as a
+                                               ///< whole, or returns false; may be empty
+    unsigned steady_frames = 0; ///< the last block's, if every key sustained through it and none
+                                ///< has changed since; else 0
+    int unmuted_key = -1;       ///< the key that the mute flags were last set for; -1 before any
     std::unique_ptr<envelope> p_env_attack; ///< what the keys use unless they are given others
     std::unique_ptr<envelope> p_env_release;
 };

@@ -3,8 +3,10 @@
 #include <bit>
 #include <utility>
 
-void held_keys_register(held_keys& held, const harpmatrix* p_matrix, tonegenerator* p_tg) noexcept {
-    const std::uint64_t keys = std::exchange(held.keys, 0);
+void held_keys_register(held_keys& held, std::uint64_t audible, const harpmatrix* p_matrix,
+                        tonegenerator* p_tg) noexcept {
+    held.before = std::exchange(held.keys, 0);
+    const std::uint64_t keys = held.before & audible;
     if (std::exchange(held.registered, keys) == keys)
         return;
     tone_generator_clear_held(p_tg);

@@ -42,12 +42,13 @@ void add_buffers(korvel* p_korvel) {
     buffers_add(p_buffers, "swell_buffer", &p_korvel->p_swell_buffer);
 }
 
-template <auto render>
+template <auto render, auto render_steady>
 std::unique_ptr<keybed> create_keybed(korvel* p_korvel, int nb_keys, const char* name) {
     std::unique_ptr<keybed> p_keybed(keybed_create(nb_keys, korvel_first_note, name));
     p_keybed->keybed_callback = [=](playing_key* p_key, unsigned len) {
         render(p_korvel, p_key, len);
     };
+    p_keybed->steady_callback = [=](unsigned len) { return render_steady(p_korvel, len); };
     return p_keybed;
 }
 
@@ -56,7 +57,8 @@ void create_voices(korvel* p_korvel) {
     organ* p_organ = p_korvel->p_organ;
     p_organ->p_tonegenerators[0].reset(tonegenerator_create("ORGAN TG"));
     p_organ->p_keybeds[keybed_manual] =
-        create_keybed<render_callback_organ>(p_korvel, korvel_nb_manual_keys, "ORGAN KEY BED");
+        create_keybed<render_callback_organ, render_callback_organ_steady>(
+            p_korvel, korvel_nb_manual_keys, "ORGAN KEY BED");
     p_organ->p_harpmatrixes[0].reset(harpmatrix_create("KORVEL_MANUAL"));
     harpmatrix_load_ini(p_organ->p_harpmatrixes[0].get(), "../harpmatrix/korvel.ini",
                         p_organ->random);
@@ -64,7 +66,8 @@ void create_voices(korvel* p_korvel) {
         return korvel_bank_filtered(rate, p_organ->random);
     };
     p_organ->p_keybeds[keybed_bass] =
-        create_keybed<render_callback_bass>(p_korvel, korvel_nb_bass_keys, "BASS KEY BED");
+        create_keybed<render_callback_bass, render_callback_bass_steady>(
+            p_korvel, korvel_nb_bass_keys, "BASS KEY BED");
 }
 
 void create_vibrato(korvel* p_korvel) {

@@ -53,6 +53,12 @@ void select_contour(korvel* p_korvel) {
     p_filter->a_coeffs[1] = c.a1;
 }
 
+/// Bit k stands for key k, if the manual sounds it: the lowest octave only with bass chords on.
+std::uint64_t audible_keys(const korvel* p_korvel) {
+    constexpr std::uint64_t bass_keys = (std::uint64_t{1} << korvel_nb_bass_keys) - 1;
+    return is_on(p_korvel->bass_chords_on) ? ~std::uint64_t{0} : ~bass_keys;
+}
+
 /// Bit i stands for stop i, if it is on.
 unsigned stops_on(const korvel* p_korvel) {
     unsigned stops = 0;
@@ -126,12 +132,12 @@ void write_outputs(const korvel* p_korvel, std::span<float> out_r, std::span<flo
 } // namespace
 
 void render_callback_organ(korvel* p_korvel, playing_key* p_key, unsigned len) noexcept {
-    if (p_key->index < korvel_nb_bass_keys && !is_on(p_korvel->bass_chords_on))
-        return;
     if (p_key->key_state == key_sustain && is_whole_block(p_key, len)) {
         held_keys_add(p_korvel->held, p_key->index);
         return;
     }
+    if (!(audible_keys(p_korvel) >> p_key->index & 1u))
+        return;
     const contact* p_contact = wired_contact(p_korvel, p_key, 0);
     if (!p_contact)
         return;
@@ -142,6 +148,13 @@ void render_callback_organ(korvel* p_korvel, playing_key* p_key, unsigned len) n
         tone_generator_add_non_sustained_oscillator(
             tone_generator(p_korvel), p_contact->oscillators[v], p_key->frame_index, nframes,
             p_key->key_state == key_sustain ? nullptr : table.data(), p_contact->conductance[v]);
+}
+
+bool render_callback_organ_steady(korvel* p_korvel, unsigned len) noexcept {
+    if (len != static_cast<unsigned>(p_korvel->p_organ->block_size))
+        return false;
+    held_keys_stay(p_korvel->held);
+    return true;
 }
 
 void render_callback_bass(korvel* p_korvel, playing_key* p_key, unsigned len) noexcept {
@@ -162,6 +175,13 @@ void render_callback_bass(korvel* p_korvel, playing_key* p_key, unsigned len) no
                           p_key->frame_index, len, nullptr, conductance);
 }
 
+bool render_callback_bass_steady(korvel* p_korvel, unsigned len) noexcept {
+    keybed* p_keybed = p_korvel->p_organ->p_keybeds[keybed_bass].get();
+    render_callback_bass(p_korvel,
+                         &p_keybed->p_keys[static_cast<std::size_t>(p_keybed->unmuted_key)], len);
+    return true;
+}
+
 void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
                              std::span<float> out_l) noexcept {
     organ* p_organ = p_korvel->p_organ;
@@ -169,7 +189,8 @@ void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
     const std::span<float> manual = p_korvel->p_tonegenerator_buffer_organ;
     const std::span<float> bass = p_korvel->p_tonegenerator_buffer_bass;
 
-    held_keys_register(p_korvel->held, p_organ->p_harpmatrixes[0].get(), p_tg);
+    held_keys_register(p_korvel->held, audible_keys(p_korvel), p_organ->p_harpmatrixes[0].get(),
+                       p_tg);
     const bool manual_sounds = tone_generator_next(p_tg, manual, first_manual_osc, last_manual_osc);
     const bool bass_sounds =
         tone_generator_next(p_tg, bass, 0, last_bass_osc) || p_korvel->bass_has_segment;

@@ -13,9 +13,17 @@ namespace {
 struct Keybed : testing::Test {
     std::unique_ptr<keybed, decltype(&keybed_free)> keys{keybed_create(4, 24, "keys"), keybed_free};
     std::ostringstream segments;
+    bool takes_steady = false;
+    int nb_steady = 0; // blocks taken as a whole
 
     Keybed() {
         keys->keybed_callback = [this](playing_key* p_key, unsigned len) { record(*p_key, len); };
+        keys->steady_callback = [this](unsigned len) {
+            for (auto* elem = keys->p_key_list->first; takes_steady && elem; elem = elem->next)
+                record(*static_cast<playing_key*>(elem->obj), len);
+            nb_steady += takes_steady;
+            return takes_steady;
+        };
         envelope_update_second_long(keys->p_keys[0].p_env_attack, 100, 100);
         envelope_update_second_long(keys->p_keys[0].p_env_release, 144, 144);
     }
@@ -85,6 +93,11 @@ TEST_F(Keybed, SegmentsAreThoseOfTheScript) {
          "2S100+412@0 | 1S0+0@0 1R0+144@0 2S0+512@0 | 2S0+512@0 | "},
         {"on 0 412 next 512 size 64 next 64 size 1024 next 1024 next 1024",
          "0A412+100@0 | 0A0+0@100 0S0+64@0 | 0S0+1024@0 | 0S0+1024@0 | "},
+        {"on 0 0 on 1 0 next 512 next 512 next 512 next 512 next 64 on 1 32 next 64 off 0 0 next "
+         "512",
+         "0A0+100@0 0S100+412@0 1A0+100@0 1S100+412@0 | 0S0+512@0 1S0+512@0 | 0S0+512@0 1S0+512@0 "
+         "| 0S0+512@0 1S0+512@0 | 0S0+64@0 1S0+64@0 | 1S0+32@0 0S0+64@0 1A32+32@0 | 0S0+0@0 "
+         "0R0+144@0 1A0+68@32 1S68+444@0 | "},
         // Frames outside the block or before what is rendered move.
         {"on 0 -5 on 1 9999 next 512 next 512",
          "0A0+100@0 0S100+412@0 1A512+0@0 | 0S0+512@0 1A0+100@0 1S100+412@0 | "},
@@ -97,8 +110,12 @@ TEST_F(Keybed, SegmentsAreThoseOfTheScript) {
         {"rate 0 on 0 10 off 0 20 next 512 next 512", "0A10+0@0 0S10+10@0 0R20+0@0 | | "},
         {"rate 0 on 0 0 next 0 rate 1000 next 512", "| 0A0+0@100 0S0+512@0 | "},
     };
-    for (const auto& [script, expected] : rows)
-        EXPECT_EQ(play(script), expected) << script;
+    for (const bool whole : {false, true})
+        for (const auto& [script, expected] : rows) {
+            takes_steady = whole;
+            EXPECT_EQ(play(script), expected) << script << (whole ? ", steady blocks whole" : "");
+        }
+    EXPECT_EQ(nb_steady, 3);
 }
 
 TEST_F(Keybed, ARateChangeAnywhereInATableStaysInsideTheNewOne) {

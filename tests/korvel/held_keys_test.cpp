@@ -17,7 +17,7 @@ std::vector<float> register_keys(held_keys& held, const harpmatrix& matrix, tone
                                  std::span<const unsigned> keys) {
     for (const unsigned key : keys)
         held_keys_add(held, key);
-    held_keys_register(held, &matrix, p_tg);
+    held_keys_register(held, ~std::uint64_t{0}, &matrix, p_tg);
     tonegenerator_reset_sustain(p_tg);
     return p_tg->held_conductance;
 }
