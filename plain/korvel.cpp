@@ -27,6 +27,8 @@ void add_voices(korvel* p_korvel, playing_key* p_key, unsigned len) {
             table = p_key->p_env_attack->p_env_buffer.data() + p_key->phase;
         if (p_key->key_state == 'R')
             table = p_key->p_env_release->p_env_buffer.data() + p_key->phase;
+        // After nothing of a curve all that follows is laid down, where the plain form reads it.
+        tone_generator_add_non_sustained_oscillator(p_tg, osc, 0, 0, nullptr, 0.0f);
         tone_generator_add_non_sustained_oscillator(p_tg, osc, p_key->frame_index, len, table,
                                                     conductance);
     }

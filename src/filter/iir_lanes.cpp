@@ -1,12 +1,10 @@
 #include "filter/iir_lanes.h"
 
-#include <cstring>
+#include "lanes/lanes.h"
 
 namespace {
 
-using lanes = float __attribute__((vector_size(iir_nb_lanes * sizeof(float))));
-
-lanes broadcast(float x) { return lanes{x, x, x, x}; }
+static_assert(iir_nb_lanes == nb_lanes);
 
 /// Sections side by side. A first-order section is a second-order one whose a2, b2 and z2 are 0:
 /// its sums gain a zero and stay what they are. A lane without a filter is all zeros.
@@ -56,14 +54,6 @@ lanes shuffle(lanes one, lanes other) {
     return __builtin_shufflevector(one, other, indices...);
 }
 
-lanes load(const float* samples) {
-    lanes loaded;
-    std::memcpy(&loaded, samples, sizeof loaded);
-    return loaded;
-}
-
-void store(lanes values, float* samples) { std::memcpy(samples, &values, sizeof values); }
-
 /// The sums over the lanes of four frames, in the order of the lanes.
 lanes sum_of_lanes(const lanes (&y)[iir_nb_lanes]) {
     const lanes low01 = shuffle<0, 4, 1, 5>(y[0], y[1]), high01 = shuffle<2, 6, 3, 7>(y[0], y[1]);
@@ -102,14 +92,14 @@ template <bool has_gain>
 void run_groups(sections& parallel, sections (&stage)[2], std::span<const float> src,
                 std::span<float> sum, const iir_cascade_run& first, const iir_cascade_run& second) {
     const auto cascade = [&](std::size_t n) {
-        lanes x = load(&first.src[n]), y = load(&second.src[n]);
+        lanes x = lanes_load(&first.src[n]), y = lanes_load(&second.src[n]);
         run_cascades<has_gain>(stage, x, y);
-        store(x, &first.dest[n]);
-        store(y, &second.dest[n]);
+        lanes_store(x, &first.dest[n]);
+        lanes_store(y, &second.dest[n]);
     };
-    store(run_parallel(parallel, load(src.data())), sum.data());
+    lanes_store(run_parallel(parallel, lanes_load(src.data())), sum.data());
     for (std::size_t n = iir_nb_lanes; n < src.size(); n += iir_nb_lanes) {
-        store(run_parallel(parallel, load(&src[n])), &sum[n]);
+        lanes_store(run_parallel(parallel, lanes_load(&src[n])), &sum[n]);
         cascade(n - iir_nb_lanes);
     }
     cascade(src.size() - iir_nb_lanes);
@@ -120,7 +110,7 @@ void run_frames(sections& parallel, sections (&stage)[2], std::span<const float>
                 std::span<float> sum, const iir_cascade_run& first, const iir_cascade_run& second,
                 std::size_t begin) {
     for (std::size_t n = begin; n < src.size(); ++n) {
-        const lanes y = run_second_order(parallel, broadcast(src[n]));
+        const lanes y = run_second_order(parallel, lanes_broadcast(src[n]));
         sum[n] = ((y[0] + y[1]) + y[2]) + y[3];
         const lanes x{first.src[n], second.src[n]};
         const lanes z = run_first_order<has_gain>(stage[1], run_first_order<has_gain>(stage[0], x));

@@ -19,10 +19,12 @@ std::span<float> frames_of(std::span<float> block, std::size_t start, std::size_
     return block.subspan(start, std::min(nframes, block.size() - start));
 }
 
-void insert(oscillator_set& set, std::size_t osc) {
+void insert(oscillator_set& set, unsigned osc) {
     if (osc / 64 < set.size())
         set[osc / 64] |= std::uint64_t{1} << osc % 64;
 }
+
+bool contains(const oscillator_set& set, unsigned osc) { return set[osc / 64] >> osc % 64 & 1u; }
 
 bool is_silent(const tonegenerator* p_tg) {
     std::uint64_t any = 0;
@@ -42,17 +44,50 @@ std::span<const int> oscillators_with_curves(const tonegenerator* p_tg) {
 }
 
 void clear_curves(tonegenerator* p_tg) {
-    for (const int osc : oscillators_with_curves(p_tg))
-        std::ranges::fill(curve_of(p_tg, static_cast<std::size_t>(osc)), 0.0f);
+    for (const int number : oscillators_with_curves(p_tg)) {
+        const auto osc = static_cast<std::size_t>(number);
+        p_tg->whole[osc].nb_curves = 0;
+        if (p_tg->has_curve[osc])
+            std::ranges::fill(curve_of(p_tg, osc), 0.0f);
+        p_tg->has_curve[osc] = 0;
+    }
+    p_tg->nb_non_sustained_oscs = 0;
 }
 
 void register_curve(tonegenerator* p_tg, unsigned osc) {
-    if (p_tg->has_curve[osc])
+    if (p_tg->has_curve[osc] || p_tg->whole[osc].nb_curves > 0)
         return;
-    p_tg->has_curve[osc] = 1;
     insert(p_tg->in_block, osc);
     p_tg->non_sustained_oscillators[static_cast<std::size_t>(p_tg->nb_non_sustained_oscs++)] =
         static_cast<int>(osc);
+}
+
+/// Returns whether the oscillator's curves are whole ones so far and have room for another.
+bool add_whole_curve(tonegenerator* p_tg, unsigned osc, const whole_curve& curve) {
+    whole_curves& whole = p_tg->whole[osc];
+    if (p_tg->has_curve[osc] || whole.nb_curves == whole.curves.size())
+        return false;
+    whole.curves[whole.nb_curves++] = curve;
+    return true;
+}
+
+void add_curve(std::span<float> sum, const float* p_env, float conductance) {
+    if (!p_env) {
+        for (float& gain : sum)
+            gain += conductance;
+        return;
+    }
+    for (std::size_t i = 0; i < sum.size(); ++i)
+        sum[i] += p_env[i] * conductance;
+}
+
+/// From here on the oscillator's curves are laid down, the whole ones that it has received first.
+void lay_down_curves(tonegenerator* p_tg, unsigned osc) {
+    whole_curves& whole = p_tg->whole[osc];
+    for (const whole_curve& curve : std::span(whole.curves).first(whole.nb_curves))
+        add_curve(curve_of(p_tg, osc), curve.table, curve.conductance);
+    whole.nb_curves = 0;
+    p_tg->has_curve[osc] = 1;
 }
 
 std::unique_ptr<buffers> create_buffers(int block_size) {
@@ -77,15 +112,22 @@ gained_wave play(tonegenerator* p_tg, unsigned osc, std::size_t start, std::size
     wave_scratch& scratch = p_tg->scratches[osc];
     const float* samples = wave_reader_read(
         p_tg->readers[osc], p_tg->global_phase_index + static_cast<std::uint32_t>(start), scratch);
+    float gain = p_tg->held_conductance[osc];
+    if (!contains(p_tg->in_block, osc)) // as most mostly have
+        return {samples, gain};
     const int position = p_tg->sustained_positions[osc];
-    float sustained = p_tg->held_conductance[osc];
     if (position >= 0)
-        sustained += p_tg->sustained_oscillators_conductance[static_cast<std::size_t>(position)];
-    if (!p_tg->has_curve[osc])
-        return {samples, sustained};
-    const float* curve = &p_tg->non_sustained_oscillators_conductance[osc][start];
-    for (std::size_t i = 0; i < nframes; ++i)
-        scratch[i] = samples[i] * (curve[i] + sustained);
+        gain += p_tg->sustained_oscillators_conductance[static_cast<std::size_t>(position)];
+    const auto played = std::span(scratch).first(nframes);
+    if (p_tg->whole[osc].nb_curves > 0) {
+        whole_curves_apply(p_tg->whole[osc], start, gain, samples, played);
+    } else if (p_tg->has_curve[osc]) {
+        const float* curve = &p_tg->non_sustained_oscillators_conductance[osc][start];
+        for (std::size_t i = 0; i < nframes; ++i)
+            played[i] = samples[i] * (curve[i] + gain);
+    } else {
+        return {samples, gain};
+    }
     return {scratch.data(), 1.0f};
 }
 
@@ -127,6 +169,7 @@ void tonegenerator_set_sampling_rate(tonegenerator* p_tg, int sampling_rate) {
     p_tg->held_conductance.assign(nb_oscs, 0.0f);
     p_tg->held = {};
     p_tg->non_sustained_oscillators.assign(nb_oscs, 0);
+    p_tg->whole.assign(nb_oscs, {});
     p_tg->has_curve.assign(nb_oscs, 0);
     p_tg->scratches.resize(nb_oscs);
     p_tg->readers.clear();
@@ -179,14 +222,12 @@ void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned o
     if (!can_play(p_tg, oscillator, conductance))
         return;
     register_curve(p_tg, oscillator);
-    const auto curve = frames_of(curve_of(p_tg, oscillator), start_index, nframes);
-    if (!p_env) {
-        for (float& gain : curve)
-            gain += conductance;
+    const auto block = static_cast<unsigned>(std::max(p_tg->block_size, 0));
+    if (p_env && start_index == 0 && nframes >= block
+        && add_whole_curve(p_tg, oscillator, {p_env, conductance}))
         return;
-    }
-    for (std::size_t i = 0; i < curve.size(); ++i)
-        curve[i] += p_env[i] * conductance;
+    lay_down_curves(p_tg, oscillator);
+    add_curve(frames_of(curve_of(p_tg, oscillator), start_index, nframes), p_env, conductance);
 }
 
 bool tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned osc_start,
@@ -219,9 +260,6 @@ void tonegenerator_reset_sustain(tonegenerator* p_tg) noexcept {
     p_tg->nb_sustained_oscs = 0;
 
     clear_curves(p_tg);
-    for (const int osc : oscillators_with_curves(p_tg))
-        p_tg->has_curve[static_cast<std::size_t>(osc)] = 0;
-    p_tg->nb_non_sustained_oscs = 0;
     p_tg->in_block = {};
 }
 

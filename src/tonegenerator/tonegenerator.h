@@ -12,6 +12,7 @@
 #include "oscillators/oscillators.h"
 #include "realtime/nonblocking.h"
 #include "tonegenerator/wave_reader.h"
+#include "tonegenerator/whole_curve.h"
 
 #include <array>
 #include <cstdint>
@@ -37,9 +38,10 @@ struct tonegenerator {
     std::vector<int> sustained_positions{}; ///< by oscillator: its position there, or -1
 
     int nb_non_sustained_oscs = 0;
-    std::vector<int> non_sustained_oscillators{}; ///< that have a curve in this block
-    std::vector<unsigned char> has_curve{};       ///< by oscillator: 1 while in that list
-    std::unique_ptr<buffers> p_buffers;           ///< holds the curves
+    std::vector<int> non_sustained_oscillators{}; ///< that have curves in this block
+    std::vector<whole_curves> whole{};            ///< by oscillator, where all of them are whole
+    std::vector<unsigned char> has_curve{};       ///< by oscillator: 1 where they are laid down
+    std::unique_ptr<buffers> p_buffers;           ///< in these
     std::vector<std::span<float>> non_sustained_oscillators_conductance{}; ///< by oscillator
 
     std::vector<float> held_conductance{}; ///< by oscillator: its gain from block to block, or 0
@@ -76,7 +78,7 @@ void tone_generator_add_sustained_oscillator(tonegenerator* p_tg, unsigned osc,
                                              float conductance) noexcept NONBLOCKING;
 
 /// Adds p_env[i] * conductance, or the conductance alone without p_env, to the oscillator's curve
-/// at frames start_index + i, i < nframes. [audio]
+/// at frames start_index + i, i < nframes. p_env is read until the block has been rendered. [audio]
 void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned oscillator,
                                                  unsigned start_index, unsigned nframes,
                                                  const float* p_env,

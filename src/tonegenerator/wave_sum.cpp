@@ -1,49 +1,52 @@
 #include "tonegenerator/wave_sum.h"
 
+#include "lanes/lanes.h"
+
 #include <algorithm>
-#include <cstring>
+#include <utility>
 
 namespace {
 
-constexpr std::size_t lane_frames = 4;
-using lanes = float __attribute__((vector_size(lane_frames * sizeof(float))));
-
 /// The sums of a column stay in registers while all waves pass.
 constexpr std::size_t column_lanes = 8;
-constexpr std::size_t column_frames = column_lanes * lane_frames;
-static_assert(wave_reader_chunk % column_frames == 0);
+static_assert(wave_reader_chunk % nb_lanes == 0);
 
-lanes load(const float* samples) {
-    lanes loaded;
-    std::memcpy(&loaded, samples, sizeof loaded);
-    return loaded;
-}
-
+template <std::size_t nb>
 void add_column(std::span<const gained_wave> waves, std::size_t start, float* sums) {
-    lanes column[column_lanes];
+    lanes column[nb];
     std::memcpy(column, sums + start, sizeof column);
     for (const gained_wave& wave : waves) {
         const float* samples = wave.samples + start;
-        for (std::size_t i = 0; i < column_lanes; ++i)
-            column[i] += load(samples + i * lane_frames) * wave.gain;
+        for (std::size_t i = 0; i < nb; ++i)
+            column[i] += lanes_load(samples + i * nb_lanes) * wave.gain;
     }
     std::memcpy(sums + start, column, sizeof column);
 }
 
-void add_columns(std::span<const gained_wave> waves, std::size_t nframes, float* sums) {
-    for (std::size_t start = 0; start < nframes; start += column_frames)
-        add_column(waves, start, sums);
+/// A last column of fewer lanes, among those that the compiler has laid out.
+template <std::size_t... less>
+void add_last_column(std::span<const gained_wave> waves, std::size_t start, std::size_t nb,
+                     float* sums, std::index_sequence<less...>) {
+    (void)((nb == less + 1 && (add_column<less + 1>(waves, start, sums), true)) || ...);
+}
+
+void add_columns(std::span<const gained_wave> waves, std::size_t nb, float* sums) {
+    std::size_t lane = 0;
+    for (; lane + column_lanes <= nb; lane += column_lanes)
+        add_column<column_lanes>(waves, lane * nb_lanes, sums);
+    add_last_column(waves, lane * nb_lanes, nb - lane, sums,
+                    std::make_index_sequence<column_lanes - 1>{});
 }
 
 } // namespace
 
 void wave_sum_add(std::span<const gained_wave> waves, std::span<float> dest) noexcept {
-    if (dest.size() == wave_reader_chunk) {
-        add_columns(waves, dest.size(), dest.data());
+    if (dest.size() % nb_lanes == 0) {
+        add_columns(waves, dest.size() / nb_lanes, dest.data());
         return;
     }
     wave_scratch sums{};
-    std::copy(dest.begin(), dest.end(), sums.begin());
-    add_columns(waves, dest.size(), sums.data());
+    std::ranges::copy(dest, sums.begin());
+    add_columns(waves, dest.size() / nb_lanes + 1, sums.data());
     std::copy_n(sums.begin(), dest.size(), dest.begin());
 }
