@@ -107,18 +107,15 @@ void register_curves(tonegenerator* p_tg) {
         buffers_add(p_tg->p_buffers.get(), "NON SUSTAINED BUFFER", &curve);
 }
 
-/// What an oscillator plays from frame `start` of the block on, `nframes` of it at most a chunk.
-gained_wave play(tonegenerator* p_tg, unsigned osc, std::size_t start, std::size_t nframes) {
-    wave_scratch& scratch = p_tg->scratches[osc];
-    const float* samples = wave_reader_read(
-        p_tg->readers[osc], p_tg->global_phase_index + static_cast<std::uint32_t>(start), scratch);
+/// What an oscillator with gains of this block alone plays from frame `start` of it on, where its
+/// wave lies at `samples`: `nframes`, at most a chunk.
+gained_wave play_in_block(tonegenerator* p_tg, unsigned osc, const float* samples,
+                          std::size_t start, std::size_t nframes) {
     float gain = p_tg->held_conductance[osc];
-    if (!contains(p_tg->in_block, osc)) // as most mostly have
-        return {samples, gain};
     const int position = p_tg->sustained_positions[osc];
     if (position >= 0)
         gain += p_tg->sustained_oscillators_conductance[static_cast<std::size_t>(position)];
-    const auto played = std::span(scratch).first(nframes);
+    const auto played = std::span(p_tg->scratches[osc]).first(nframes);
     if (p_tg->whole[osc].nb_curves > 0) {
         whole_curves_apply(p_tg->whole[osc], start, gain, samples, played);
     } else if (p_tg->has_curve[osc]) {
@@ -128,7 +125,24 @@ gained_wave play(tonegenerator* p_tg, unsigned osc, std::size_t start, std::size
     } else {
         return {samples, gain};
     }
-    return {scratch.data(), 1.0f};
+    return {played.data(), 1.0f};
+}
+
+/// What the oscillators play from frame `start` of the block on, `nframes` of it at most a chunk.
+void play(tonegenerator* p_tg, std::span<const unsigned> oscillators, std::size_t start,
+          std::size_t nframes, std::span<gained_wave> waves) {
+    const std::uint32_t phase = p_tg->global_phase_index + static_cast<std::uint32_t>(start);
+    const wave_reader* readers = p_tg->readers.data();
+    wave_scratch* scratches = p_tg->scratches.data();
+    const float* held = p_tg->held_conductance.data();
+    for (std::size_t i = 0; i < waves.size(); ++i) {
+        const unsigned osc = oscillators[i];
+        const float* samples = wave_reader_read(readers[osc], phase, scratches[osc]);
+        if (contains(p_tg->in_block, osc))
+            waves[i] = play_in_block(p_tg, osc, samples, start, nframes);
+        else // as most mostly do
+            waves[i] = {samples, held[osc]};
+    }
 }
 
 /// The oscillators of the range that received anything, in the order of their numbers.
@@ -238,14 +252,14 @@ bool tone_generator_next(tonegenerator* p_tg, std::span<float> dest, unsigned os
     const auto in_use = oscillators_in_use(p_tg, osc_start, osc_end, numbers);
     if (in_use.empty())
         return false;
-    std::array<gained_wave, max_nb_buffers> waves;
+    std::array<gained_wave, max_nb_buffers> played;
+    const auto waves = std::span(played).first(in_use.size());
     const std::size_t nframes =
         std::min(dest.size(), static_cast<std::size_t>(std::max(p_tg->block_size, 0)));
     for (std::size_t start = 0; start < nframes; start += wave_reader_chunk) {
         const auto chunk = frames_of(dest.first(nframes), start, wave_reader_chunk);
-        for (std::size_t i = 0; i < in_use.size(); ++i)
-            waves[i] = play(p_tg, in_use[i], start, chunk.size());
-        wave_sum_add(std::span(waves).first(in_use.size()), chunk);
+        play(p_tg, in_use, start, chunk.size(), waves);
+        wave_sum_add(waves, chunk);
     }
     return true;
 }
