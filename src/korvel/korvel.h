@@ -13,7 +13,6 @@
 #include <array>
 #include <atomic>
 #include <memory>
-#include <optional>
 
 /// The rates that the filters are designed for. 48000 comes last, so that its sets are in use
 /// before any rate is set.
@@ -78,8 +77,7 @@ struct korvel {
     std::size_t selected_rate = s_rate.size() - 1; ///< position in s_rate of the filters' sets
 
     bool bass_has_segment = false; ///< part of this block's bass lies in its buffer already
-    /// At rest, when nothing sounds and nothing rings on: the stops that were on then.
-    std::optional<unsigned> resting_stops{};
+    unsigned resting_stops = 0;    ///< that were on when the engine came to rest
 };
 
 static_assert(std::atomic<contour_coeffs>::is_always_lock_free);

@@ -200,13 +200,6 @@ void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
     vibrato* p_vibrato = p_korvel->p_vibrato.get();
     const unsigned stops = stops_on(p_korvel);
     const bool is_silent = !manual_sounds && !bass_sounds && vibrato_is_empty(p_vibrato);
-    if (is_silent && p_korvel->resting_stops == stops) {
-        vibrato_skip(p_vibrato, manual.size());
-        std::ranges::fill(out_r, 0.0f);
-        std::ranges::fill(out_l, 0.0f);
-        return;
-    }
-
     if (manual_sounds)
         vibrato_process(p_vibrato, manual, p_korvel->p_post_scanner);
     else
@@ -216,15 +209,22 @@ void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
 
     std::ranges::fill(manual, 0.0f);
     std::ranges::fill(bass, 0.0f);
-    p_korvel->resting_stops.reset();
-    if (is_silent && settle_filters(p_korvel, stops))
-        p_korvel->resting_stops = stops;
+    p_korvel->resting_stops = stops;
+    p_organ->is_resting = is_silent && settle_filters(p_korvel, stops);
+}
+
+bool korvel_rest_callback(korvel* p_korvel, unsigned nframes) noexcept {
+    if (stops_on(p_korvel) != p_korvel->resting_stops)
+        return false;
+    for (const auto& p_keybed : p_korvel->p_organ->p_keybeds)
+        keybed_next(p_keybed.get(), static_cast<int>(nframes));
+    vibrato_skip(p_korvel->p_vibrato.get(), nframes);
+    return true;
 }
 
 void korvel_set_block_size(korvel*, int) {}
 
 void korvel_set_sampling_rate(korvel* p_korvel, int sampling_rate) {
-    p_korvel->resting_stops.reset();
     p_korvel->held.registered = 0; // the tone generator holds nothing now
     const float* taps = fir_brickwall_find(sampling_rate);
     filter_set_b_coeffs(p_korvel->p_organ->p_filters[filter_brickwall].get(),

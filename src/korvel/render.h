@@ -28,6 +28,10 @@ bool render_callback_bass_steady(korvel* p_korvel, unsigned len) noexcept NONBLO
 void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
                              std::span<float> out_l) noexcept NONBLOCKING;
 
+/// Goes on by a block at rest, or returns false where a stop has moved: its filter stood still, and
+/// may ring on. [audio]
+bool korvel_rest_callback(korvel* p_korvel, unsigned nframes) noexcept NONBLOCKING;
+
 void korvel_set_block_size(korvel* p_korvel, int block_size); ///< all buffers follow by themselves
 
 /// Follows the rate with the brick-wall taps, the vibrato's depth and the contour set. [setup]

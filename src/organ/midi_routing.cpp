@@ -6,6 +6,7 @@
 namespace {
 
 void receive_note(organ* p_organ, const char* midi_data, int channel, int frame_index) {
+    p_organ->is_resting = false;
     for (const auto& p_keybed : p_organ->p_keybeds)
         if (p_keybed->midi_channel == channel || p_keybed->omni_mode == 1)
             keybed_receive_midi_event(p_keybed.get(), midi_data, frame_index);

@@ -37,6 +37,24 @@ void follow_block_size(organ* p_organ, int nframes) noexcept NONBLOCKING {
     NONBLOCKING_UNCHECKED_END
 }
 
+/// At rest an engine touches little memory: hundreds of them share a processor's caches.
+bool rest(organ* p_organ, unsigned nframes) noexcept NONBLOCKING {
+    return p_organ->is_resting && p_organ->rest_callback && p_organ->rest_callback(nframes);
+}
+
+void render(organ* p_organ, std::span<float> out_r, std::span<float> out_l) noexcept NONBLOCKING {
+    const int nframes = static_cast<int>(out_r.size());
+    follow_block_size(p_organ, nframes);
+    for (const auto& p_keybed : p_organ->p_keybeds)
+        keybed_next(p_keybed.get(), nframes);
+    if (p_organ->process_callback) {
+        p_organ->process_callback(p_organ, out_r, out_l);
+        return;
+    }
+    std::ranges::fill(out_r, 0.0f);
+    std::ranges::fill(out_l, 0.0f);
+}
+
 } // namespace
 
 organ* organ_create(const char* name, int nb_keybeds, int nb_tonegenerators, int nb_harpmatrixes,
@@ -93,6 +111,7 @@ void organ_set_sampling_rate(organ* p_organ, int sampling_rate) {
     if (sampling_rate < 1)
         return;
     p_organ->sampling_rate = sampling_rate;
+    p_organ->is_resting = false;
     dsp_stack_set_sampling_rate(p_organ->p_dsp_stack.get(), sampling_rate);
     for (const auto& p_keybed : p_organ->p_keybeds)
         keybed_set_sampling_rate(p_keybed.get(), sampling_rate);
@@ -106,18 +125,15 @@ void organ_process(organ* p_organ, std::span<float> out_r, std::span<float> out_
     if (out_r.empty())
         return;
     flush_denormals();
-    const int nframes = static_cast<int>(out_r.size());
-    follow_block_size(p_organ, nframes);
-    for (const auto& p_keybed : p_organ->p_keybeds)
-        keybed_next(p_keybed.get(), nframes);
-    if (p_organ->process_callback) {
-        p_organ->process_callback(p_organ, out_r, out_l);
-    } else {
+    const auto nframes = static_cast<std::uint32_t>(out_r.size());
+    if (rest(p_organ, nframes)) {
         std::ranges::fill(out_r, 0.0f);
         std::ranges::fill(out_l, 0.0f);
+    } else {
+        render(p_organ, out_r, out_l);
     }
     for (const auto& p_tonegenerator : p_organ->p_tonegenerators)
-        p_tonegenerator->global_phase_index += static_cast<std::uint32_t>(nframes);
+        p_tonegenerator->global_phase_index += nframes;
 }
 
 void organ_panic(organ* p_organ) noexcept {

@@ -47,6 +47,11 @@ struct organ {
     std::function<void(organ*, int mode)> set_output_mode_callback{};
     /// Renders a block; without it the outputs are silent.
     closure<void(organ*, std::span<float> out_r, std::span<float> out_l)> process_callback{};
+    /// Whether nothing sounds or rings on, as the instrument has found. A note ends it.
+    bool is_resting = false;
+    /// Asked at rest: goes on by so many frames of silence, or returns false, and they are
+    /// rendered.
+    closure<bool(unsigned nframes)> rest_callback{};
     std::function<void(int block_size)> set_block_size_callback{};
     std::function<void(int sampling_rate)> set_sampling_rate_callback{};
     std::unique_ptr<dsp_stack> p_dsp_stack{};
