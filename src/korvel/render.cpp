@@ -216,8 +216,6 @@ void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
 bool korvel_rest_callback(korvel* p_korvel, unsigned nframes) noexcept {
     if (stops_on(p_korvel) != p_korvel->resting_stops)
         return false;
-    for (const auto& p_keybed : p_korvel->p_organ->p_keybeds)
-        keybed_next(p_keybed.get(), static_cast<int>(nframes));
     vibrato_skip(p_korvel->p_vibrato.get(), nframes);
     return true;
 }

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <ctime>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -38,15 +39,21 @@ void follow_block_size(organ* p_organ, int nframes) noexcept NONBLOCKING {
 }
 
 /// At rest an engine touches little memory: hundreds of them share a processor's caches.
-bool rest(organ* p_organ, unsigned nframes) noexcept NONBLOCKING {
-    return p_organ->is_resting && p_organ->rest_callback && p_organ->rest_callback(nframes);
+bool rest(organ* p_organ, std::uint32_t nframes) noexcept NONBLOCKING {
+    if (!p_organ->is_resting || !p_organ->rest_callback || !p_organ->rest_callback(nframes))
+        return false;
+    p_organ->rested_frames += nframes;
+    return true;
 }
 
 void render(organ* p_organ, std::span<float> out_r, std::span<float> out_l) noexcept NONBLOCKING {
     const int nframes = static_cast<int>(out_r.size());
     follow_block_size(p_organ, nframes);
-    for (const auto& p_keybed : p_organ->p_keybeds)
+    const std::uint32_t rested_frames = std::exchange(p_organ->rested_frames, 0);
+    for (const auto& p_keybed : p_organ->p_keybeds) {
+        p_keybed->global_index += rested_frames;
         keybed_next(p_keybed.get(), nframes);
+    }
     if (p_organ->process_callback) {
         p_organ->process_callback(p_organ, out_r, out_l);
         return;

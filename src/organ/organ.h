@@ -52,6 +52,7 @@ struct organ {
     /// Asked at rest: goes on by so many frames of silence, or returns false, and they are
     /// rendered.
     closure<bool(unsigned nframes)> rest_callback{};
+    std::uint32_t rested_frames = 0; ///< that the keybeds have not been told of
     std::function<void(int block_size)> set_block_size_callback{};
     std::function<void(int sampling_rate)> set_sampling_rate_callback{};
     std::unique_ptr<dsp_stack> p_dsp_stack{};
