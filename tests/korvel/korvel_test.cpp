@@ -11,6 +11,7 @@
 #include <limits>
 #include <memory>
 #include <thread>
+#include <tuple>
 
 namespace {
 
@@ -101,6 +102,34 @@ TEST(Korvel, DamagedTextsLeaveAnInstrumentThatPlaysWhatIsSound) {
         const float peak = loudness(text);
         EXPECT_EQ(peak > 1e-4f, sounds) << text.second;
         EXPECT_LT(peak, 10.0f) << text.second;
+    }
+}
+
+/// A filter that stood still while the organ came to rest, out of use, rings on once it is used.
+TEST(Korvel, WhatStoodStillEndsARest) {
+    const auto set_flute = [](instrument& played, float value) {
+        control_set_parameter(played.p_control.get(), filter_flute, value);
+    };
+    const auto set_rate = [](instrument& played, float rate) {
+        organ_set_sampling_rate(played.p_organ.get(), static_cast<int>(rate));
+    };
+    const std::tuple<void (*)(instrument&, float), float, float> rows[] = {
+        {set_flute, 0.0f, 1.0f}, {set_rate, 44100.0f, 48000.0f}};
+    for (const auto& [set, elsewhere, back] : rows) {
+        instrument played;
+        played.send(0x90, 60);
+        played.render(100);
+        set(played, elsewhere);
+        played.send(0x80, 60);
+        while (!played.p_organ->is_resting && played.out.size() < 60 * 48000)
+            played.render();
+        ASSERT_TRUE(played.p_organ->is_resting);
+        played.out.clear();
+        played.render(10);
+        EXPECT_EQ(peak(played.out), 0.0f);
+        set(played, back);
+        played.render();
+        EXPECT_GT(peak(played.out), 1e-6f) << back;
     }
 }
 
