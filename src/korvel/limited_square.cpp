@@ -53,12 +53,11 @@ void limited_square::render(double frequency, double start_phase, std::span<floa
         const bool high = square.is_high(i);
         step_to(high ? 0.5f : -0.5f, i);
         const std::size_t end = std::min(square.next_change(i, high), samples.size());
-        for (std::size_t n = i; n < end; ++n)
-            samples[n] = level * unit_gain;
+        const float reached = level * unit_gain;
+        for (std::size_t n = i; n < end; ++n) // no later step reaches back here
+            samples[n] = reached - lacking[n];
         i = end;
     }
-    for (std::size_t n = 0; n < samples.size(); ++n)
-        samples[n] -= lacking[n];
     std::copy_n(&lacking[samples.size()], carried.size(), carried.begin());
 }
 

@@ -10,7 +10,7 @@
 namespace {
 
 bool can_play(const tonegenerator* p_tg, unsigned osc, float gain) {
-    return osc < p_tg->readers.size() && std::isfinite(gain);
+    return osc < p_tg->has_curve.size() && std::isfinite(gain);
 }
 
 /// The part of a block's samples at frames start + i, i < nframes.
@@ -54,9 +54,7 @@ void clear_curves(tonegenerator* p_tg) {
     p_tg->nb_non_sustained_oscs = 0;
 }
 
-void register_curve(tonegenerator* p_tg, unsigned osc) {
-    if (p_tg->has_curve[osc] || p_tg->whole[osc].nb_curves > 0)
-        return;
+void register_curves(tonegenerator* p_tg, unsigned osc) {
     insert(p_tg->in_block, osc);
     p_tg->non_sustained_oscillators[static_cast<std::size_t>(p_tg->nb_non_sustained_oscs++)] =
         static_cast<int>(osc);
@@ -67,6 +65,8 @@ bool add_whole_curve(tonegenerator* p_tg, unsigned osc, const whole_curve& curve
     whole_curves& whole = p_tg->whole[osc];
     if (p_tg->has_curve[osc] || whole.nb_curves == whole.curves.size())
         return false;
+    if (whole.nb_curves == 0)
+        register_curves(p_tg, osc);
     whole.curves[whole.nb_curves++] = curve;
     return true;
 }
@@ -84,6 +84,8 @@ void add_curve(std::span<float> sum, const float* p_env, float conductance) {
 /// From here on the oscillator's curves are laid down, the whole ones that it has received first.
 void lay_down_curves(tonegenerator* p_tg, unsigned osc) {
     whole_curves& whole = p_tg->whole[osc];
+    if (whole.nb_curves == 0 && !p_tg->has_curve[osc])
+        register_curves(p_tg, osc);
     for (const whole_curve& curve : std::span(whole.curves).first(whole.nb_curves))
         add_curve(curve_of(p_tg, osc), curve.table, curve.conductance);
     whole.nb_curves = 0;
@@ -95,7 +97,7 @@ std::unique_ptr<buffers> create_buffers(int block_size) {
 }
 
 /// Gives every oscillator of the bank a curve; curves of an earlier, larger bank stay.
-void register_curves(tonegenerator* p_tg) {
+void add_curve_buffers(tonegenerator* p_tg) {
     auto& curves = p_tg->non_sustained_oscillators_conductance;
     const auto nb_oscs = static_cast<std::size_t>(p_tg->oscs_bank->nb_oscs);
     const std::size_t nb_registered = curves.size();
@@ -189,7 +191,7 @@ void tonegenerator_set_sampling_rate(tonegenerator* p_tg, int sampling_rate) {
     p_tg->readers.clear();
     for (const oscillator& osc : p_tg->oscs_bank->oscs)
         p_tg->readers.push_back(wave_reader_create(osc, sampling_rate));
-    register_curves(p_tg);
+    add_curve_buffers(p_tg);
 }
 
 void tonegenerator_set_block_size(tonegenerator* p_tg, int block_size) {
@@ -235,7 +237,6 @@ void tone_generator_add_non_sustained_oscillator(tonegenerator* p_tg, unsigned o
                                                  const float* p_env, float conductance) noexcept {
     if (!can_play(p_tg, oscillator, conductance))
         return;
-    register_curve(p_tg, oscillator);
     const auto block = static_cast<unsigned>(std::max(p_tg->block_size, 0));
     if (p_env && start_index == 0 && nframes >= block
         && add_whole_curve(p_tg, oscillator, {p_env, conductance}))

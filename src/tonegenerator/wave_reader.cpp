@@ -5,11 +5,17 @@
 
 namespace {
 
-std::vector<float> playing_order(const std::vector<float>& table, std::uint64_t m,
+std::vector<float> playing_order(const std::vector<float>& table, std::size_t m,
                                  std::size_t nb_samples) {
+    const std::size_t step = m % table.size();
     std::vector<float> samples(nb_samples);
-    for (std::size_t j = 0; j < nb_samples; ++j)
-        samples[j] = table[static_cast<std::size_t>(m * j % table.size())];
+    std::size_t position = 0; // (m j) mod L of sample j
+    for (float& sample : samples) {
+        sample = table[position];
+        position += step;
+        if (position >= table.size())
+            position -= table.size();
+    }
     return samples;
 }
 
