@@ -159,9 +159,9 @@ void set_manual_envelopes(const organ* p_organ) {
 
 } // namespace
 
-organ* korvel_create(const char* name) {
+organ* korvel_create(const char* name, std::optional<std::uint32_t> seed) {
     const auto p_korvel = std::make_shared<korvel>();
-    organ* p_organ = organ_create(name, korvel_nb_keybeds, 1, 1, korvel_nb_filters);
+    organ* p_organ = organ_create(name, korvel_nb_keybeds, 1, 1, korvel_nb_filters, seed);
     p_korvel->p_organ = p_organ;
     p_organ->p_instrument = p_korvel;
     p_organ->p_control = control_create("Tindelwax");

@@ -12,7 +12,9 @@
 
 #include <array>
 #include <atomic>
+#include <cstdint>
 #include <memory>
+#include <optional>
 
 /// The rates that the filters are designed for. 48000 comes last, so that its sets are in use
 /// before any rate is set.
@@ -83,8 +85,9 @@ struct korvel {
 static_assert(std::atomic<contour_coeffs>::is_always_lock_free);
 
 /// Returns the engine of a new instrument, every parameter at its default, without rate or block
-/// size. A configuration text with gaps leaves out what it does not describe. Free with
-/// korvel_free, and its registry, p_control, with control_free after it. [setup]
-[[nodiscard]] organ* korvel_create(const char* name);
+/// size; for `seed` see organ_create. A configuration text with gaps leaves out what it does not
+/// describe. Free with korvel_free, and its registry, p_control, with control_free after it.
+/// [setup]
+[[nodiscard]] organ* korvel_create(const char* name, std::optional<std::uint32_t> seed = {});
 
 void korvel_free(organ* p_organ); ///< null is allowed [setup]

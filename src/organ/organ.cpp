@@ -15,15 +15,6 @@ namespace {
 
 constexpr const char* seed_variable = "TINDELWAX_SEED";
 
-std::uint32_t seed() {
-    if (const char* text = std::getenv(seed_variable)) {
-        std::uint32_t number = 0;
-        if (std::from_chars(text, text + std::strlen(text), number).ec == std::errc{})
-            return number;
-    }
-    return static_cast<std::uint32_t>(std::time(nullptr));
-}
-
 template <typename Element>
 std::vector<Element> empty_slots(int count) {
     return std::vector<Element>(static_cast<std::size_t>(count));
@@ -64,8 +55,18 @@ void render(organ* p_organ, std::span<float> out_r, std::span<float> out_l) noex
 
 } // namespace
 
+std::optional<std::uint32_t> organ_asked_seed() {
+    const char* text = std::getenv(seed_variable);
+    std::uint32_t number = 0;
+    if (!text || std::from_chars(text, text + std::strlen(text), number).ec != std::errc{})
+        return std::nullopt;
+    return number;
+}
+
 organ* organ_create(const char* name, int nb_keybeds, int nb_tonegenerators, int nb_harpmatrixes,
-                    int nb_filters) {
+                    int nb_filters, std::optional<std::uint32_t> seed) {
+    if (!seed)
+        seed = organ_asked_seed();
     if (!has_sse()) {
         dump_cpuid();
         std::fputs("Error SSE not detected !!!\nAborting ...\n", stderr);
@@ -73,7 +74,7 @@ organ* organ_create(const char* name, int nb_keybeds, int nb_tonegenerators, int
     }
     return new organ{
         .name = name,
-        .random{seed()},
+        .random{seed.value_or(static_cast<std::uint32_t>(std::time(nullptr)))},
         .p_buffers = std::unique_ptr<buffers>(buffers_create("organ_buffers", 0)),
         .nb_harpmatrixes = nb_harpmatrixes,
         .p_harpmatrixes = empty_slots<std::unique_ptr<harpmatrix>>(nb_harpmatrixes),

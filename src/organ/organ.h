@@ -18,8 +18,10 @@
 #include "realtime/closure.h"
 #include "tonegenerator/tonegenerator.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -59,11 +61,16 @@ struct organ {
     std::shared_ptr<void> p_instrument{}; ///< what the callbacks work on; goes with the engine
 };
 
-/// Returns an engine whose arrays wait to be filled. Its random numbers are seeded with the time in
-/// seconds, or with the number of 32 bits in the environment variable TINDELWAX_SEED. On a
-/// processor without SSE the process ends with status 1 and a message. [setup]
+/// Returns the number of 32 bits in the environment variable TINDELWAX_SEED, if there is one.
+/// [setup]
+std::optional<std::uint32_t> organ_asked_seed();
+
+/// Returns an engine whose arrays wait to be filled. Its random numbers are seeded with `seed`, or
+/// else with the seed that is asked for, or else with the time in seconds. On a processor without
+/// SSE the process ends with status 1 and a message. [setup]
 [[nodiscard]] organ* organ_create(const char* name, int nb_keybeds, int nb_tonegenerators,
-                                  int nb_harpmatrixes, int nb_filters);
+                                  int nb_harpmatrixes, int nb_filters,
+                                  std::optional<std::uint32_t> seed = {});
 
 /// Frees the engine and everything in its arrays, but not the registry; null is allowed. [setup]
 void organ_free(organ* p_organ);
