@@ -39,7 +39,14 @@ struct scene {
 };
 
 constexpr scene scenes[] = {
-    {"rest", [] { played.emplace(fast, 64); }, render_second},
+    {"rest",
+     [] {
+         play_chord(10);
+         played->play(10, false);
+         for (int second = 0; second < 60; ++second)
+             played->render_second();
+     },
+     render_second},
     {"after playing",
      [] {
          play_chord(10);

@@ -27,8 +27,6 @@ void add_voices(korvel* p_korvel, playing_key* p_key, unsigned len) {
             table = p_key->p_env_attack->p_env_buffer.data() + p_key->phase;
         if (p_key->key_state == 'R')
             table = p_key->p_env_release->p_env_buffer.data() + p_key->phase;
-        // After nothing of a curve all that follows is laid down, where the plain form reads it.
-        tone_generator_add_non_sustained_oscillator(p_tg, osc, 0, 0, nullptr, 0.0f);
         tone_generator_add_non_sustained_oscillator(p_tg, osc, p_key->frame_index, len, table,
                                                     conductance);
     }
@@ -76,7 +74,8 @@ void process(korvel* p_korvel, std::span<float> out_r, std::span<float> out_l) {
 organ* plain_korvel_create(const char* name) {
     organ* p_organ = korvel_create(name);
     auto* p_korvel = static_cast<korvel*>(p_organ->p_instrument.get());
-    p_organ->p_keybeds[keybed_manual]->steady_callback = {};
+    for (const auto& p_keybed : p_organ->p_keybeds)
+        p_keybed->steady_callback = {};
     p_organ->p_keybeds[keybed_manual]->keybed_callback = [=](playing_key* p_key, unsigned len) {
         add_voices(p_korvel, p_key, len);
     };

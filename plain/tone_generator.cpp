@@ -53,8 +53,13 @@ void plain_tone_generator_next(const tonegenerator* p_tg, std::span<float> dest,
         plain_wave_reader reader(p_tg->oscs_bank->oscs[osc], p_tg->sample_rate,
                                  p_tg->global_phase_index);
         const std::span<const float> curve = p_tg->non_sustained_oscillators_conductance[osc];
-        for (std::size_t i = 0; i < dest.size(); ++i)
-            dest[i] += static_cast<float>(reader.next()) * (curve[i] + conductance);
+        const whole_curves& whole = p_tg->whole[osc];
+        for (std::size_t i = 0; i < dest.size(); ++i) {
+            float gain = curve[i];
+            for (std::size_t k = 0; k < whole.nb_curves; ++k)
+                gain += whole.curves[k].table[i] * whole.curves[k].conductance;
+            dest[i] += static_cast<float>(reader.next()) * (gain + conductance);
+        }
     }
 }
 

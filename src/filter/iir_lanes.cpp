@@ -4,8 +4,6 @@
 
 namespace {
 
-static_assert(iir_nb_lanes == nb_lanes);
-
 /// Sections side by side. A first-order section is a second-order one whose a2, b2 and z2 are 0:
 /// its sums gain a zero and stay what they are. A lane without a filter is all zeros.
 struct sections {
@@ -55,7 +53,7 @@ lanes shuffle(lanes one, lanes other) {
 }
 
 /// The sums over the lanes of four frames, in the order of the lanes.
-lanes sum_of_lanes(const lanes (&y)[iir_nb_lanes]) {
+lanes sum_of_lanes(const lanes (&y)[nb_lanes]) {
     const lanes low01 = shuffle<0, 4, 1, 5>(y[0], y[1]), high01 = shuffle<2, 6, 3, 7>(y[0], y[1]);
     const lanes low23 = shuffle<0, 4, 1, 5>(y[2], y[3]), high23 = shuffle<2, 6, 3, 7>(y[2], y[3]);
     return ((shuffle<0, 1, 4, 5>(low01, low23) + shuffle<2, 3, 6, 7>(low01, low23))
@@ -98,11 +96,11 @@ void run_groups(sections& parallel, sections (&stage)[2], std::span<const float>
         lanes_store(y, &second.dest[n]);
     };
     lanes_store(run_parallel(parallel, lanes_load(src.data())), sum.data());
-    for (std::size_t n = iir_nb_lanes; n < src.size(); n += iir_nb_lanes) {
+    for (std::size_t n = nb_lanes; n < src.size(); n += nb_lanes) {
         lanes_store(run_parallel(parallel, lanes_load(&src[n])), &sum[n]);
-        cascade(n - iir_nb_lanes);
+        cascade(n - nb_lanes);
     }
-    cascade(src.size() - iir_nb_lanes);
+    cascade(src.size() - nb_lanes);
 }
 
 template <bool has_gain>
@@ -122,7 +120,7 @@ void run_frames(sections& parallel, sections (&stage)[2], std::span<const float>
 template <bool has_gain>
 void run(sections& parallel, sections (&stage)[2], std::span<const float> src, std::span<float> sum,
          const iir_cascade_run& first, const iir_cascade_run& second) {
-    const std::size_t in_groups = src.size() - src.size() % iir_nb_lanes;
+    const std::size_t in_groups = src.size() - src.size() % nb_lanes;
     if (in_groups > 0)
         run_groups<has_gain>(parallel, stage, src.first(in_groups), sum, first, second);
     run_frames<has_gain>(parallel, stage, src, sum, first, second, in_groups);

@@ -5,11 +5,10 @@
 /// filter has alone: the samples are the same.
 
 #include "filter/filter.h"
+#include "lanes/lanes.h"
 #include "realtime/nonblocking.h"
 
 #include <cstddef>
-
-constexpr std::size_t iir_nb_lanes = 4;
 
 /// A cascade of two first-order sections over a block, replacing what `dest` held.
 struct iir_cascade_run {
@@ -18,7 +17,7 @@ struct iir_cascade_run {
     std::span<float> dest;
 };
 
-/// Runs up to iir_nb_lanes filters of one section each over `src` and writes the sum of their
+/// Runs up to nb_lanes filters of one section each over `src` and writes the sum of their
 /// outputs, in their order, to `sum`; then two cascades, whose sources may be `sum`. All blocks
 /// have one length and all filters a selected set. The same as iir_filter_process for one after
 /// the other. [audio]

@@ -188,9 +188,10 @@ void keybed_next(keybed* p_keybed, int nframes) noexcept {
         return;
     const auto block = static_cast<unsigned>(nframes);
     p_keybed->global_index += block;
-    if (p_keybed->steady_frames == block && p_keybed->steady_callback
-        && p_keybed->steady_callback(block))
+    if (p_keybed->steady_frames == block && p_keybed->steady_callback) {
+        p_keybed->steady_callback(block);
         return;
+    }
     p_keybed->steady_frames = 0;
     if (p_keybed->p_key_list->len == 0)
         return;

@@ -57,8 +57,8 @@ struct keybed {
     std::vector<playing_key> p_keys; ///< never resized: the list and callbacks hold addresses
     unsigned global_index = 0;       ///< frames rendered since creation
     closure<void(playing_key*, unsigned)> keybed_callback;
-    closure<bool(unsigned)> steady_callback{}; ///< takes a steady block of that many frames as a
-                                               ///< whole, or returns false; may be empty
+    closure<void(unsigned)> steady_callback{}; ///< takes a steady block of that many frames as a
+                                               ///< whole; may be empty
     unsigned steady_frames = 0; ///< the last block's, if every key sustained through it and none
                                 ///< has changed since; else 0
     int unmuted_key = -1;       ///< the key that the mute flags were last set for; -1 before any

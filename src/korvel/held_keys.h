@@ -21,7 +21,7 @@ inline void held_keys_add(held_keys& held, unsigned key) noexcept NONBLOCKING {
     held.keys |= std::uint64_t{1} << key;
 }
 
-/// Adds the keys of the block before. [audio]
+/// Makes the block's keys those of the block before. [audio]
 inline void held_keys_stay(held_keys& held) noexcept NONBLOCKING { held.keys = held.before; }
 
 /// Has the tone generator hold what contact 0 of the held keys gives, summed over the keys by

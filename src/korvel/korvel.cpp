@@ -51,7 +51,7 @@ std::unique_ptr<keybed> create_keybed(korvel* p_korvel, int nb_keys, const char*
     p_keybed->keybed_callback = [=](playing_key* p_key, unsigned len) {
         render(p_korvel, p_key, len);
     };
-    p_keybed->steady_callback = [=](unsigned len) { return render_steady(p_korvel, len); };
+    p_keybed->steady_callback = [=](unsigned len) { render_steady(p_korvel, len); };
     return p_keybed;
 }
 

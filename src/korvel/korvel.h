@@ -79,7 +79,7 @@ struct korvel {
     std::size_t selected_rate = s_rate.size() - 1; ///< position in s_rate of the filters' sets
 
     bool bass_has_segment = false; ///< part of this block's bass lies in its buffer already
-    unsigned resting_stops = 0;    ///< that were on when the engine came to rest
+    unsigned resting_stops = 0;    ///< that were on in the last block rendered
 };
 
 static_assert(std::atomic<contour_coeffs>::is_always_lock_free);

@@ -53,6 +53,12 @@ void select_contour(korvel* p_korvel) {
     p_filter->a_coeffs[1] = c.a1;
 }
 
+/// A key that is down may be silent now and sound once a switch moves.
+bool has_keys(const organ* p_organ) {
+    return std::ranges::any_of(p_organ->p_keybeds,
+                               [](const auto& p_keybed) { return p_keybed->p_key_list->len > 0; });
+}
+
 /// Bit k stands for key k, if the manual sounds it: the lowest octave only with bass chords on.
 std::uint64_t audible_keys(const korvel* p_korvel) {
     constexpr std::uint64_t bass_keys = (std::uint64_t{1} << korvel_nb_bass_keys) - 1;
@@ -150,11 +156,8 @@ void render_callback_organ(korvel* p_korvel, playing_key* p_key, unsigned len) n
             p_key->key_state == key_sustain ? nullptr : table.data(), p_contact->conductance[v]);
 }
 
-bool render_callback_organ_steady(korvel* p_korvel, unsigned len) noexcept {
-    if (len != static_cast<unsigned>(p_korvel->p_organ->block_size))
-        return false;
+void render_callback_organ_steady(korvel* p_korvel, unsigned) noexcept {
     held_keys_stay(p_korvel->held);
-    return true;
 }
 
 void render_callback_bass(korvel* p_korvel, playing_key* p_key, unsigned len) noexcept {
@@ -175,11 +178,10 @@ void render_callback_bass(korvel* p_korvel, playing_key* p_key, unsigned len) no
                           p_key->frame_index, len, nullptr, conductance);
 }
 
-bool render_callback_bass_steady(korvel* p_korvel, unsigned len) noexcept {
+void render_callback_bass_steady(korvel* p_korvel, unsigned len) noexcept {
     keybed* p_keybed = p_korvel->p_organ->p_keybeds[keybed_bass].get();
     render_callback_bass(p_korvel,
                          &p_keybed->p_keys[static_cast<std::size_t>(p_keybed->unmuted_key)], len);
-    return true;
 }
 
 void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
@@ -199,7 +201,8 @@ void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,
 
     vibrato* p_vibrato = p_korvel->p_vibrato.get();
     const unsigned stops = stops_on(p_korvel);
-    const bool is_silent = !manual_sounds && !bass_sounds && vibrato_is_empty(p_vibrato);
+    const bool is_silent =
+        !manual_sounds && !bass_sounds && vibrato_is_empty(p_vibrato) && !has_keys(p_organ);
     if (manual_sounds)
         vibrato_process(p_vibrato, manual, p_korvel->p_post_scanner);
     else

@@ -19,10 +19,9 @@ void render_callback_organ(korvel* p_korvel, playing_key* p_key, unsigned len) n
 /// the lowest that sounds. [audio]
 void render_callback_bass(korvel* p_korvel, playing_key* p_key, unsigned len) noexcept NONBLOCKING;
 
-/// The same for all keys that sustain from the block before through one of `len` frames. Returns
-/// whether that could be done. [audio]
-bool render_callback_organ_steady(korvel* p_korvel, unsigned len) noexcept NONBLOCKING;
-bool render_callback_bass_steady(korvel* p_korvel, unsigned len) noexcept NONBLOCKING;
+/// The same for all keys that sustain from the block before through one of `len` frames. [audio]
+void render_callback_organ_steady(korvel* p_korvel, unsigned len) noexcept NONBLOCKING;
+void render_callback_bass_steady(korvel* p_korvel, unsigned len) noexcept NONBLOCKING;
 
 /// Renders a block into both outputs. [audio]
 void korvel_process_callback(korvel* p_korvel, std::span<float> out_r,

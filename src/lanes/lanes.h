@@ -8,6 +8,7 @@
 #include <cstring>
 
 constexpr std::size_t nb_lanes = 4;
+constexpr std::size_t column_lanes = 8; ///< vectors of sums that stay in registers all at once
 
 using lanes = float __attribute__((vector_size(nb_lanes * sizeof(float))));
 

@@ -49,12 +49,12 @@ struct organ {
     std::function<void(organ*, int mode)> set_output_mode_callback{};
     /// Renders a block; without it the outputs are silent.
     closure<void(organ*, std::span<float> out_r, std::span<float> out_l)> process_callback{};
-    /// Whether nothing sounds or rings on, as the instrument has found. A note ends it.
+    /// Whether nothing sounds or rings on, as the instrument has found. A note or a rate ends it.
     bool is_resting = false;
     /// Asked at rest: goes on by so many frames of silence, or returns false, and they are
     /// rendered.
     closure<bool(unsigned nframes)> rest_callback{};
-    std::uint32_t rested_frames = 0; ///< that the keybeds have not been told of
+    std::uint32_t rested_frames = 0; ///< that the keybeds' counts do not have yet
     std::function<void(int block_size)> set_block_size_callback{};
     std::function<void(int sampling_rate)> set_sampling_rate_callback{};
     std::unique_ptr<dsp_stack> p_dsp_stack{};

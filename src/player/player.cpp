@@ -105,8 +105,10 @@ void player_process(player* p_player, std::span<float> out_r, std::span<float> o
         const auto end = static_cast<std::size_t>(i * nb_frames / nb_pieces);
         const std::size_t piece = end - start;
         take_panic(p_player);
-        organ_use_block_size(p_organ, static_cast<int>(piece)); // before its messages
-        send_notes(p_player, frame, static_cast<int>(start), static_cast<int>(end), last_frame);
+        if (!p_player->notes.empty()) { // which the engine must know the piece's length before
+            organ_use_block_size(p_organ, static_cast<int>(piece));
+            send_notes(p_player, frame, static_cast<int>(start), static_cast<int>(end), last_frame);
+        }
         organ_process(p_organ, out_r.subspan(start, piece), out_l.subspan(start, piece));
         start = end;
     }

@@ -195,6 +195,7 @@ void tonegenerator_set_sampling_rate(tonegenerator* p_tg, int sampling_rate) {
 }
 
 void tonegenerator_set_block_size(tonegenerator* p_tg, int block_size) {
+    clear_curves(p_tg);
     p_tg->block_size = block_size;
     buffers_set_block_size(p_tg->p_buffers.get(), block_size);
 }

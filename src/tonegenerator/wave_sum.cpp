@@ -7,8 +7,6 @@
 
 namespace {
 
-/// The sums of a column stay in registers while all waves pass.
-constexpr std::size_t column_lanes = 8;
 static_assert(wave_reader_chunk % nb_lanes == 0);
 
 template <std::size_t nb>

@@ -4,9 +4,7 @@
 
 namespace {
 
-constexpr std::size_t column_lanes = 8; ///< whose sums stay in registers while all curves pass
-
-/// Frames i to i + nb * nb_lanes of the block's part.
+/// A column of `nb` lanes from frame `start` of the block on, which lies at `samples` and `dest`.
 template <std::size_t nb>
 void apply_column(std::span<const whole_curve> curves, std::size_t start, float gain,
                   const float* samples, float* dest) {

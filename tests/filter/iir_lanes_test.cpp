@@ -9,8 +9,8 @@
 namespace {
 
 struct voices {
-    std::array<filter_ptr, iir_nb_lanes> stops{create_iir(2), create_iir(2), create_iir(1),
-                                               create_iir(1)};
+    std::array<filter_ptr, nb_lanes> stops{create_iir(2), create_iir(2), create_iir(1),
+                                           create_iir(1)};
     std::array<filter_ptr, 2> cascades{create_iir(1, 1), create_iir(1, 1)};
 
     /// Of both orders, with a gain and without, one stop with its pole beside 1.
@@ -33,7 +33,7 @@ TEST(IirLanes, EverySubsetOfStopsRunsLikeTheFiltersAlone) {
     const voices lanes, alone;
     for (unsigned block = 0; block < 400; ++block) {
         // Each subset in turn: what is off stands still, and goes on when it is on again.
-        const unsigned subset = block % (1u << iir_nb_lanes);
+        const unsigned subset = block % (1u << nb_lanes);
         const std::vector<float> src = noise(block * 7 % 131, block);
         const std::vector<float> beside = noise(src.size(), block + 1);
         std::vector<float> sum = noise(src.size(), block + 2);
@@ -41,7 +41,7 @@ TEST(IirLanes, EverySubsetOfStopsRunsLikeTheFiltersAlone) {
         std::vector<float> expected_sum(src.size());
         std::vector<float> expected[] = {sum, sum};
         std::vector<filter*> enabled;
-        for (std::size_t i = 0; i < iir_nb_lanes; ++i)
+        for (std::size_t i = 0; i < nb_lanes; ++i)
             if (subset >> i & 1) {
                 enabled.push_back(lanes.stops[i].get());
                 iir_filter_process(alone.stops[i].get(), src, expected_sum, 1);

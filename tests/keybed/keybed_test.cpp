@@ -13,17 +13,10 @@ namespace {
 struct Keybed : testing::Test {
     std::unique_ptr<keybed, decltype(&keybed_free)> keys{keybed_create(4, 24, "keys"), keybed_free};
     std::ostringstream segments;
-    bool takes_steady = false;
     int nb_steady = 0; // blocks taken as a whole
 
     Keybed() {
         keys->keybed_callback = [this](playing_key* p_key, unsigned len) { record(*p_key, len); };
-        keys->steady_callback = [this](unsigned len) {
-            for (auto* elem = keys->p_key_list->first; takes_steady && elem; elem = elem->next)
-                record(*static_cast<playing_key*>(elem->obj), len);
-            nb_steady += takes_steady;
-            return takes_steady;
-        };
         envelope_update_second_long(keys->p_keys[0].p_env_attack, 100, 100);
         envelope_update_second_long(keys->p_keys[0].p_env_release, 144, 144);
     }
@@ -112,7 +105,12 @@ TEST_F(Keybed, SegmentsAreThoseOfTheScript) {
     };
     for (const bool whole : {false, true})
         for (const auto& [script, expected] : rows) {
-            takes_steady = whole;
+            if (whole)
+                keys->steady_callback = [this](unsigned len) {
+                    ++nb_steady;
+                    for (auto* elem = keys->p_key_list->first; elem; elem = elem->next)
+                        record(*static_cast<playing_key*>(elem->obj), len);
+                };
             EXPECT_EQ(play(script), expected) << script << (whole ? ", steady blocks whole" : "");
         }
     EXPECT_EQ(nb_steady, 3);

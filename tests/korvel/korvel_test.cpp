@@ -131,6 +131,15 @@ TEST(Korvel, WhatStoodStillEndsARest) {
         played.render();
         EXPECT_GT(peak(played.out), 1e-6f) << back;
     }
+    instrument held; // whose lowest key has no contact for the bass
+    held.p_organ->p_harpmatrixes[0]->p_keys[0].p_contacts.resize(1);
+    control_set_parameter(held.p_control.get(), 5, 0.0f);
+    held.send(0x90, 24);
+    held.render(3000);
+    EXPECT_EQ(peak(held.out), 0.0f);
+    control_set_parameter(held.p_control.get(), 5, 1.0f);
+    held.render(100);
+    EXPECT_GT(peak(held.out), 1e-3f);
 }
 
 TEST(Korvel, OfTwoThreadsThatSetAControlOneWinsWhole) {
