@@ -1,9 +1,10 @@
 #include "instrument/saved_state.h"
 
+#include "instrument/text_reading.h"
+
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <system_error>
 
 namespace {
 
@@ -15,21 +16,6 @@ template <typename Number>
 std::string text_of(Number number) {
     std::array<char, 32> text;
     return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
-}
-
-/// Returns whether the text is a number, whole.
-template <typename Number>
-bool read_number(std::string_view text, Number& number) {
-    const char* end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc{} && rest == end;
-}
-
-/// Takes the text up to the next `separator`, or all of it.
-std::string_view take_until(std::string_view& text, char separator) {
-    const std::string_view taken = text.substr(0, text.find(separator));
-    text.remove_prefix(std::min(taken.size() + 1, text.size()));
-    return taken;
 }
 
 /// The name is all before the last three words.

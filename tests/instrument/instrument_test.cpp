@@ -1,9 +1,12 @@
 #include "instrument/instrument.h"
 
+#include "instrument/registration.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <thread>
 #include <vector>
 
@@ -76,6 +79,25 @@ TEST_F(Instrument, AStateIsTakenWholeOrNotAtAll) {
         EXPECT_EQ(played.load(text), is_taken) << text;
         EXPECT_EQ(played.save() == before, !is_taken) << text;
     }
+}
+
+TEST_F(Instrument, ARegistrationIsReadWholeOrNotAtAll) {
+    instrument played;
+    const control& registry = *played.shown().p_control;
+    const auto read = registration_read("  # Late night\r\n#Slow\n\n # and soft.\nFlute = on\r\n"
+                                        "Bright=off\n\tSplit=0.25",
+                                        registry);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->title, "Late night");
+    EXPECT_EQ(read->comment, "Slow and soft.");
+    std::ostringstream settings;
+    for (const auto& [index, value] : read->settings)
+        settings << index << '=' << value << ' ';
+    EXPECT_EQ(settings.str(), "0=1 1=0 9=0.25 ");
+    for (const char* text :
+         {"", "# Nothing", "Flute", "Flute=", "=on", "Flut=on", "Flute=on\nBass=1.1", "Bass=-0.1",
+          "Bass=nan", "Bass=0.5x", "Bass=0.5 0.5"})
+        EXPECT_FALSE(registration_read(text, registry)) << text;
 }
 
 TEST_F(Instrument, ItGoesOnPlayingWhileStatesAreLoaded) {
