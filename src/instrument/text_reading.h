@@ -9,8 +9,9 @@
 /// Returns whether the text is a number, whole.
 template <typename Number>
 bool read_number(std::string_view text, Number& number) {
-    const char* end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    const auto [rest, error] = std::from_chars(begin, end, number);
     return error == std::errc{} && rest == end;
 }
 
