@@ -1,14 +1,17 @@
 #include "vst/editor/aeffguieditor.h"
 
-#include <utility>
-
 namespace {
 
 AudioEffectX& effect_of(AudioEffect* effect) { return static_cast<AudioEffectX&>(*effect); }
 
 } // namespace
 
-AEffGUIEditor::AEffGUIEditor(AudioEffectX* owner) : AEffEditor(owner) { owner->setEditor(this); }
+AEffGUIEditor::AEffGUIEditor(AudioEffectX* owner, control& registry)
+    : AEffEditor(owner), panel(*this, registry) {
+    rect.bottom = static_cast<VstInt16>(panel.getHeight());
+    rect.right = static_cast<VstInt16>(panel.getWidth());
+    owner->setEditor(this);
+}
 
 bool AEffGUIEditor::getRect(ERect** size) {
     if (size == nullptr)
@@ -17,40 +20,29 @@ bool AEffGUIEditor::getRect(ERect** size) {
     return true;
 }
 
-void AEffGUIEditor::close() {
-    const CReference<CFrame> closing = std::exchange(frame, {});
-    AEffEditor::close();
-    if (closing) // last: where that ends a gesture the host may end the editor
-        closing->detach();
-}
-
-void AEffGUIEditor::idle() {
-    if (frame && !inIdle)
-        takeIdleTurn([this] { frame->idle(); });
-}
-
-bool AEffGUIEditor::onWheel(float distance) { return frame && frame->onWheel(distance); }
-
-bool AEffGUIEditor::setKnobMode(VstInt32 mode) {
-    knobMode = static_cast<CKnobMode>(mode);
+bool AEffGUIEditor::open(void* parent) {
+    close();
+    if (!panel.open(parent))
+        return false;
+    systemWindow = parent;
     return true;
 }
 
-void AEffGUIEditor::beginEdit(VstInt32 index) { effect_of(effect).beginEdit(index); }
-void AEffGUIEditor::endEdit(VstInt32 index) { effect_of(effect).endEdit(index); }
-
-void AEffGUIEditor::doIdleStuff() {
-    if (frame)
-        frame->redraw();
-    takeIdleTurn([this] { effect->masterIdle(); });
+void AEffGUIEditor::close() {
+    AEffEditor::close();
+    panel.close(); // last: the host may end the editor
 }
 
-/// The turn may end the editor.
-template <typename Turn>
-void AEffGUIEditor::takeIdleTurn(Turn turn) {
-    const auto life = getLife();
-    const bool wasInIdle = std::exchange(inIdle, true);
-    turn();
-    if (!life.expired())
-        inIdle = wasInIdle;
+void AEffGUIEditor::idle() { panel.idle(); }
+
+bool AEffGUIEditor::onWheel(float distance) { return panel.onWheel(distance); }
+
+bool AEffGUIEditor::setKnobMode(VstInt32 mode) {
+    panel.setKnobMode(static_cast<CKnobMode>(mode));
+    return true;
 }
+
+void AEffGUIEditor::beginEdit(int index) { effect_of(effect).beginEdit(index); }
+void AEffGUIEditor::endEdit(int index) { effect_of(effect).endEdit(index); }
+
+void AEffGUIEditor::giveTurn() { effect->masterIdle(); }

@@ -1,22 +1,22 @@
 #pragma once
-/// The base of an editor that shows its panel on a frame. It comes and goes in [setup]; all else is
-/// [ui].
+/// The base of an editor that shows the panel. It comes and goes in [setup]; all else is [ui].
 
+#include "panel/panel.h"
 #include "platform/component_services/component_services.h"
 #include "vst/aeffeditor.h"
 #include "vst/audioeffectx.h"
-#include "vstgui/cframe.h"
-#include "vstgui/cframeowner.h"
 
-class AEffGUIEditor : public AEffEditor, public CFrameOwner {
+class AEffGUIEditor : public AEffEditor, public PanelOwner {
 public:
     /// Becomes the effect's editor, and its property. What derives from this closes its panel in
     /// its own destructor, while it can still hear of a gesture's end.
-    explicit AEffGUIEditor(AudioEffectX* owner);
+    AEffGUIEditor(AudioEffectX* owner, control& registry);
 
     bool getRect(ERect** size) override;
+
+    /// Returns whether the panel can be shown in the host's window `parent`.
+    bool open(void* parent) override;
     void close() override;
-    /// Lets the frame tell what happened and redraw, unless it is already about it.
     void idle() override;
     bool onWheel(float distance) override;
     bool setKnobMode(VstInt32 mode) override;
@@ -24,23 +24,19 @@ public:
     /// The effect says that a parameter was set.
     virtual void setParameter(VstInt32 /*index*/, float /*value*/) {}
 
-    void beginEdit(VstInt32 index) override; ///< tells the host that the user took a control
-    void endEdit(VstInt32 index) override;   ///< and let it go
-    void doIdleStuff() override;
+    void beginEdit(int index) override; ///< tells the host that the user took a control
+    void endEdit(int index) override;   ///< and let it go
+    void giveTurn() override;
 
     [[nodiscard]] void* getSystemWindow() const { return systemWindow; }
 
-protected:
-    /// Whether a gesture is under way that let the host have this turn.
-    [[nodiscard]] bool isInIdle() const { return inIdle; }
+    /// Expires with the editor. Whoever gave the host a turn looks here afterwards.
+    [[nodiscard]] std::weak_ptr<void> getLife() const { return panel.getLife(); }
 
-    ERect rect{};
-    CReference<CFrame> frame{}; ///< null while closed
+protected:
+    Panel panel;
 
 private:
-    template <typename Turn>
-    void takeIdleTurn(Turn turn);
-
+    ERect rect{};
     component_services services = component_services_prepare();
-    bool inIdle = false;
 };

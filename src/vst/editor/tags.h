@@ -1,16 +1,14 @@
 #pragma once
-/// What a panel's control stands for. Tags below the number of parameters are parameters; the rest
-/// are actions, which reach the editor as parameters of the plug-in.
+/// The actions that reach the editor as parameters of the plug-in: those of the panel's controls,
+/// and some that no control sends, for callers of the plug-in's setParameter.
 
-enum PanelTag : int {
-    MIDI_LEARN_TAG = 1024,
-    MIDI_IN_TAG = 1025, ///< the lamp; it sends nothing
-    PANIC_TAG = 1027,
+#include "panel/tags.h"
+
+enum EditorTag : int {
     MENU_TAG = 1028,    ///< the value is a MenuAction
     PROGRAM_TAG = 1029, ///< the value is a program's number
 };
 
-/// No control of the panel sends these: they are for callers of the plug-in's setParameter.
 enum MenuAction : int {
     BASS_R_TAG = 0,
     BASS_L_TAG = 1,

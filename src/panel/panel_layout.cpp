@@ -1,7 +1,7 @@
-#include "vst/editor/panel_layout.h"
+#include "panel/panel_layout.h"
 
 #include "control/control.h"
-#include "vst/editor/tags.h"
+#include "panel/tags.h"
 #include "vstgui/canimknob.h"
 #include "vstgui/cframe.h"
 #include "vstgui/ckickbutton.h"
