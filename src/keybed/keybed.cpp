@@ -122,6 +122,12 @@ void keybed_reset(keybed* p_keybed) noexcept {
     p_keybed->steady_frames = 0;
 }
 
+void keybed_reset_key(keybed* p_keybed, int key_index) noexcept {
+    remove_from_indexed_list(p_keybed->p_key_list.get(),
+                             &p_keybed->p_keys[static_cast<std::size_t>(key_index)].elem);
+    p_keybed->steady_frames = 0;
+}
+
 void keybed_set_envelope_attack(keybed* p_keybed, envelope* p_env) {
     for (playing_key& key : p_keybed->p_keys)
         key.p_env_attack = p_env;

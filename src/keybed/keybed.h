@@ -79,8 +79,9 @@ void keybed_set_block_size(keybed* p_keybed, int block_size) noexcept NONBLOCKIN
 /// table. [setup]
 void keybed_set_sampling_rate(keybed* p_keybed, int sampling_rate);
 
-/// Silences every key at once, without release. [audio]
+/// Silences every key at once, or one below nb_keys, without release. [audio]
 void keybed_reset(keybed* p_keybed) noexcept NONBLOCKING;
+void keybed_reset_key(keybed* p_keybed, int key_index) noexcept NONBLOCKING;
 
 /// Give every key another envelope, not owned, while no key sounds. [setup]
 void keybed_set_envelope_attack(keybed* p_keybed, envelope* p_env);

@@ -4,8 +4,15 @@
 
 #include "control/control.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 /// The value as the parameter's unit has it: "ON" or "OFF", decibels, "440.000000 Hz", "50 %", or a
 /// plain number.
 [[nodiscard]] std::string parameter_text(const parameter& param, float value);
+
+/// Reads such a text back: the value has that text again. Reads also what a user may type, a number
+/// with fewer digits, with or without the unit; a switch takes 0 and 1, and words in any case.
+/// Returns nothing for any other text. The value need not lie within the parameter's range.
+[[nodiscard]] std::optional<float> parameter_value(const parameter& param, std::string_view text);

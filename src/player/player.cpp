@@ -24,13 +24,23 @@ void take_panic(player* p_player) {
     organ_panic(p_player->p_organ.get());
 }
 
-/// Nothing is dropped: what a full queue holds reaches the engine at the frame where it stands.
+/// What waits reaches the engine at the frame where it stands.
+void empty_queue(player* p_player) {
+    for (note_queue& notes = p_player->notes; !notes.empty(); notes.pop())
+        organ_receive_midi_event(p_player->p_organ.get(), notes.front().midi_data, 0);
+}
+
+/// Nothing is dropped.
 void queue_note(player* p_player, const queued_message& message) {
-    note_queue& notes = p_player->notes;
-    if (notes.full())
-        for (; !notes.empty(); notes.pop())
-            organ_receive_midi_event(p_player->p_organ.get(), notes.front().midi_data, 0);
-    notes.push(message);
+    if (p_player->notes.full())
+        empty_queue(p_player);
+    p_player->notes.push(message);
+}
+
+/// The index of the note's key, or -1 where the keybed has none.
+int key_of_note(const keybed& keys, int note) {
+    const int index = note - keys.midi_key_start;
+    return index < keys.nb_keys ? std::max(index, -1) : -1;
 }
 
 /// Hands over the messages of the piece from `start` to `end`. Frames never go back: `frame` is
@@ -116,6 +126,30 @@ void player_process(player* p_player, std::span<float> out_r, std::span<float> o
 
 void player_panic(player* p_player) noexcept {
     p_player->panic_asked.store(true, std::memory_order_relaxed);
+}
+
+void player_choke(player* p_player, int note) noexcept {
+    take_panic(p_player);
+    empty_queue(p_player);
+    for (const auto& p_keybed : p_player->p_organ->p_keybeds)
+        if (const int key = key_of_note(*p_keybed, note); key >= 0)
+            keybed_reset_key(p_keybed.get(), key);
+}
+
+bool player_has_key(const player* p_player, int note) noexcept {
+    for (const auto& p_keybed : p_player->p_organ->p_keybeds)
+        if (key_of_note(*p_keybed, note) >= 0)
+            return true;
+    return false;
+}
+
+bool player_sounds(const player* p_player, int note) noexcept {
+    for (const auto& p_keybed : p_player->p_organ->p_keybeds) {
+        const int key = key_of_note(*p_keybed, note);
+        if (key >= 0 && p_keybed->p_key_list->active[static_cast<std::size_t>(key)] != 0)
+            return true;
+    }
+    return false;
 }
 
 const parameter* player_find_parameter(const player* p_player, int index) noexcept {

@@ -54,6 +54,14 @@ void player_process(player* p_player, std::span<float> out_r,
 /// Silences what was played so far; whatever comes after the call sounds. [any]
 void player_panic(player* p_player) noexcept NONBLOCKING;
 
+/// Silences a MIDI note at once, on every keybed, after whatever waited in the queue. [audio]
+void player_choke(player* p_player, int note) noexcept NONBLOCKING;
+
+/// Whether the MIDI note has a key on any keybed, and whether one sounds, its release included.
+/// [audio]
+[[nodiscard]] bool player_has_key(const player* p_player, int note) noexcept NONBLOCKING;
+[[nodiscard]] bool player_sounds(const player* p_player, int note) noexcept NONBLOCKING;
+
 /// Returns the parameter of that index, or null where the registry has none. [any]
 [[nodiscard]] const parameter* player_find_parameter(const player* p_player,
                                                      int index) noexcept NONBLOCKING;

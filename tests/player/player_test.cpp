@@ -1,5 +1,7 @@
 #include "player/player.h"
 
+#include "player/parameter_text.h"
+
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
@@ -104,6 +106,44 @@ TEST_F(Player, PanicSilencesWhatCameBeforeIt) {
     player_panic(playing.get());
     EXPECT_EQ(process(100), onsets{});
     EXPECT_EQ(nb_sounding(), 0);
+}
+
+TEST_F(Player, AChokeTakesOneNoteAndWhatWaitsForIt) {
+    const auto sounding = [&] {
+        return std::pair{player_sounds(playing.get(), 1), player_sounds(playing.get(), 2)};
+    };
+    strike(1, 0);
+    strike(2, 0);
+    process(100);
+    EXPECT_EQ(sounding(), std::pair(true, true));
+    process(100); // both sustain throughout
+    strike(1, 50);
+    player_choke(playing.get(), 1);
+    player_choke(playing.get(), 128);
+    process(100);
+    EXPECT_EQ(sounding(), std::pair(false, true));
+    for (const auto& [note, has_key] : {std::pair{-1, false}, {0, true}, {127, true}, {128, false}})
+        EXPECT_EQ(player_has_key(playing.get(), note), has_key) << note;
+}
+
+TEST_F(Player, TextsAreReadBackAsTheyWereShown) {
+    parameter param;
+    for (const char* unit : {"bin", "db", "%", "!"})
+        for (int i = 0; i <= 1000; ++i) {
+            param.unit = unit;
+            const std::string text = parameter_text(param, static_cast<float>(i) / 1000);
+            const auto read = parameter_value(param, text);
+            ASSERT_TRUE(read) << text << " in " << unit;
+            EXPECT_EQ(parameter_text(param, *read), text) << unit;
+        }
+    const std::tuple<const char*, const char*, std::optional<float>> typed[] = {
+        {"bin", "on", 1.0f}, {"bin", "0", 0.0f}, {"db", " -20 dB ", 0.1f}, {"!", "0.1", 0.1f},
+        {"%", "50", 0.5f},   {"bin", "", {}},    {"db", "oo", {}},         {"!", "0.5 dB", {}},
+        {"!", "nan", {}},    {"!", "1e999", {}}, {"%", "5 x", {}}};
+    for (const auto& [unit, text, value] : typed) {
+        param.unit = unit;
+        EXPECT_EQ(parameter_value(param, text), value) << text << " in " << unit;
+    }
 }
 
 TEST_F(Player, AControllerMovesItsParameterOnce) {
