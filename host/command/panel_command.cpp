@@ -11,7 +11,8 @@ void panel_run(const panel_request& request) {
     if (!shown_on.error.empty())
         throw failure{exit_failed, shown_on.error};
     instrument_try(request, [](plugin& instrument) { (void)editor_picture(instrument); });
-    plugin instrument{request.plugin_file};
+    const auto p_loaded = plugin_load(request.plugin_file);
+    plugin& instrument = *p_loaded;
     instrument_set_up(instrument, request);
     const picture shown = editor_picture(instrument);
     output_file output{std::filesystem::path{request.output}};

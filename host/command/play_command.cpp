@@ -87,7 +87,7 @@ live_song make_song(const play_request& request) {
 
 bool wants_panel(const play_request& request, plugin& instrument) {
     const char* p_display = std::getenv("DISPLAY");
-    return request.shows_panel.value_or(p_display && *p_display && has_editor(instrument));
+    return request.shows_panel.value_or(p_display && *p_display && instrument.has_editor());
 }
 
 class performance {
@@ -274,7 +274,8 @@ void play_run(const play_request& request, std::FILE* p_output) {
     instrument_try(request, [&request](plugin& instrument) {
         const console desk{instrument, players_options(request, instrument)};
     });
-    plugin instrument{request.plugin_file};
+    const auto p_loaded = plugin_load(request.plugin_file);
+    plugin& instrument = *p_loaded;
     instrument_set_up(instrument, request);
     const std::filesystem::path saved{request.saved_file};
     std::optional<output_file> output; // what cannot be written is said before hours of playing

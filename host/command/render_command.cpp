@@ -109,7 +109,8 @@ void render_run(const render_request& request, std::FILE* p_output) {
 
     instrument_try(request,
                    [&](plugin& instrument) { rehearse(instrument, music, song, request); });
-    plugin instrument{request.plugin_file};
+    const auto p_loaded = plugin_load(request.plugin_file);
+    plugin& instrument = *p_loaded;
     instrument_set_up(instrument, request);
     format.nb_channels = std::max(1, instrument.nb_channels());
 
@@ -123,18 +124,18 @@ void render_run(const render_request& request, std::FILE* p_output) {
     const std::string name = goes_out ? "standard output" : output_name;
     const bool clips = format.nb_bits < 32;
     const timing times = render_sound(instrument, music, song, request, writer);
-    print(goes_out ? stderr : p_output,
-          report_text({.output_name = name,
-                       .seconds = times.seconds,
-                       .elapsed_seconds = times.elapsed_seconds,
-                       .transposition = request.transposition,
-                       .chooses_channels = !request.channels.empty(),
-                       .keys = instrument.record().uniqueID == tindelwax_id ? tindelwax_keyboard
-                                                                            : widest_keyboard,
-                       .nb_outputs = instrument.record().numOutputs,
-                       .clips = clips,
-                       .music = music,
-                       .levels = writer.levels()}));
+    print(
+        goes_out ? stderr : p_output,
+        report_text({.output_name = name,
+                     .seconds = times.seconds,
+                     .elapsed_seconds = times.elapsed_seconds,
+                     .transposition = request.transposition,
+                     .chooses_channels = !request.channels.empty(),
+                     .keys = instrument.id() == tindelwax_id ? tindelwax_keyboard : widest_keyboard,
+                     .nb_outputs = instrument.nb_outputs(),
+                     .clips = clips,
+                     .music = music,
+                     .levels = writer.levels()}));
     if (clips && writer.levels().nb_over > 0)
         warn(name + " is clipped; lower it with --normalize -1 or a smaller --gain");
 }

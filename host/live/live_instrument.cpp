@@ -63,7 +63,7 @@ void live_instrument::start(int rate_hz) {
     instrument_.prepare(rate_hz, static_cast<int>(piece_frames));
     instrument_.time().tempo = usual_tempo;
     instrument_.time().flags = kVstTempoValid;
-    instrument_.start(command_host::activity::plays);
+    instrument_.start(host_activity::plays);
     frame_ = 0;
     panic(); // of what was held as the sound went away
 }

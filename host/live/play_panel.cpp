@@ -5,10 +5,10 @@
 namespace {
 
 player_window open_window(plugin& instrument) {
-    if (!has_editor(instrument))
+    if (!instrument.has_editor())
         instrument.fail("has no panel");
-    const editor_extent size = editor_size(instrument);
-    return {std::max(size.width, 1), std::max(size.height, 1), instrument.text(effGetEffectName)};
+    const editor_extent size = instrument.editor_size();
+    return {std::max(size.width, 1), std::max(size.height, 1), instrument.name()};
 }
 
 void* require(void* window) {
@@ -24,7 +24,7 @@ play_panel::play_panel(plugin& instrument, live_instrument& played)
     : keys_{played},
       window_{open_window(instrument)},
       editor_{instrument, require(window_.handle())} {
-    const editor_extent size = editor_size(instrument);
+    const editor_extent size = instrument.editor_size();
     if (!size.is_empty())
         window_.resize(size.width, size.height);
 }

@@ -34,15 +34,15 @@ picture still_picture(open_editor& editor, const editor_window& window) {
 } // namespace
 
 picture editor_picture(plugin& instrument) {
-    if (!has_editor(instrument))
+    if (!instrument.has_editor())
         instrument.fail("has no editor");
     // Some know their size only once they are open.
-    editor_extent size = editor_size(instrument);
+    editor_extent size = instrument.editor_size();
     editor_window window{std::max(size.width, 1), std::max(size.height, 1)};
     if (!window.handle())
         fail("the display shows no window; set DISPLAY to another");
     open_editor editor{instrument, window.handle()};
-    size = editor_size(instrument);
+    size = instrument.editor_size();
     if (size.is_empty())
         instrument.fail("does not tell the size of its editor");
     window.resize(size.width, size.height);

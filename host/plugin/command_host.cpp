@@ -27,12 +27,12 @@ VstIntPtr can_do(const void* ptr) {
            });
 }
 
-VstIntPtr process_level(command_host::activity does) {
+VstIntPtr process_level(host_activity does) {
     constexpr VstIntPtr user = 1, realtime = 2, offline = 4;
     switch (does) {
-    case command_host::activity::plays:
+    case host_activity::plays:
         return realtime;
-    case command_host::activity::renders:
+    case host_activity::renders:
         return offline;
     default:
         return user;

@@ -1,6 +1,7 @@
 #pragma once
-/// The host that the command is to its instrument.
+/// The host that the command is to a VST plug-in.
 
+#include "plugin/activity.h"
 #include "plugin/host.h"
 
 #include <functional>
@@ -10,7 +11,7 @@ struct command_host {
     std::string plugin_folder{};
     double rate_hz = 48000;
     int block_frames = 64;
-    enum class activity { sets_up, plays, renders } does = activity::sets_up;
+    host_activity does = host_activity::sets_up;
     VstTimeInfo time{};
     std::function<void(int parameter, float value)>
         hear_automation{}; ///< from the panel; may be null

@@ -36,7 +36,7 @@ std::vector<std::string> parameter_names(plugin& instrument) {
     std::vector<std::string> names;
     names.reserve(static_cast<std::size_t>(instrument.nb_parameters()));
     for (int i = 0; i < instrument.nb_parameters(); ++i)
-        names.push_back(instrument.text(effGetParamName, i));
+        names.push_back(instrument.parameter_name(i));
     return names;
 }
 

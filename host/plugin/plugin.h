@@ -1,76 +1,96 @@
 #pragma once
-/// The command's instrument: a plug-in that it asks, sets up and renders with.
+/// The command's instrument, whatever its format: a plug-in that it asks, sets up and renders with.
 
 #include "failure/failure.h"
-#include "plugin/command_host.h"
-#include "plugin/effect.h"
+#include "plugin/activity.h"
 #include "plugin/event_list.h"
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
+/// What a plug-in says of itself, for people: "vendor", "Quenmar".
+struct plugin_fact {
+    std::string label;
+    std::string text;
+};
+
+struct editor_extent {
+    int width = 0; ///< pixels
+    int height = 0;
+
+    [[nodiscard]] bool is_empty() const { return width <= 0 || height <= 0; }
+};
+
 class plugin {
 public:
-    /// Loads the plug-in and opens it. Throws a failure that names the file, the reason and the
-    /// next step.
-    explicit plugin(const std::filesystem::path& file);
-    ~plugin(); ///< stops it if it runs, and closes it
+    virtual ~plugin() = default; ///< stops it if it runs, and closes it
     plugin(const plugin&) = delete;
     plugin& operator=(const plugin&) = delete;
 
-    /// Throws such a failure: the file and what it does, such as "has no editor".
+    /// Throws a failure that names the file, what it does, such as "has no editor", and the next
+    /// step.
     [[noreturn]] void fail(const std::string& what) const;
 
-    [[nodiscard]] const AEffect& record() const { return *effect_.record(); }
-    [[nodiscard]] int nb_parameters() const;
+    [[nodiscard]] virtual std::string name() = 0;
+    [[nodiscard]] virtual std::string id() = 0; ///< as its format has it, printable
+    [[nodiscard]] virtual std::vector<plugin_fact> facts() = 0;
+
+    [[nodiscard]] virtual int nb_parameters() const = 0;
+    [[nodiscard]] virtual std::string parameter_name(int index) = 0;
+    [[nodiscard]] virtual std::string parameter_text(int index) = 0; ///< where it is, and its unit
+    [[nodiscard]] virtual float parameter(int index) = 0;            ///< 0 to 1
+    virtual void set_parameter(int index, float value) = 0;
+
+    [[nodiscard]] virtual int nb_outputs() const = 0;
     [[nodiscard]] int nb_channels() const; ///< 1 or 2: the outputs that are listened to
 
-    VstIntPtr ask(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
-                  float opt = 0);
-
-    /// The plug-in's answer to an opcode that writes a text, printable and without the blanks
-    /// around it.
-    [[nodiscard]] std::string text(VstInt32 opcode, VstInt32 index = 0);
-
-    [[nodiscard]] float parameter(int index);
-    void set_parameter(int index, float value);
-
     /// Announces rate and block size; only while it does not run.
-    void prepare(double rate_hz, int block_frames);
+    virtual void prepare(double rate_hz, int block_frames) = 0;
 
     /// Only after prepare. Throws a failure if the plug-in cannot process.
-    void start(command_host::activity for_what = command_host::activity::renders);
-    void stop();
+    virtual void start(host_activity for_what = host_activity::renders) = 0;
+    virtual void stop() = 0;
 
-    /// Who is told of what the player moves on the panel. [ui]
-    void set_listener(std::function<void(int parameter, float value)> listener) {
-        host_.hear_automation = std::move(listener);
-    }
-
-    [[nodiscard]] VstTimeInfo& time() { return host_.time; }
+    [[nodiscard]] virtual VstTimeInfo& time() = 0; ///< the song's, which some ask for
 
     /// Hands over what happens in the block that is processed next; more than one call is possible.
-    void send(event_list& events);
+    virtual void send(event_list& events) = 0;
 
     /// Processes a block, of the announced size unless a smaller one is given. The channel's
     /// samples are in output() until the next call, at its beginning.
-    void process() { process(host_.block_frames); }
-    void process(int nb_frames);
-    [[nodiscard]] std::span<const float> output(int channel) const;
+    void process() { process(block_frames_); }
+    virtual void process(int nb_frames) = 0;
+    [[nodiscard]] virtual std::span<const float> output(int channel) const = 0;
+
+    // Its editor in a host's window: see open_editor. All is [ui].
+
+    [[nodiscard]] virtual bool has_editor() const = 0;
+
+    /// Empty if the plug-in does not tell; some know it only once they are open.
+    [[nodiscard]] virtual editor_extent editor_size() = 0;
+    virtual bool open_editor(void* window) = 0; ///< false where it refuses
+    virtual void close_editor() = 0;
+    virtual void idle_editor() = 0; ///< some 50 times a second
+
+    /// Who is told of what the player moves on the panel. [ui]
+    virtual void set_listener(std::function<void(int parameter, float value)> listener) = 0;
+
+protected:
+    explicit plugin(const std::filesystem::path& file) : file_{file} {}
+
+    int block_frames_ = 64; ///< that were announced
 
 private:
-    std::string name_;
-    command_host host_;
-    effect effect_;
-    bool runs_ = false;
-    std::vector<std::vector<float>> inputs_{};
-    std::vector<std::vector<float>> outputs_{};
-    std::vector<float*> p_inputs_{};
-    std::vector<float*> p_outputs_{};
+    std::filesystem::path file_;
 };
+
+/// Loads the plug-in and opens it. Throws a failure that names the file, the reason and the next
+/// step.
+[[nodiscard]] std::unique_ptr<plugin> plugin_load(const std::filesystem::path& file);
 
 /// Loads the plug-in in a child process, rehearses there what is planned with it, and closes it.
 /// Throws a failure if there is no such file or the child does not survive. Whatever else the

@@ -10,7 +10,7 @@ struct keyboard {
     int highest;
 };
 
-constexpr std::int32_t tindelwax_id = 0x54696E64; ///< 'Tind', its uniqueID
+constexpr const char* tindelwax_id = "Tind"; ///< its uniqueID
 constexpr keyboard tindelwax_keyboard{24, 72};
 constexpr keyboard widest_keyboard{0, nb_midi_notes - 1};
 

@@ -13,7 +13,8 @@ TEST(Registration, EachIsFarFromFullScaleAndAboutAsLoudAsTheOthers) {
         double& power = powers.emplace_back();
         for (const char* seed : {"1", "2", "3"}) {
             setenv("TINDELWAX_SEED", seed, 1);
-            plugin instrument{TEST_INSTRUMENT};
+            const auto loaded = plugin_load(TEST_INSTRUMENT);
+            plugin& instrument = *loaded;
             console{instrument, {}}.draw(
                 registration_resolve(registration_read(file), parameter_names(instrument)));
             instrument.prepare(48000, 24000);

@@ -17,7 +17,8 @@ constexpr int rate_hz = 48000;
 
 /// An instrument, ready to be played.
 struct player {
-    plugin instrument{TEST_INSTRUMENT};
+    std::unique_ptr<plugin> loaded = plugin_load(TEST_INSTRUMENT);
+    plugin& instrument = *loaded;
     std::shared_ptr<swell> pedal = std::make_shared<swell>(instrument);
     console players{instrument,
                     {.sustains = true,
@@ -145,7 +146,8 @@ struct recorder {
 /// What an instrument of the same seed makes of the notes, by itself.
 std::array<std::vector<float>, 2> rendered(const sender& played, const recorder& heard,
                                            int block_frames) {
-    plugin instrument{TEST_INSTRUMENT};
+    const auto loaded = plugin_load(TEST_INSTRUMENT);
+    plugin& instrument = *loaded;
     instrument.prepare(rate_hz, block_frames);
     instrument.start();
     std::array<std::vector<float>, 2> sound;
@@ -286,7 +288,8 @@ TEST_F(Jack, NoNoteIsMissingInTenMinutesOfFreewheeling) {
     const jack_server server{1024};
     sender keyboard;
     {
-        plugin sine{TEST_PLUGINS "/sine_main.so"};
+        const auto loaded = plugin_load(TEST_PLUGINS "/sine_main.so");
+        plugin& sine = *loaded;
         console desk{sine, {}};
         live_instrument live{sine, desk, desk, {}};
         const auto system = jack_system_open(live, {.midi = "sender:notes"});
@@ -407,7 +410,8 @@ TEST(LiveInstrument, ASongEndsAllItsSoundWhereItJumps) {
     const temporary_folder folder;
     setenv("TINDELWAX_TEST_LOG", (folder / "log").c_str(), 1);
     {
-        plugin sine{TEST_PLUGINS "/sine_main.so"};
+        const auto loaded = plugin_load(TEST_PLUGINS "/sine_main.so");
+        plugin& sine = *loaded;
         console desk{sine, {}};
         const std::string track = "00 90 3C 40 83 60 C0 00"; // half a second, its note held
         live_instrument live{

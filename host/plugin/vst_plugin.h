@@ -1,0 +1,57 @@
+#pragma once
+/// A VST 2.4 plug-in as the command's instrument.
+
+#include "plugin/command_host.h"
+#include "plugin/effect.h"
+#include "plugin/plugin.h"
+
+class vst_plugin final : public plugin {
+public:
+    /// Throws a failure that names the file and the reason.
+    explicit vst_plugin(const std::filesystem::path& file);
+    ~vst_plugin() override;
+
+    std::string name() override { return text(effGetEffectName); }
+    std::string id() override;
+    std::vector<plugin_fact> facts() override;
+
+    [[nodiscard]] int nb_parameters() const override { return record().numParams; }
+    std::string parameter_name(int index) override { return text(effGetParamName, index); }
+    std::string parameter_text(int index) override;
+    float parameter(int index) override { return effect_.get(index); }
+    void set_parameter(int index, float value) override { effect_.set(index, value); }
+
+    [[nodiscard]] int nb_outputs() const override { return record().numOutputs; }
+    void prepare(double rate_hz, int block_frames) override;
+    void start(host_activity for_what) override;
+    void stop() override;
+    VstTimeInfo& time() override { return host_.time; }
+    void set_listener(std::function<void(int parameter, float value)> listener) override {
+        host_.hear_automation = std::move(listener);
+    }
+    void send(event_list& events) override;
+    void process(int nb_frames) override;
+    [[nodiscard]] std::span<const float> output(int channel) const override;
+
+    [[nodiscard]] bool has_editor() const override;
+    editor_extent editor_size() override;
+    bool open_editor(void* window) override { return ask(effEditOpen, 0, 0, window) != 0; }
+    void close_editor() override { ask(effEditClose); }
+    void idle_editor() override { ask(effEditIdle); }
+
+private:
+    [[nodiscard]] const AEffect& record() const { return *effect_.record(); }
+    VstIntPtr ask(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
+                  float opt = 0);
+
+    /// The plug-in's answer to an opcode that writes a text, printable and without the blanks
+    /// around it.
+    std::string text(VstInt32 opcode, VstInt32 index = 0);
+
+    command_host host_;
+    effect effect_;
+    std::vector<std::vector<float>> inputs_{};
+    std::vector<std::vector<float>> outputs_{};
+    std::vector<float*> p_inputs_{};
+    std::vector<float*> p_outputs_{};
+};
