@@ -2,6 +2,7 @@
 
 #include "instrument/text_reading.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
