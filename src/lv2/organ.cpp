@@ -16,6 +16,7 @@ namespace {
 constexpr std::uint32_t short_message_size = 3; ///< of all that the instrument listens to
 constexpr std::uint32_t state_flags = LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE;
 constexpr std::size_t vector_head_size = 2; ///< in words: the size and the type of the elements
+constexpr float rounding = 1e-8f; ///< of hosts that keep values as texts of eight decimals
 constexpr float nothing_said = std::numeric_limits<float>::quiet_NaN();
 
 } // namespace
@@ -60,11 +61,11 @@ void lv2_organ::run(std::uint32_t nb_frames) noexcept {
 void lv2_organ::follow_ports(player& playing) noexcept {
     for (std::size_t i = 0; i < parameter_ports.size(); ++i) {
         auto& [p_value, said] = parameter_ports[i];
-        if (p_value && std::isfinite(*p_value)
-            && *p_value != said.load(std::memory_order_relaxed)) {
-            said.store(*p_value, std::memory_order_relaxed);
-            player_set_parameter(&playing, static_cast<int>(i), *p_value);
-        }
+        if (!p_value || !std::isfinite(*p_value)
+            || std::abs(*p_value - said.load(std::memory_order_relaxed)) <= rounding)
+            continue;
+        said.store(*p_value, std::memory_order_relaxed);
+        player_set_parameter(&playing, static_cast<int>(i), *p_value);
     }
 }
 
