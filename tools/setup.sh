@@ -30,12 +30,13 @@ need() {
 }
 
 build_packages=(
-    g++ cmake ninja-build pkg-config libcli11-dev libsndfile1-dev lv2-dev libxcb1-dev
-    libxcb-xtest0-dev libpng-dev libjack-jackd2-dev libasound2-dev librtaudio-dev librtmidi-dev)
+    g++ cmake ninja-build pkg-config libcli11-dev libsndfile1-dev libxcb1-dev
+    libxcb-xtest0-dev libpng-dev libjack-jackd2-dev libasound2-dev librtaudio-dev librtmidi-dev
+    liblilv-dev lv2-dev)
 test_packages=(
     libgtest-dev libbenchmark-dev clang-format clang-tidy-22 xvfb
     jackd2 pipewire pipewire-jack pulseaudio libasound2-plugins sox sordi valgrind)
-peer_packages=(liblilv-dev setbfree yoshimi)
+peer_packages=(setbfree yoshimi)
 clang_packages=(clang-22 libclang-rt-22-dev llvm-22)
 windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
 package_packages=(nsis dpkg-dev file fakeroot)

@@ -34,6 +34,11 @@ constexpr std::uint8_t message_kind_of(message_view message) noexcept {
     return message[0] >= message_sysex ? message[0] : message[0] & 0xF0;
 }
 
+/// Bytes of a channel message that begins so.
+constexpr std::size_t message_size(std::uint8_t status) noexcept {
+    return status >= message_program_change && status < 0xE0 ? 2 : 3;
+}
+
 constexpr std::size_t message_channel(message_view message) noexcept { return message[0] & 0x0F; }
 
 constexpr bool message_is_stroke(message_view message) noexcept {

@@ -28,6 +28,10 @@ public:
 
     void add(VstEvent* event); ///< of whatever type; may be null
 
+    /// Calls hear(message_view, frame) for each message, in the order of their addition.
+    template <typename Hear>
+    void for_each_message(Hear hear) const;
+
     /// The list in the interface's form, valid until the next change.
     [[nodiscard]] VstEvents* records();
 
@@ -35,3 +39,16 @@ private:
     std::vector<std::variant<VstMidiEvent, VstMidiSysexEvent, VstEvent*>> events_{};
     std::vector<VstEvents> memory_{}; ///< room for a list with all its pointers
 };
+
+template <typename Hear>
+void event_list::for_each_message(Hear hear) const {
+    const auto bytes = [](const char* data) { return reinterpret_cast<const std::uint8_t*>(data); };
+    for (const auto& event : events_)
+        if (const auto* midi = std::get_if<VstMidiEvent>(&event)) {
+            const std::uint8_t* const data = bytes(midi->midiData);
+            hear(message_view{data, message_size(data[0])}, midi->deltaFrames);
+        } else if (const auto* dump = std::get_if<VstMidiSysexEvent>(&event)) {
+            hear(message_view{bytes(dump->sysexDump), static_cast<std::size_t>(dump->dumpBytes)},
+                 dump->deltaFrames);
+        }
+}

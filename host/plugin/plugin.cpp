@@ -1,6 +1,7 @@
 #include "plugin/plugin.h"
 
 #include "platform/trial.h"
+#include "plugin/lv2_plugin.h"
 #include "plugin/vst_plugin.h"
 
 #include <algorithm>
@@ -20,6 +21,8 @@ int plugin::nb_channels() const { return std::min(nb_outputs(), 2); }
 
 std::unique_ptr<plugin> plugin_load(const std::filesystem::path& file) {
     try {
+        if (std::filesystem::is_directory(file))
+            return std::make_unique<lv2_plugin>(file);
         return std::make_unique<vst_plugin>(file);
     } catch (const failure& refusal) {
         throw failure{refusal.status, std::string{refusal.what()} + next_step};

@@ -1,0 +1,107 @@
+#pragma once
+/// An LV2 instrument as the command's, known by nothing but what its bundle says and its binary
+/// interface. One thread at a time may use it; what the plug-in wants done outside of its blocks is
+/// done between them, at once.
+
+#include "plugin/plugin.h"
+
+#include <lilv/lilv.h>
+#include <lv2/atom/atom.h>
+#include <lv2/urid/urid.h>
+#include <lv2/worker/worker.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <unordered_map>
+
+class lv2_plugin final : public plugin {
+public:
+    /// Finds the first plug-in of the bundle that hears MIDI and makes sound. Throws a failure that
+    /// names the folder and the reason.
+    explicit lv2_plugin(const std::filesystem::path& bundle);
+    ~lv2_plugin() override;
+
+    std::string name() override;
+    std::string id() override; ///< its URI
+    std::vector<plugin_fact> facts() override;
+
+    [[nodiscard]] int nb_parameters() const override;
+    std::string parameter_name(int index) override;
+    std::string parameter_text(int index) override;
+    float parameter(int index) override;
+    void set_parameter(int index, float value) override;
+
+    [[nodiscard]] int nb_outputs() const override { return static_cast<int>(outputs_.size()); }
+
+    /// Makes the plug-in anew, for its rate never changes; parameters stay where they are.
+    void prepare(double rate_hz, int block_frames) override;
+    void start(host_activity for_what) override;
+    void stop() override;
+    VstTimeInfo& time() override { return time_; } ///< which is not told
+    void send(event_list& events) override;
+    void process(int nb_frames) override;
+    [[nodiscard]] std::span<const float> output(int channel) const override;
+
+    [[nodiscard]] bool has_editor() const override { return false; }
+    editor_extent editor_size() override { return {}; }
+    bool open_editor(void*) override { return false; }
+    void close_editor() override {}
+    void idle_editor() override {}
+    void set_listener(std::function<void(int, float)>) override {}
+
+private:
+    struct free_by_lilv {
+        void operator()(LilvWorld* p) const { lilv_world_free(p); }
+        void operator()(LilvNode* p) const { lilv_node_free(p); }
+        void operator()(LilvInstance* p) const { lilv_instance_free(p); }
+        void operator()(LilvScalePoints* p) const { lilv_scale_points_free(p); }
+    };
+    template <typename Type>
+    using lilv_owned = std::unique_ptr<Type, free_by_lilv>;
+
+    /// Its buffer is a control's value, a block of audio, or atoms, which are aligned to 8 bytes.
+    struct port {
+        const LilvPort* described = nullptr;
+        std::vector<float> values{};
+        std::vector<std::uint64_t> atoms{};
+        bool is_input = false;
+        bool is_control = false;
+
+        LV2_Atom_Sequence* events() { return reinterpret_cast<LV2_Atom_Sequence*>(atoms.data()); }
+        [[nodiscard]] std::uint32_t room() const; ///< bytes behind the sequence's own header
+    };
+
+    struct parameter_port {
+        std::size_t number; ///< of the port
+        float least, most;
+    };
+
+    [[nodiscard]] lilv_owned<LilvNode> node(const char* uri) const;
+    /// What a node says, as text; "" where there is none. Takes the node.
+    static std::string text(LilvNode* said);
+    LV2_URID number(const char* uri); ///< from 1 on; plug-ins may ask on any thread
+    bool describe_ports();            ///< returns whether it is an instrument's
+    void make_instance();
+    void empty_sequences();
+    LV2_Worker_Status work(std::uint32_t size, const void* data);
+
+    std::string folder_;
+    double rate_hz_ = 48000;
+    VstTimeInfo time_{};
+    lilv_owned<LilvWorld> world_{lilv_world_new()};
+    const LilvPlugin* plugin_ = nullptr;
+    std::mutex mutex_{};
+    std::unordered_map<std::string, LV2_URID> numbers_{};
+    const LV2_URID midi_event_, sequence_, chunk_; ///< numbers that every block wants
+    LV2_URID_Map map_;
+    LV2_Worker_Schedule schedule_;
+    std::vector<port> ports_{};
+    std::vector<parameter_port> parameters_{};
+    std::vector<std::size_t> outputs_{}; ///< which of the ports
+    port* midi_input_ = nullptr;
+    std::vector<std::vector<std::byte>> responses_{}; ///< the worker's, until the block ends
+    const LV2_Worker_Interface* worker_ = nullptr;
+    lilv_owned<LilvInstance> instance_{};
+    bool runs_ = false;
+};
