@@ -21,7 +21,7 @@ int plugin::nb_channels() const { return std::min(nb_outputs(), 2); }
 
 std::unique_ptr<plugin> plugin_load(const std::filesystem::path& file) {
     try {
-        if (std::filesystem::is_directory(file))
+        if (std::filesystem::exists(file / "manifest.ttl")) // an LV2 bundle
             return std::make_unique<lv2_plugin>(file);
         return std::make_unique<vst_plugin>(file);
     } catch (const failure& refusal) {
