@@ -165,14 +165,13 @@ private:
     static bool push(const clap_output_events* list,
                      const clap_event_header* event) noexcept NONBLOCKING {
         auto& self = *static_cast<hosted*>(list->ctx);
-        if (!self.takes_events)
-            return false;
         NONBLOCKING_UNCHECKED_BEGIN // there is room
             any_event copy{};
         std::memcpy(&copy, event, event->size);
-        self.sent.push_back(copy);
+        if (self.takes_events)
+            self.sent.push_back(copy);
         NONBLOCKING_UNCHECKED_END
-        return true;
+        return self.takes_events;
     }
     static const void* get_extension(const clap_host*, const char*) {
         static const clap_host_params params{
