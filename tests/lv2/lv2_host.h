@@ -61,6 +61,7 @@ private:
 struct kept_property {
     std::string bytes;
     std::uint32_t type;
+    bool operator==(const kept_property&) const = default;
 };
 using kept_state = std::map<std::uint32_t, kept_property>;
 
