@@ -1,6 +1,7 @@
 #include "plugin/plugin.h"
 
 #include "platform/trial.h"
+#include "plugin/loaded_clap.h"
 #include "plugin/lv2_plugin.h"
 #include "plugin/vst_plugin.h"
 
@@ -23,6 +24,8 @@ std::unique_ptr<plugin> plugin_load(const std::filesystem::path& file) {
     try {
         if (std::filesystem::exists(file / "manifest.ttl")) // an LV2 bundle
             return std::make_unique<lv2_plugin>(file);
+        if (file.extension() == ".clap")
+            return std::make_unique<loaded_clap>(file);
         return std::make_unique<vst_plugin>(file);
     } catch (const failure& refusal) {
         throw failure{refusal.status, std::string{refusal.what()} + next_step};

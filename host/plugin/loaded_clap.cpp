@@ -1,0 +1,309 @@
+#include "plugin/loaded_clap.h"
+
+#include "failure/printable.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+namespace {
+
+constexpr double no_setting = std::numeric_limits<double>::quiet_NaN();
+constexpr std::size_t nb_events_of_a_block = 4096; // more take memory
+constexpr std::uint32_t max_parameters = 65536;    // a count of more is none
+
+template <typename Event>
+Event make_event(std::uint16_t type, int frame) {
+    Event made{};
+    made.header = {.size = sizeof made,
+                   .time = static_cast<std::uint32_t>(std::max(frame, 0)),
+                   .space_id = CLAP_CORE_EVENT_SPACE_ID,
+                   .type = type,
+                   .flags = 0};
+    return made;
+}
+
+const clap_event_header& header_of(const auto& event) {
+    return std::visit(
+        [](const auto& each) -> const auto& { return each.header; }, event);
+}
+
+bool take_nothing(const clap_output_events*, const clap_event_header*) noexcept NONBLOCKING {
+    return true;
+}
+
+const clap_host_params host_params{
+    .rescan = [](const clap_host*, clap_param_rescan_flags) {},
+    .clear = [](const clap_host*, clap_id, clap_param_clear_flags) {},
+    .request_flush = [](const clap_host*) {}};
+
+const void* host_extension(const clap_host*, const char* id) {
+    return std::strcmp(id, clap_params_id) == 0 ? &host_params : nullptr;
+}
+
+void ignore(const clap_host*) {}
+
+} // namespace
+
+loaded_clap::loaded_clap(const std::filesystem::path& file)
+    : plugin{file},
+      library_{file},
+      path_{std::filesystem::absolute(file).string()},
+      host_{.clap_version = clap_interface_version,
+            .host_data = this,
+            .name = "Tindelwax command",
+            .vendor = "Quenmar",
+            .url = "",
+            .version = "1",
+            .get_extension = host_extension,
+            .request_restart = ignore,
+            .request_process = ignore,
+            .request_callback = ignore},
+      entry_{static_cast<const clap_plugin_entry*>(library_.find("clap_entry"))} {
+    const auto refuse = [&](const std::string& why) {
+        throw failure{exit_misused, file.string() + " " + why};
+    };
+    if (!entry_)
+        refuse("is no CLAP plug-in for this system: "
+               + (library_.error.empty() ? "it exports no clap_entry" : library_.error));
+    if (!entry_->init(path_.c_str()))
+        refuse("refuses to start");
+    create();
+    if (!plugin_) {
+        entry_->deinit();
+        refuse("refuses to make a plug-in");
+    }
+    find_ports();
+    const std::uint32_t nb_parameters =
+        params_ ? std::min(params_->count(plugin_), max_parameters) : 0;
+    infos_.resize(nb_parameters);
+    settings_ = std::vector<std::atomic<double>>(nb_parameters);
+    for (std::uint32_t i = 0; i < nb_parameters; ++i) {
+        params_->get_info(plugin_, i, &infos_[i]);
+        settings_[i] = no_setting;
+    }
+}
+
+loaded_clap::~loaded_clap() {
+    loaded_clap::stop();
+    plugin_->destroy(plugin_);
+    entry_->deinit();
+}
+
+template <typename Extension>
+const Extension* loaded_clap::extension(const char* id) const {
+    return static_cast<const Extension*>(plugin_->get_extension(plugin_, id));
+}
+
+void loaded_clap::create() {
+    const auto* factory =
+        static_cast<const clap_plugin_factory*>(entry_->get_factory(clap_plugin_factory_id));
+    const auto* described = factory && factory->get_plugin_count(factory) > 0
+                                ? factory->get_plugin_descriptor(factory, 0)
+                                : nullptr;
+    plugin_ = described ? factory->create_plugin(factory, &host_, described->id) : nullptr;
+    if (plugin_ && !plugin_->init(plugin_)) {
+        plugin_->destroy(plugin_);
+        plugin_ = nullptr;
+    }
+}
+
+void loaded_clap::find_ports() {
+    params_ = extension<clap_plugin_params>(clap_params_id);
+    clap_audio_port_info audio{};
+    const auto* audio_ports = extension<clap_plugin_audio_ports>(clap_audio_ports_id);
+    if (audio_ports && audio_ports->count(plugin_, false) > 0
+        && audio_ports->get(plugin_, 0, false, &audio))
+        nb_channels_ = audio.channel_count;
+    clap_note_port_info notes{};
+    const auto* note_ports = extension<clap_plugin_note_ports>(clap_note_ports_id);
+    if (note_ports && note_ports->count(plugin_, true) > 0
+        && note_ports->get(plugin_, 0, true, &notes))
+        dialects_ = notes.supported_dialects;
+}
+
+std::string loaded_clap::name() { return printable(plugin_->desc->name); }
+
+std::string loaded_clap::id() { return printable(plugin_->desc->id); }
+
+std::vector<plugin_fact> loaded_clap::facts() {
+    const auto said = [](const char* text) { return text ? printable(text) : ""; };
+    std::string features;
+    for (const char* const* feature = plugin_->desc->features; feature && *feature; ++feature)
+        features += (features.empty() ? "" : ", ") + said(*feature);
+    const auto& version = plugin_->desc->clap_version;
+    return {{"vendor", said(plugin_->desc->vendor)},
+            {"version", said(plugin_->desc->version) + "; interface "
+                            + std::to_string(version.major) + "." + std::to_string(version.minor)
+                            + "." + std::to_string(version.revision)},
+            {"id", id()},
+            {"category", features},
+            {"channels", std::to_string(nb_outputs()) + " out"},
+            {"parameters", std::to_string(nb_parameters())}};
+}
+
+std::string loaded_clap::parameter_name(int index) {
+    return printable(infos_[static_cast<std::size_t>(index)].name);
+}
+
+std::string loaded_clap::value_text(clap_id id, double value) const {
+    std::array<char, CLAP_NAME_SIZE> text{};
+    params_->value_to_text(plugin_, id, value, text.data(), text.size());
+    text.back() = 0;
+    return printable(text.data());
+}
+
+std::string loaded_clap::parameter_text(int index) {
+    const clap_id id = infos_[static_cast<std::size_t>(index)].id;
+    double value = 0;
+    params_->get_value(plugin_, id, &value);
+    return value_text(id, value);
+}
+
+float loaded_clap::parameter(int index) {
+    const clap_param_info& info = infos_[static_cast<std::size_t>(index)];
+    double value = settings_[static_cast<std::size_t>(index)].load(std::memory_order_relaxed);
+    if (std::isnan(value))
+        params_->get_value(plugin_, info.id, &value);
+    const double range = info.max_value - info.min_value;
+    return range > 0 ? static_cast<float>((value - info.min_value) / range) : 0.0f;
+}
+
+void loaded_clap::set_parameter(int index, float value) {
+    const clap_param_info& info = infos_[static_cast<std::size_t>(index)];
+    double plain = info.min_value + static_cast<double>(value) * (info.max_value - info.min_value);
+    if (info.flags & CLAP_PARAM_IS_STEPPED)
+        plain = std::round(plain);
+    settings_[static_cast<std::size_t>(index)].store(plain, std::memory_order_relaxed);
+    if (!runs_)
+        hand_over_settings();
+}
+
+/// What was set comes before all else in the block.
+void loaded_clap::take_settings() {
+    for (std::size_t i = 0; i < settings_.size(); ++i) {
+        const double value = settings_[i].exchange(no_setting, std::memory_order_relaxed);
+        if (std::isnan(value))
+            continue;
+        auto setting = make_event<clap_event_param_value>(CLAP_EVENT_PARAM_VALUE, 0);
+        setting.param_id = infos_[i].id;
+        setting.cookie = infos_[i].cookie;
+        setting.note_id = setting.port_index = setting.channel = setting.key = -1;
+        setting.value = value;
+        events_.emplace_back(setting);
+    }
+}
+
+namespace {
+
+/// A block's events as the interface lists them.
+template <typename Events>
+clap_input_events list_of(const Events& events) {
+    return {.ctx = const_cast<Events*>(&events),
+            .size =
+                [](const clap_input_events* list) noexcept NONBLOCKING {
+                    return static_cast<std::uint32_t>(
+                        static_cast<const Events*>(list->ctx)->size());
+                },
+            .get =
+                [](const clap_input_events* list, std::uint32_t index) noexcept NONBLOCKING {
+                    return &header_of((*static_cast<const Events*>(list->ctx))[index]);
+                }};
+}
+
+} // namespace
+
+/// While it does not run. Messages of a block to come stay where they are.
+void loaded_clap::hand_over_settings() {
+    if (!params_)
+        return;
+    std::vector<event> waiting = std::exchange(events_, {});
+    take_settings();
+    const clap_input_events in = list_of(events_);
+    const clap_output_events out{.ctx = nullptr, .try_push = take_nothing};
+    params_->flush(plugin_, &in, &out);
+    events_ = std::move(waiting);
+}
+
+void loaded_clap::prepare(double rate_hz, int block_frames) {
+    rate_hz_ = rate_hz;
+    block_frames_ = block_frames;
+}
+
+void loaded_clap::start(host_activity) {
+    if (nb_channels() == 0)
+        fail("has no audio output");
+    outputs_.assign(nb_channels_, std::vector<float>(static_cast<std::size_t>(block_frames_)));
+    p_outputs_.clear();
+    for (auto& channel : outputs_)
+        p_outputs_.push_back(channel.data());
+    events_.reserve(nb_events_of_a_block);
+    if (!plugin_->activate(plugin_, rate_hz_, 1, static_cast<std::uint32_t>(block_frames_)))
+        fail("refuses " + std::to_string(rate_hz_) + " Hz");
+    runs_ = true;
+    if (!plugin_->start_processing(plugin_))
+        fail("refuses to process");
+}
+
+void loaded_clap::stop() {
+    if (!std::exchange(runs_, false))
+        return;
+    plugin_->stop_processing(plugin_);
+    plugin_->deactivate(plugin_);
+}
+
+void loaded_clap::send(event_list& events) {
+    events.for_each_message([this](message_view message, int frame) { add(message, frame); });
+}
+
+/// Notes as the interface's own where they are understood. What is not is left out.
+void loaded_clap::add(message_view message, int frame) {
+    if (message.size() > 3)
+        return;
+    const bool is_stroke = message_is_stroke(message);
+    if (dialects_ & CLAP_NOTE_DIALECT_CLAP && (is_stroke || message_is_release(message))) {
+        auto note = make_event<clap_event_note>(
+            is_stroke ? CLAP_EVENT_NOTE_ON : CLAP_EVENT_NOTE_OFF, frame);
+        note.note_id = -1;
+        note.channel = static_cast<std::int16_t>(message_channel(message));
+        note.key = message[1];
+        note.velocity = message[2] / 127.0;
+        events_.emplace_back(note);
+    } else if (dialects_ & CLAP_NOTE_DIALECT_MIDI) {
+        auto midi = make_event<clap_event_midi>(CLAP_EVENT_MIDI, frame);
+        std::ranges::copy(message, midi.data);
+        events_.emplace_back(midi);
+    }
+}
+
+void loaded_clap::process(int nb_frames) {
+    take_settings();
+    std::ranges::stable_sort(events_, {}, [](const event& each) { return header_of(each).time; });
+    const clap_input_events in = list_of(events_);
+    const clap_output_events out{.ctx = nullptr, .try_push = take_nothing};
+    clap_audio_buffer output{.data32 = p_outputs_.data(),
+                             .data64 = nullptr,
+                             .channel_count = nb_channels_,
+                             .latency = 0,
+                             .constant_mask = 0};
+    const clap_process block{.steady_time = -1,
+                             .frames_count = static_cast<std::uint32_t>(nb_frames),
+                             .transport = nullptr,
+                             .audio_inputs = nullptr,
+                             .audio_outputs = &output,
+                             .audio_inputs_count = 0,
+                             .audio_outputs_count = 1,
+                             .in_events = &in,
+                             .out_events = &out};
+    if (plugin_->process(plugin_, &block) == CLAP_PROCESS_ERROR)
+        for (auto& channel : outputs_)
+            std::ranges::fill(channel, 0.0f);
+    events_.clear();
+}
+
+std::span<const float> loaded_clap::output(int channel) const {
+    return outputs_[static_cast<std::size_t>(channel)];
+}

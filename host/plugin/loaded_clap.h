@@ -1,0 +1,72 @@
+#pragma once
+/// A CLAP instrument as the command's, and the host that the command is to it. Parameters may be
+/// set on any thread while it runs.
+
+#include "clap/interface.h"
+#include "platform/library.h"
+#include "plugin/plugin.h"
+
+#include <atomic>
+#include <variant>
+
+class loaded_clap final : public plugin {
+public:
+    /// Takes the first plug-in of the library. Throws a failure that names the file and the reason.
+    explicit loaded_clap(const std::filesystem::path& file);
+    ~loaded_clap() override;
+
+    std::string name() override;
+    std::string id() override;
+    std::vector<plugin_fact> facts() override;
+
+    [[nodiscard]] int nb_parameters() const override { return static_cast<int>(infos_.size()); }
+    std::string parameter_name(int index) override;
+    std::string parameter_text(int index) override;
+    float parameter(int index) override;
+    void set_parameter(int index, float value) override;
+
+    [[nodiscard]] int nb_outputs() const override { return static_cast<int>(nb_channels_); }
+    void prepare(double rate_hz, int block_frames) override;
+    void start(host_activity for_what) override;
+    void stop() override;
+    VstTimeInfo& time() override { return time_; } ///< which is not told
+    void send(event_list& events) override;
+    void process(int nb_frames) override;
+    [[nodiscard]] std::span<const float> output(int channel) const override;
+
+    [[nodiscard]] bool has_editor() const override { return false; }
+    editor_extent editor_size() override { return {}; }
+    bool open_editor(void*) override { return false; }
+    void close_editor() override {}
+    void idle_editor() override {}
+    void set_listener(std::function<void(int, float)>) override {}
+
+private:
+    using event = std::variant<clap_event_param_value, clap_event_note, clap_event_midi>;
+
+    template <typename Extension>
+    const Extension* extension(const char* id) const;
+    void create();
+    void find_ports();
+    void add(message_view message, int frame);
+    void take_settings();
+    void hand_over_settings();
+    [[nodiscard]] std::string value_text(clap_id id, double value) const;
+
+    library library_;
+    std::string path_;
+    clap_host host_;
+    const clap_plugin_entry* entry_ = nullptr;
+    const clap_plugin* plugin_ = nullptr;
+    const clap_plugin_params* params_ = nullptr;
+    std::vector<clap_param_info> infos_{};
+    std::vector<std::atomic<double>> settings_{}; ///< by parameter: on its way; NaN: none
+    std::uint32_t nb_channels_ = 0;               ///< of the first output port
+    std::uint32_t dialects_ = 0;                  ///< of the first note port
+    double rate_hz_ = 48000;
+    VstTimeInfo time_{};
+    bool runs_ = false;
+    std::vector<event> events_{}; ///< of the next block
+    std::vector<std::vector<float>> outputs_{};
+    std::vector<float*> p_outputs_{};
+};
