@@ -139,6 +139,30 @@ TEST_F(Command, TheSameCommandGivesTheSameBytes) {
     EXPECT_NE(file_content(folder / "a.wav"), file_content(folder / "c.wav"));
 }
 
+TEST_F(Command, OneSeedIsOneFileInEveryFormat) {
+    const std::filesystem::path vst = TEST_INSTRUMENT;
+    const std::pair<std::string, const char*> formats[] = {
+        {vst, "(0x54696E64)"},
+        {vst.parent_path() / "tindelwax.clap", "example.quenmar.tindelwax"},
+        {vst.parent_path() / "tindelwax.lv2", "https://quenmar.example/tindelwax"}};
+    for (const auto& [file, id] : formats) {
+        const std::string info = run({"info"}, file).out;
+        for (const std::string part : {"Tindelwax\n", "  vendor      Quenmar\n", id,
+                                       "  parameters  10\n", "Contour     0.1000  0.1"})
+            EXPECT_TRUE(contains(info, part)) << part << "\n" << info;
+        const process_result render =
+            run({"render", "song.mid", "-o", "a.wav", "--seed", "2", "--set", "Vibrato=1", "--set",
+                 "Flute=0", "--set", "Contour=0.4", "--rate", "44100"},
+                file);
+        EXPECT_EQ(render.status, 0) << render.err;
+        if (file == vst)
+            std::filesystem::rename(folder.path / "a.wav", folder.path / "vst.wav");
+        else
+            EXPECT_EQ(file_content(folder / "a.wav"), file_content(folder / "vst.wav")) << file;
+        EXPECT_GT(peak(file_content(folder / "vst.wav")), 0.01f);
+    }
+}
+
 TEST_F(Command, PipesCarryTheSameFileAndNothingElse) {
     (void)run({"render", "song.mid"});
     surroundings.input_file = folder / "song.mid";
