@@ -165,11 +165,10 @@ private:
     static bool push(const clap_output_events* list,
                      const clap_event_header* event) noexcept NONBLOCKING {
         auto& self = *static_cast<hosted*>(list->ctx);
-        NONBLOCKING_UNCHECKED_BEGIN // there is room
-            any_event copy{};
+        any_event copy{};
         std::memcpy(&copy, event, event->size);
-        if (self.takes_events)
-            self.sent.push_back(copy);
+        NONBLOCKING_UNCHECKED_BEGIN // there is room
+            if (self.takes_events) self.sent.push_back(copy);
         NONBLOCKING_UNCHECKED_END
         return self.takes_events;
     }
