@@ -28,12 +28,14 @@ std::unique_ptr<player> instrument::make() const {
     return made;
 }
 
+/// What leaves is there before its successor is taken: whoever puts a new one into `coming`, and
+/// then clears `leaving`, knows that nothing stands in its way.
 player& instrument::playing() noexcept {
-    if (leaving.load(std::memory_order_acquire) == nullptr)
-        if (player* const taken = coming.exchange(nullptr, std::memory_order_acq_rel)) {
-            leaving.store(current, std::memory_order_release);
-            current = taken;
-        }
+    if (leaving.load(std::memory_order_acquire) == nullptr
+        && coming.load(std::memory_order_acquire) != nullptr) {
+        leaving.store(current, std::memory_order_release);
+        current = coming.exchange(nullptr, std::memory_order_acq_rel);
+    }
     return *current;
 }
 
@@ -41,9 +43,9 @@ player& instrument::playing() noexcept {
 void instrument::replace(const saved_state& state) {
     std::unique_ptr<player> made = make();
     saved_state_put(state, *made->p_control);
-    delete leaving.exchange(nullptr, std::memory_order_acq_rel);
     newest = made.release();
     delete coming.exchange(newest, std::memory_order_acq_rel);
+    delete leaving.exchange(nullptr, std::memory_order_acq_rel);
 }
 
 void instrument::set_sampling_rate(double rate) {

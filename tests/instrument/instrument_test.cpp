@@ -119,6 +119,7 @@ TEST_F(Instrument, ItGoesOnPlayingWhileStatesAreLoaded) {
         EXPECT_TRUE(played.load(states[i % 2]));
     ends = true;
     audio.join();
+    EXPECT_EQ(&played.playing(), &played.shown()) << "the last is not kept waiting";
     EXPECT_GT(loudest, 0.001f);
     EXPECT_EQ(played.save(), states[1]);
 }
