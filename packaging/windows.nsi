@@ -1,5 +1,5 @@
 ; The installer for Windows. makensis -DVERSION=... -DSTAGE=FOLDER -DOUTPUT=FILE; the folder holds
-; win32 and win64 with the plug-in and its judge, and the texts. Per user: it needs no administrator.
+; win32 and win64 with the plug-ins and their judge, and the texts. Per user: it needs no administrator.
 
 Unicode true
 SetCompressor /SOLID lzma
@@ -7,6 +7,8 @@ SetCompressor /SOLID lzma
 !include LogicLib.nsh
 !include MUI2.nsh
 
+; Where hosts look for CLAP plug-ins of one user.
+!define CLAP "$LOCALAPPDATA\Programs\Common\CLAP"
 !define ENTRY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Tindelwax"
 
 Name "Tindelwax ${VERSION}"
@@ -17,7 +19,8 @@ InstallDir "$LOCALAPPDATA\Programs\Common\VST2\"
 InstallDirRegKey HKCU "${ENTRY}" "VstFolder"
 
 !define MUI_DIRECTORYPAGE_TEXT_TOP "Choose the folder that your host scans for VST 2 plug-ins. \
-    Tindelwax gets a folder of its own in it, with the plug-in for 32-bit and for 64-bit hosts."
+    Tindelwax gets a folder of its own in it, with the plug-in for 32-bit and for 64-bit hosts. \
+    CLAP hosts find theirs by themselves."
 !define MUI_DIRECTORYPAGE_TEXT_DESTINATION "VST folder"
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
@@ -46,6 +49,7 @@ Function ${un}remove
     Delete "$0\Tindelwax\win32\tindelwax.dll"
     Delete "$0\Tindelwax\win64\tindelwax-check.exe"
     Delete "$0\Tindelwax\win64\tindelwax.dll"
+    Delete "${CLAP}\tindelwax.clap"
     ${If} ${Errors}
         !insertmacro give_up "Tindelwax is in use. Close your host, then run this again."
     ${EndIf}
@@ -55,6 +59,7 @@ Function ${un}remove
     RMDir "$0\Tindelwax\win32"
     RMDir "$0\Tindelwax\win64"
     RMDir "$0\Tindelwax"
+    RMDir "${CLAP}"
     DeleteRegKey HKCU "${ENTRY}"
 
     ; A folder that holds other files stays, and with it those around it.
@@ -112,7 +117,9 @@ Section
     WriteRegDWORD HKCU "${ENTRY}" "NoModify" 1
     WriteRegDWORD HKCU "${ENTRY}" "NoRepair" 1
     ; After the entry, so that what a full disk leaves behind can be uninstalled.
-    File /r "${STAGE}/*"
+    File /r /x *.clap "${STAGE}/*"
+    SetOutPath "${CLAP}"
+    File "${STAGE}/win64/tindelwax.clap"
 SectionEnd
 
 Section un.
