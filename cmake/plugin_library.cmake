@@ -8,7 +8,10 @@ function(tindelwax_plugin_library name)
     set_target_properties(${name} PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${TINDELWAX_DIST})
     target_link_libraries(${name} PRIVATE ${ARGN} tindelwax_options)
     if(WIN32)
-        target_sources(${name} PRIVATE exports.def ${common}/pthread_once_windows.cpp)
+        target_sources(
+            ${name} PRIVATE exports.def ${common}/module_handle_windows.cpp
+                            ${common}/pthread_once_windows.cpp)
+        target_link_libraries(${name} PRIVATE module_handle)
         target_link_options(
             ${name}
             PRIVATE

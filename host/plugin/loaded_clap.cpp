@@ -26,11 +26,6 @@ Event make_event(std::uint16_t type, int frame) {
     return made;
 }
 
-const clap_event_header& header_of(const auto& event) {
-    return std::visit(
-        [](const auto& each) -> const auto& { return each.header; }, event);
-}
-
 bool take_nothing(const clap_output_events*, const clap_event_header*) noexcept NONBLOCKING {
     return true;
 }
@@ -193,7 +188,7 @@ void loaded_clap::take_settings() {
         setting.cookie = infos_[i].cookie;
         setting.note_id = setting.port_index = setting.channel = setting.key = -1;
         setting.value = value;
-        events_.emplace_back(setting);
+        events_.push_back({.setting = setting});
     }
 }
 
@@ -210,7 +205,7 @@ clap_input_events list_of(const Events& events) {
                 },
             .get =
                 [](const clap_input_events* list, std::uint32_t index) noexcept NONBLOCKING {
-                    return &header_of((*static_cast<const Events*>(list->ctx))[index]);
+                    return &(*static_cast<const Events*>(list->ctx))[index].header;
                 }};
 }
 
@@ -271,17 +266,17 @@ void loaded_clap::add(message_view message, int frame) {
         note.channel = static_cast<std::int16_t>(message_channel(message));
         note.key = message[1];
         note.velocity = message[2] / 127.0;
-        events_.emplace_back(note);
+        events_.push_back({.note = note});
     } else if (dialects_ & CLAP_NOTE_DIALECT_MIDI) {
         auto midi = make_event<clap_event_midi>(CLAP_EVENT_MIDI, frame);
         std::ranges::copy(message, midi.data);
-        events_.emplace_back(midi);
+        events_.push_back({.midi = midi});
     }
 }
 
 void loaded_clap::process(int nb_frames) {
     take_settings();
-    std::ranges::stable_sort(events_, {}, [](const event& each) { return header_of(each).time; });
+    std::ranges::stable_sort(events_, {}, [](const event& each) { return each.header.time; });
     const clap_input_events in = list_of(events_);
     const clap_output_events out{.ctx = nullptr, .try_push = take_nothing};
     clap_audio_buffer output{.data32 = p_outputs_.data(),

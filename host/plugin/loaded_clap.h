@@ -7,7 +7,6 @@
 #include "plugin/plugin.h"
 
 #include <atomic>
-#include <variant>
 
 class loaded_clap final : public plugin {
 public:
@@ -42,7 +41,12 @@ public:
     void set_listener(std::function<void(int, float)>) override {}
 
 private:
-    using event = std::variant<clap_event_param_value, clap_event_note, clap_event_midi>;
+    union event { ///< each begins with its header
+        clap_event_header header;
+        clap_event_param_value setting;
+        clap_event_note note;
+        clap_event_midi midi;
+    };
 
     template <typename Extension>
     const Extension* extension(const char* id) const;

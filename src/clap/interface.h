@@ -114,6 +114,8 @@ enum clap_event_type : std::uint16_t {
     CLAP_EVENT_NOTE_CHOKE = 2,
     CLAP_EVENT_NOTE_END = 3,
     CLAP_EVENT_PARAM_VALUE = 5,
+    CLAP_EVENT_PARAM_GESTURE_BEGIN = 7,
+    CLAP_EVENT_PARAM_GESTURE_END = 8,
     CLAP_EVENT_MIDI = 10,
 };
 
@@ -146,6 +148,11 @@ struct clap_event_param_value {
     std::int16_t channel;
     std::int16_t key;
     double value;
+};
+
+struct clap_event_param_gesture {
+    clap_event_header header;
+    clap_id param_id;
 };
 
 struct clap_event_midi {
@@ -291,6 +298,50 @@ struct clap_plugin_remote_controls {
                 clap_remote_controls_page* page);
 };
 
+// The panel.
+
+constexpr char clap_gui_id[] = "clap.gui";
+constexpr char CLAP_WINDOW_API_X11[] = "x11"; ///< sizes are physical pixels
+
+struct clap_window {
+    const char* api;
+    union {
+        unsigned long x11;
+        void* ptr;
+    };
+};
+
+struct clap_gui_resize_hints; // not given
+
+struct clap_plugin_gui {
+    bool (*is_api_supported)(const clap_plugin* plugin, const char* api, bool is_floating);
+    bool (*get_preferred_api)(const clap_plugin* plugin, const char** api, bool* is_floating);
+    bool (*create)(const clap_plugin* plugin, const char* api, bool is_floating);
+    void (*destroy)(const clap_plugin* plugin);
+    bool (*set_scale)(const clap_plugin* plugin, double scale);
+    bool (*get_size)(const clap_plugin* plugin, std::uint32_t* width, std::uint32_t* height);
+    bool (*can_resize)(const clap_plugin* plugin);
+    bool (*get_resize_hints)(const clap_plugin* plugin, clap_gui_resize_hints* hints);
+    bool (*adjust_size)(const clap_plugin* plugin, std::uint32_t* width, std::uint32_t* height);
+    bool (*set_size)(const clap_plugin* plugin, std::uint32_t width, std::uint32_t height);
+    bool (*set_parent)(const clap_plugin* plugin, const clap_window* window);
+    bool (*set_transient)(const clap_plugin* plugin, const clap_window* window);
+    void (*suggest_title)(const clap_plugin* plugin, const char* title);
+    bool (*show)(const clap_plugin* plugin);
+    bool (*hide)(const clap_plugin* plugin);
+};
+
+constexpr char clap_timer_support_id[] = "clap.timer-support";
+
+struct clap_plugin_timer_support {
+    void (*on_timer)(const clap_plugin* plugin, clap_id timer_id);
+};
+
+struct clap_host_timer_support {
+    bool (*register_timer)(const clap_host* host, std::uint32_t period_ms, clap_id* timer_id);
+    bool (*unregister_timer)(const clap_host* host, clap_id timer_id);
+};
+
 // The rest.
 
 constexpr char clap_state_id[] = "clap.state";
@@ -334,6 +385,7 @@ static_assert(sizeof(clap_event_note) == 40 && offsetof(clap_event_note, velocit
 static_assert(sizeof(clap_event_param_value) == 56);
 static_assert(offsetof(clap_event_param_value, cookie) == 24);
 static_assert(offsetof(clap_event_param_value, value) == 48);
+static_assert(sizeof(clap_event_param_gesture) == 20);
 static_assert(sizeof(clap_event_midi) == 24);
 static_assert(sizeof(clap_input_events) == 24);
 static_assert(sizeof(clap_output_events) == 16);
@@ -353,6 +405,10 @@ static_assert(sizeof(clap_remote_controls_page) == 552);
 static_assert(offsetof(clap_remote_controls_page, page_id) == 256);
 static_assert(offsetof(clap_remote_controls_page, param_ids) == 516);
 static_assert(sizeof(clap_plugin_remote_controls) == 16);
+static_assert(sizeof(clap_window) == 16 && offsetof(clap_window, x11) == 8);
+static_assert(sizeof(clap_plugin_gui) == 120);
+static_assert(sizeof(clap_plugin_timer_support) == 8);
+static_assert(sizeof(clap_host_timer_support) == 16);
 static_assert(sizeof(clap_plugin_state) == 16);
 static_assert(sizeof(clap_plugin_tail) == 8);
 static_assert(sizeof(clap_voice_info) == 16);

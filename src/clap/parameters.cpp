@@ -90,7 +90,8 @@ bool text_to_value(const clap_plugin* plugin, clap_id param_id, const char* para
 
 /// [audio], or [ui] while there is no audio thread
 void flush(const clap_plugin* plugin, const clap_input_events* in,
-           const clap_output_events*) noexcept NONBLOCKING {
+           const clap_output_events* out) noexcept NONBLOCKING {
+    clap_send_edits(clap_instrument_of(plugin), out);
     player& playing = clap_instrument_of(plugin).played.playing();
     for (std::uint32_t i = 0; i < clap_nb_events(in); ++i)
         if (const auto* const event =
@@ -116,4 +117,24 @@ bool clap_parameter_moves(const player* p_player, const clap_event_param_value& 
 void clap_set_parameter(player* p_player, const clap_event_param_value& event) noexcept {
     if (const auto value = value_of(p_player, event))
         player_set_parameter(p_player, static_cast<int>(event.param_id), *value);
+}
+
+clap_event_param_value clap_value_event(clap_id id, double value) noexcept {
+    return {.header{},
+            .param_id = id,
+            .cookie = nullptr,
+            .note_id = -1,
+            .port_index = -1,
+            .channel = -1,
+            .key = -1,
+            .value = value};
+}
+
+void clap_send_edits(clap_instrument& instrument, const clap_output_events* list) noexcept {
+    instrument.edits.take([=](const clap_edit& edit) noexcept NONBLOCKING {
+        return edit.type == CLAP_EVENT_PARAM_VALUE
+                   ? clap_send(list, clap_value_event(edit.param_id, edit.value), edit.type, 0)
+                   : clap_send(list, clap_event_param_gesture{.header{}, .param_id = edit.param_id},
+                               edit.type, 0);
+    });
 }

@@ -8,6 +8,8 @@
 
 #include <optional>
 
+struct clap_instrument;
+
 extern const clap_plugin_params clap_parameters;
 
 /// The parameter's value within its range; the id is one. [any]
@@ -16,6 +18,14 @@ extern const clap_plugin_params clap_parameters;
 /// Whether the event would move its parameter. [audio]
 [[nodiscard]] bool clap_parameter_moves(const player* p_player,
                                         const clap_event_param_value& event) noexcept NONBLOCKING;
+
+/// An event of the whole instrument, but for its header. [audio]
+[[nodiscard]] clap_event_param_value clap_value_event(clap_id id,
+                                                      double value) noexcept NONBLOCKING;
+
+/// Tells the host of what the user has done on the panel. [audio], or as flush
+void clap_send_edits(clap_instrument& instrument,
+                     const clap_output_events* list) noexcept NONBLOCKING;
 
 /// Sets the event's parameter to the nearest value that it has. Values that are not finite and ids
 /// that nobody has change nothing. [audio]

@@ -38,6 +38,8 @@ void reset(const clap_plugin* plugin) noexcept NONBLOCKING {
 bool activate(const clap_plugin* plugin, double sample_rate, std::uint32_t, std::uint32_t) {
     clap_instrument& self = clap_instrument_of(plugin);
     self.played.set_sampling_rate(sample_rate);
+    if (self.window)
+        self.window->follow();
     self.tail_long = tail_frames(self.played.playing().p_organ->sampling_rate);
     reset(plugin);
     return true;
@@ -58,12 +60,14 @@ const clap_plugin_tail tail{.get = [](const clap_plugin* plugin) noexcept NONBLO
 const void* get_extension(const clap_plugin*, const char* id) {
     const std::pair<std::string_view, const void*> extensions[] = {
         {clap_audio_ports_id, &clap_audio_ports},
+        {clap_gui_id, &clap_gui},
         {clap_note_ports_id, &clap_note_ports},
         {clap_params_id, &clap_parameters},
         {clap_remote_controls_id, &clap_remote_controls},
         {clap_remote_controls_draft_id, &clap_remote_controls},
         {clap_state_id, &clap_state},
         {clap_tail_id, &tail},
+        {clap_timer_support_id, &clap_timer},
         {clap_voice_info_id, &clap_voices},
     };
     for (const auto& [known, extension] : extensions)

@@ -2,11 +2,15 @@
 /// The plug-in that a CLAP host talks to: it adapts the host's calls to the instrument. This is the
 /// object behind the record that the host holds; each of its extensions has a file of its own.
 
+#include "clap/edit_queue.h"
 #include "clap/interface.h"
+#include "clap/panel_window.h"
 #include "clap/voices.h"
 #include "instrument/instrument.h"
 
+#include <atomic>
 #include <cstdint>
+#include <memory>
 
 extern const clap_plugin_descriptor clap_descriptor;
 
@@ -18,6 +22,10 @@ struct clap_instrument {
     instrument played{};         ///< its main and audio threads are the host's
     voices sounding{};           ///< the audio thread's
     std::uint32_t tail_long = 0; ///< frames at the rate that is set
+
+    std::unique_ptr<clap_panel_window> window{}; ///< the main thread's; null while there is none
+    clap_edit_queue edits{};                     ///< made on it
+    std::atomic<bool> has_heard = false;         ///< a message, for its lamp
 };
 
 /// [any]

@@ -24,10 +24,11 @@ int midi_velocity(double velocity) noexcept NONBLOCKING {
 /// with its frame in the part that is to come.
 class block {
 public:
-    block(player& its_player, voices& its_voices, const clap_process& process,
+    block(player& its_player, clap_instrument& instrument, const clap_process& process,
           std::span<float> out_r, std::span<float> out_l) noexcept NONBLOCKING
         : playing(its_player),
-          sounding(its_voices),
+          sounding(instrument.sounding),
+          has_heard(instrument.has_heard),
           sent(process.out_events),
           right(out_r),
           left(out_l),
@@ -100,17 +101,11 @@ private:
 
     /// A controller acts at once, on the part that is to come.
     void send_midi(const std::array<char, 3>& message, std::uint32_t frame) noexcept NONBLOCKING {
+        has_heard.store(true, std::memory_order_relaxed);
         const int in_part = static_cast<int>(frame - static_cast<std::uint32_t>(start));
         for (const int index : player_receive_midi_event(&playing, message.data(), in_part)) {
             const auto id = static_cast<clap_id>(index);
-            const clap_event_param_value moved{.header{},
-                                               .param_id = id,
-                                               .cookie = nullptr,
-                                               .note_id = -1,
-                                               .port_index = -1,
-                                               .channel = -1,
-                                               .key = -1,
-                                               .value = clap_shown_value(&playing, id)};
+            const auto moved = clap_value_event(id, clap_shown_value(&playing, id));
             clap_send(sent, moved, CLAP_EVENT_PARAM_VALUE, frame, CLAP_EVENT_DONT_RECORD);
         }
     }
@@ -142,6 +137,7 @@ private:
 
     player& playing;
     voices& sounding;
+    std::atomic<bool>& has_heard;
     const clap_output_events* sent;
     std::span<float> right; ///< empty where the host has no outputs, as the next
     std::span<float> left;
@@ -164,7 +160,8 @@ clap_process_status clap_process_block(const clap_plugin* plugin,
         left = {output->data32[1], process->frames_count};
     }
     player& playing = self.played.playing();
-    block(playing, self.sounding, *process, right, left).play(process->in_events);
+    clap_send_edits(self, process->out_events);
+    block(playing, self, *process, right, left).play(process->in_events);
     if (!is_connected)
         return CLAP_PROCESS_ERROR;
 

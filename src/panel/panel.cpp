@@ -10,7 +10,7 @@
 
 Panel::Panel(PanelOwner& its_owner, control& its_registry)
     : owner(its_owner),
-      registry(its_registry),
+      registry(&its_registry),
       hBackground(load_background()),
       changes(its_registry.nb_parameters) {}
 
@@ -28,13 +28,18 @@ bool Panel::open(void* parent) {
     if (!opened->isOpen())
         return false;
     opened->setBackground(hBackground.get());
-    controls = add_parameter_controls(*opened, this, registry);
+    controls = add_parameter_controls(*opened, this, *registry);
     cMidiLearnButton = add_learn_switch(*opened, this);
     cMidiInLED = add_midi_lamp(*opened, this);
     add_panic_button(*opened, this);
     frame = std::move(opened);
     showParameters();
     return true;
+}
+
+void Panel::setRegistry(control& another) {
+    registry = &another;
+    showParameters();
 }
 
 void Panel::close() {
@@ -48,7 +53,7 @@ void Panel::showParameters() {
     for (std::size_t i = 0; i < controls.size(); ++i) {
         changes[i].take();
         if (controls[i])
-            controls[i]->setValue(control_get_parameter(&registry, static_cast<int>(i)));
+            controls[i]->setValue(control_get_parameter(registry, static_cast<int>(i)));
     }
 }
 
@@ -74,7 +79,7 @@ void Panel::takeChanges() {
 
 /// The engine has learned a controller, or the user gave up.
 void Panel::showMidiLearn() {
-    const auto& learning = registry.p_control_update->midi_learning;
+    const auto& learning = registry->p_control_update->midi_learning;
     if (!midi_learn_active || learning.load(std::memory_order_relaxed) != 0)
         return;
     midi_learn_active = false;
@@ -82,7 +87,7 @@ void Panel::showMidiLearn() {
 }
 
 void Panel::toggleMidiLearn() {
-    auto& learning = registry.p_control_update->midi_learning;
+    auto& learning = registry->p_control_update->midi_learning;
     int armed = 1;
     if (learning.compare_exchange_strong(armed, 0, std::memory_order_relaxed))
         return;

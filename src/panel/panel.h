@@ -59,6 +59,9 @@ public:
     bool onWheel(float distance) { return frame && frame->onWheel(distance); }
     void setKnobMode(CKnobMode mode) { knobMode = mode; }
 
+    /// Shows another registry with the same parameters, which outlives the panel from now on.
+    void setRegistry(control& another);
+
     /// A parameter's value, which is shown when the panel is idle. [any]
     void showParameter(int index, float value) noexcept NONBLOCKING;
 
@@ -81,7 +84,7 @@ private:
     void showMidiLearn();
 
     PanelOwner& owner;
-    control& registry;
+    control* registry;
     CReference<CBitmap> hBackground;
     CReference<CFrame> frame{}; ///< null while closed
     /// One for each parameter, null where the panel has none; all controls are the frame's.

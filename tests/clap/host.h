@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 #include <numeric>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -20,6 +21,7 @@ union any_event {
     clap_event_header header;
     clap_event_note note;
     clap_event_param_value value;
+    clap_event_param_gesture gesture;
     clap_event_midi midi;
 };
 
@@ -63,6 +65,31 @@ inline const clap_plugin_entry& clap_library() {
         dlsym(dlopen(CLAP_FILE, RTLD_NOW | RTLD_LOCAL), "clap_entry"));
     return *entry;
 }
+
+/// A host's stream that moves three bytes at a time, and fails where it holds so many.
+struct stream {
+    std::string text;
+    std::size_t fails_at = std::string::npos;
+    std::size_t position = 0;
+
+    static std::int64_t write(const clap_ostream* out, const void* bytes, std::uint64_t size) {
+        auto& self = *static_cast<stream*>(out->ctx);
+        if (self.text.size() >= self.fails_at)
+            return -1;
+        const auto nb = std::min<std::size_t>(size, 3);
+        self.text.append(static_cast<const char*>(bytes), nb);
+        return static_cast<std::int64_t>(nb);
+    }
+    static std::int64_t read(const clap_istream* in, void* bytes, std::uint64_t size) {
+        auto& self = *static_cast<stream*>(in->ctx);
+        if (self.position >= self.fails_at)
+            return -1;
+        const auto nb = self.text.copy(static_cast<char*>(bytes), std::min<std::size_t>(size, 3),
+                                       self.position);
+        self.position += nb;
+        return static_cast<std::int64_t>(nb);
+    }
+};
 
 class hosted {
 public:
@@ -152,6 +179,8 @@ public:
     clap_audio_buffer output{};
     bool takes_events = true;
     int nb_rescans = 0;
+    int nb_flushes = 0;
+    int nb_timers = 0;
 
 private:
     static std::uint32_t size(const clap_input_events* list) noexcept NONBLOCKING {
@@ -172,13 +201,22 @@ private:
         NONBLOCKING_UNCHECKED_END
         return self.takes_events;
     }
-    static const void* get_extension(const clap_host*, const char*) {
+    static hosted& of(const clap_host* host) { return *static_cast<hosted*>(host->host_data); }
+
+    static const void* get_extension(const clap_host*, const char* id) {
         static const clap_host_params params{
-            [](const clap_host* host, clap_param_rescan_flags) {
-                ++static_cast<hosted*>(host->host_data)->nb_rescans;
+            [](const clap_host* host, clap_param_rescan_flags) { ++of(host).nb_rescans; }, nullptr,
+            [](const clap_host* host) { ++of(host).nb_flushes; }};
+        static const clap_host_timer_support timers{
+            [](const clap_host* host, std::uint32_t, clap_id* timer) {
+                *timer = 7;
+                return ++of(host).nb_timers == 1;
             },
-            nullptr, nullptr};
-        return &params;
+            [](const clap_host* host, clap_id timer) {
+                return timer == 7 && of(host).nb_timers-- == 1;
+            }};
+        return std::string_view(id) == clap_timer_support_id ? static_cast<const void*>(&timers)
+                                                             : &params;
     }
 
     clap_host host{clap_interface_version, this, "tests", "", "", "1", get_extension, {}, {}, {}};

@@ -1,0 +1,174 @@
+#include "clap/panel_window.h"
+
+#include "clap/plugin.h"
+#include "panel/tags.h"
+
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+namespace {
+
+constexpr std::uint32_t idle_period_ms = 30;
+
+template <typename Extension>
+const Extension* host_extension(const clap_host* host, const char* id) {
+    return static_cast<const Extension*>(host->get_extension(host, id));
+}
+
+const clap_host_timer_support* timers(const clap_host* host) {
+    return host_extension<clap_host_timer_support>(host, clap_timer_support_id);
+}
+
+} // namespace
+
+clap_panel_window::clap_panel_window(clap_instrument& shown)
+    : instrument(shown),
+      panel(*this, *shown.played.shown().p_control),
+      values(shown.played.shown().p_control->nb_parameters,
+             std::numeric_limits<float>::quiet_NaN()) {}
+
+clap_panel_window::~clap_panel_window() { hide(); }
+
+bool clap_panel_window::show() {
+    if (panel.isOpen())
+        return true;
+    if (!parent || !panel.open(parent))
+        return false;
+    if (const auto* host = timers(instrument.p_host))
+        host->register_timer(instrument.p_host, idle_period_ms, &timer);
+    idle();
+    return true;
+}
+
+void clap_panel_window::hide() {
+    if (timer != CLAP_INVALID_ID)
+        timers(instrument.p_host)->unregister_timer(instrument.p_host, timer);
+    timer = CLAP_INVALID_ID;
+    panel.close();
+}
+
+void clap_panel_window::idle() {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const int index = static_cast<int>(i);
+        const float value = player_get_parameter(&instrument.played.shown(), index);
+        if (value != values[i])
+            panel.showParameter(index, values[i] = value);
+    }
+    panel.idle();
+}
+
+void clap_panel_window::follow() { panel.setRegistry(*instrument.played.shown().p_control); }
+
+/// Where the host has taken nothing for long, it reads the values anew.
+void clap_panel_window::tell(clap_event_type type, int index, float value) {
+    const auto* host = host_extension<clap_host_params>(instrument.p_host, clap_params_id);
+    const bool is_put = instrument.edits.put({.type = type,
+                                              .param_id = static_cast<clap_id>(index),
+                                              .value = static_cast<double>(value)});
+    if (!host)
+        return;
+    if (is_put)
+        host->request_flush(instrument.p_host);
+    else
+        host->rescan(instrument.p_host, CLAP_PARAM_RESCAN_VALUES);
+}
+
+void clap_panel_window::beginEdit(int index) { tell(CLAP_EVENT_PARAM_GESTURE_BEGIN, index); }
+
+void clap_panel_window::endEdit(int index) { tell(CLAP_EVENT_PARAM_GESTURE_END, index); }
+
+void clap_panel_window::controlMoved(int tag, float value) {
+    player& player = instrument.played.shown();
+    if (panel.isParameter(tag)) {
+        player_set_parameter(&player, tag, value);
+        tell(CLAP_EVENT_PARAM_VALUE, tag, value);
+    } else if (tag == PANIC_TAG) {
+        player_panic(&player);
+    } else if (tag == MIDI_LEARN_TAG) {
+        panel.toggleMidiLearn();
+    }
+}
+
+bool clap_panel_window::takeMidiActivity() {
+    return instrument.has_heard.exchange(false, std::memory_order_relaxed);
+}
+
+namespace {
+
+clap_panel_window* window_of(const clap_plugin* plugin) {
+    return clap_instrument_of(plugin).window.get();
+}
+
+/// Embedded in an X11 window, and in nothing else.
+bool is_api_supported(const clap_plugin*, const char* api, bool is_floating) {
+    return api && std::string_view(api) == CLAP_WINDOW_API_X11 && !is_floating;
+}
+
+bool get_preferred_api(const clap_plugin*, const char** api, bool* is_floating) {
+    *api = CLAP_WINDOW_API_X11;
+    *is_floating = false;
+    return true;
+}
+
+bool create(const clap_plugin* plugin, const char* api, bool is_floating) {
+    clap_instrument& self = clap_instrument_of(plugin);
+    if (self.window || !is_api_supported(plugin, api, is_floating))
+        return false;
+    self.window = std::make_unique<clap_panel_window>(self);
+    return true;
+}
+
+void destroy(const clap_plugin* plugin) { clap_instrument_of(plugin).window.reset(); }
+
+bool get_size(const clap_plugin* plugin, std::uint32_t* width, std::uint32_t* height) {
+    if (!window_of(plugin))
+        return false;
+    *width = static_cast<std::uint32_t>(window_of(plugin)->get_panel().getWidth());
+    *height = static_cast<std::uint32_t>(window_of(plugin)->get_panel().getHeight());
+    return true;
+}
+
+bool set_size(const clap_plugin* plugin, std::uint32_t width, std::uint32_t height) {
+    std::uint32_t own_width = 0, own_height = 0;
+    return get_size(plugin, &own_width, &own_height) && width == own_width && height == own_height;
+}
+
+bool set_parent(const clap_plugin* plugin, const clap_window* window) {
+    if (!window_of(plugin) || !window || !is_api_supported(plugin, window->api, false))
+        return false;
+    window_of(plugin)->set_parent(window->ptr);
+    return true;
+}
+
+bool show(const clap_plugin* plugin) { return window_of(plugin) && window_of(plugin)->show(); }
+
+bool hide(const clap_plugin* plugin) {
+    if (window_of(plugin))
+        window_of(plugin)->hide();
+    return window_of(plugin);
+}
+
+} // namespace
+
+const clap_plugin_gui clap_gui{
+    .is_api_supported = is_api_supported,
+    .get_preferred_api = get_preferred_api,
+    .create = create,
+    .destroy = destroy,
+    .set_scale = [](const clap_plugin*, double) { return false; },
+    .get_size = get_size,
+    .can_resize = [](const clap_plugin*) { return false; },
+    .get_resize_hints = [](const clap_plugin*, clap_gui_resize_hints*) { return false; },
+    .adjust_size = get_size,
+    .set_size = set_size,
+    .set_parent = set_parent,
+    .set_transient = [](const clap_plugin*, const clap_window*) { return false; },
+    .suggest_title = [](const clap_plugin*, const char*) {},
+    .show = show,
+    .hide = hide};
+
+const clap_plugin_timer_support clap_timer{.on_timer = [](const clap_plugin* plugin, clap_id) {
+    if (window_of(plugin))
+        window_of(plugin)->idle();
+}};

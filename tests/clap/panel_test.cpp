@@ -1,0 +1,125 @@
+#include "platform/display.h"
+#include "tests/clap/host.h"
+#include "tests/panel_picture/panel_picture.h"
+
+namespace {
+
+constexpr clap_id flute = 0, volume = 6;
+
+struct ClapPanel : testing::Test {
+    bool create(const char* api, bool is_floating) {
+        return gui.create(clap.plugin, api, is_floating);
+    }
+    bool set_parent(const char* api) {
+        clap_window parent{api, {}};
+        parent.ptr = window.handle();
+        return gui.set_parent(clap.plugin, &parent);
+    }
+    void idle() {
+        clap.extension<clap_plugin_timer_support>(clap_timer_support_id).on_timer(clap.plugin, 7);
+    }
+    void click(CPoint place) {
+        window.move({place.x, place.y});
+        for (const auto act : {&editor_window::press, &editor_window::release}) {
+            (window.*act)();
+            idle();
+        }
+    }
+
+    /// Has the panel learn a controller for the tab that was clicked, and moves it by that.
+    void learn(int controller) {
+        click(learn_place);
+        EXPECT_EQ(differs(false, true), "");
+        clap.process(64, {midi_at(0, {0xB2, controller, 0})});
+        clap.process(64, {midi_at(0, {0xB2, controller, 0})});
+        EXPECT_EQ(clap.value(flute), 0.0);
+        EXPECT_EQ(differs(true), "");
+    }
+
+    /// Returns "" once the panel shows the parameters as they are.
+    std::string differs(bool lamp = false, bool learn = false) {
+        panel_state state{.learn = learn, .lamp = lamp};
+        for (std::size_t i = 0; i < state.values.size(); ++i)
+            state.values[i] = static_cast<float>(clap.value(static_cast<clap_id>(i)));
+        idle();
+        idle(); // draws what the first has found
+        return shown_difference(window, panel_picture(state));
+    }
+
+    display server{display::choice::unseen};
+    editor_window window{480, 400};
+    hosted clap{};
+    const clap_plugin_gui& gui = clap.extension<clap_plugin_gui>(clap_gui_id);
+};
+
+TEST_F(ClapPanel, ShowsTheInstrumentAndTellsTheHostOfItsUser) {
+    EXPECT_FALSE(create(CLAP_WINDOW_API_X11, true));
+    EXPECT_FALSE(create("wayland", false));
+    EXPECT_FALSE(create(nullptr, false));
+    EXPECT_FALSE(gui.show(clap.plugin));
+    ASSERT_TRUE(create(CLAP_WINDOW_API_X11, false));
+    EXPECT_FALSE(create(CLAP_WINDOW_API_X11, false));
+    std::uint32_t width = 1, height = 1;
+    EXPECT_TRUE(gui.adjust_size(clap.plugin, &width, &height));
+    EXPECT_TRUE(width == 480 && height == 400 && gui.set_size(clap.plugin, 480, 400));
+    EXPECT_FALSE(gui.set_size(clap.plugin, 480, 401));
+    EXPECT_FALSE(gui.show(clap.plugin)) << "in no window";
+    EXPECT_FALSE(set_parent("win32"));
+    ASSERT_TRUE(set_parent(CLAP_WINDOW_API_X11));
+    ASSERT_TRUE(gui.show(clap.plugin));
+    EXPECT_EQ(clap.nb_timers, 1);
+    EXPECT_EQ(differs(), "");
+
+    clap.process(64, {value_at(9, volume, 0.8), value_at(9, flute, 0)});
+    EXPECT_EQ(differs(), "") << "moved by the host";
+
+    click(control_places[flute]);
+    EXPECT_EQ(clap.value(flute), 1.0);
+    EXPECT_GT(clap.nb_flushes, 0);
+    clap.takes_events = false;
+    clap.process(64);
+    clap.takes_events = true;
+    clap.process(64);
+    ASSERT_EQ(clap.sent.size(), 3u) << "what the host does not take waits";
+    EXPECT_EQ(clap.sent[0].header.type, CLAP_EVENT_PARAM_GESTURE_BEGIN);
+    EXPECT_EQ(clap.sent[1].header.type, CLAP_EVENT_PARAM_VALUE);
+    EXPECT_EQ(clap.sent[2].header.type, CLAP_EVENT_PARAM_GESTURE_END);
+    EXPECT_EQ(clap.sent[1].value.value, 1.0);
+    for (const any_event& event : clap.sent)
+        EXPECT_EQ(event.gesture.param_id, flute);
+
+    learn(20);
+
+    EXPECT_TRUE(gui.hide(clap.plugin));
+    EXPECT_EQ(clap.nb_timers, 0);
+    EXPECT_TRUE(gui.show(clap.plugin));
+}
+
+/// Another seed is another player, in whose place the panel's gestures act then.
+TEST_F(ClapPanel, FollowsAStateAndARate) {
+    hosted other{48000, "2"};
+    other.process(64, {value_at(0, volume, 0.25), value_at(0, flute, 0)});
+    stream saved;
+    const clap_ostream out{&saved, stream::write};
+    ASSERT_TRUE(other.extension<clap_plugin_state>(clap_state_id).save(other.plugin, &out));
+    ASSERT_TRUE(create(CLAP_WINDOW_API_X11, false) && set_parent(CLAP_WINDOW_API_X11)
+                && gui.show(clap.plugin));
+    for (int i = 0; i < 3; ++i) {
+        stream from{saved.text};
+        const clap_istream in{&from, stream::read};
+        ASSERT_TRUE(clap.extension<clap_plugin_state>(clap_state_id).load(clap.plugin, &in));
+        EXPECT_EQ(differs(), "");
+        click(control_places[flute]);
+        clap.process(64);
+        EXPECT_EQ(clap.value(flute), 1.0);
+        EXPECT_EQ(differs(), "");
+        learn(30 + i);
+        clap.plugin->deactivate(clap.plugin);
+        clap.activate(44100 + i);
+        click(control_places[flute]);
+        EXPECT_EQ(clap.value(flute), 1.0);
+        learn(40 + i);
+    }
+} // and the plug-in goes with its panel open
+
+} // namespace
