@@ -1,6 +1,8 @@
-/// The door of the library: its one exported object, and the factory behind it.
+/// The door of the library: its one exported object, and the factories behind it.
 
+#include "clap/lookup.h"
 #include "clap/plugin.h"
+#include "clap/presets.h"
 
 #include <string_view>
 
@@ -29,8 +31,12 @@ bool init(const char*) { return true; }
 void deinit() {}
 
 const void* get_factory(const char* factory_id) {
-    return factory_id && std::string_view(factory_id) == clap_plugin_factory_id ? &factory
-                                                                                : nullptr;
+    static constexpr clap_offer factories[] = {
+        {clap_plugin_factory_id, &factory},
+        {clap_preset_discovery_factory_id, &clap_presets},
+        {clap_preset_discovery_factory_draft_id, &clap_presets},
+    };
+    return clap_look_up(factories, factory_id);
 }
 
 } // namespace

@@ -342,6 +342,119 @@ struct clap_host_timer_support {
     bool (*unregister_timer)(const clap_host* host, clap_id timer_id);
 };
 
+// Presets.
+
+constexpr char clap_preset_discovery_factory_id[] = "clap.preset-discovery-factory/2";
+constexpr char clap_preset_discovery_factory_draft_id[] = "clap.preset-discovery-factory/draft-2";
+
+constexpr std::uint32_t CLAP_PRESET_DISCOVERY_LOCATION_FILE = 0;
+constexpr std::uint32_t CLAP_PRESET_DISCOVERY_LOCATION_PLUGIN = 1; ///< in the library
+constexpr std::uint32_t CLAP_PRESET_DISCOVERY_IS_FACTORY_CONTENT = 1;
+
+using clap_timestamp = std::uint64_t; ///< seconds since 1970
+
+struct clap_universal_plugin_id {
+    const char* abi; ///< "clap" for our kind
+    const char* id;
+};
+
+struct clap_preset_discovery_filetype;  // none is declared
+struct clap_preset_discovery_soundpack; // as little
+
+struct clap_preset_discovery_location {
+    std::uint32_t flags;
+    const char* name;
+    std::uint32_t kind;
+    const char* location; ///< null for the library
+};
+
+/// Takes what is said of presets: each begins with its name and key, and its facts follow. Once
+/// begin_preset has returned false, nothing more may be said.
+struct clap_preset_discovery_metadata_receiver {
+    void* receiver_data;
+    void (*on_error)(const clap_preset_discovery_metadata_receiver* receiver, std::int32_t os_error,
+                     const char* error_message);
+    bool (*begin_preset)(const clap_preset_discovery_metadata_receiver* receiver, const char* name,
+                         const char* load_key);
+    void (*add_plugin_id)(const clap_preset_discovery_metadata_receiver* receiver,
+                          const clap_universal_plugin_id* plugin_id);
+    void (*set_soundpack_id)(const clap_preset_discovery_metadata_receiver* receiver,
+                             const char* soundpack_id);
+    void (*set_flags)(const clap_preset_discovery_metadata_receiver* receiver, std::uint32_t flags);
+    void (*add_creator)(const clap_preset_discovery_metadata_receiver* receiver,
+                        const char* creator);
+    void (*set_description)(const clap_preset_discovery_metadata_receiver* receiver,
+                            const char* description);
+    void (*set_timestamps)(const clap_preset_discovery_metadata_receiver* receiver,
+                           clap_timestamp creation_time, clap_timestamp modification_time);
+    void (*add_feature)(const clap_preset_discovery_metadata_receiver* receiver,
+                        const char* feature);
+    void (*add_extra_info)(const clap_preset_discovery_metadata_receiver* receiver, const char* key,
+                           const char* value);
+};
+
+/// The host's: takes the places in which presets lie.
+struct clap_preset_discovery_indexer {
+    clap_version_t clap_version;
+    const char* name;
+    const char* vendor;
+    const char* url;
+    const char* version;
+    void* indexer_data;
+    bool (*declare_filetype)(const clap_preset_discovery_indexer* indexer,
+                             const clap_preset_discovery_filetype* filetype);
+    bool (*declare_location)(const clap_preset_discovery_indexer* indexer,
+                             const clap_preset_discovery_location* location);
+    bool (*declare_soundpack)(const clap_preset_discovery_indexer* indexer,
+                              const clap_preset_discovery_soundpack* soundpack);
+    const void* (*get_extension)(const clap_preset_discovery_indexer* indexer,
+                                 const char* extension_id);
+};
+
+struct clap_preset_discovery_provider_descriptor {
+    clap_version_t clap_version;
+    const char* id;
+    const char* name;
+    const char* vendor;
+};
+
+/// The library's: knows presets without an instrument.
+struct clap_preset_discovery_provider {
+    const clap_preset_discovery_provider_descriptor* desc;
+    void* provider_data;
+    bool (*init)(const clap_preset_discovery_provider* provider);
+    void (*destroy)(const clap_preset_discovery_provider* provider);
+    bool (*get_metadata)(const clap_preset_discovery_provider* provider,
+                         std::uint32_t location_kind, const char* location,
+                         const clap_preset_discovery_metadata_receiver* metadata_receiver);
+    const void* (*get_extension)(const clap_preset_discovery_provider* provider,
+                                 const char* extension_id);
+};
+
+struct clap_preset_discovery_factory {
+    std::uint32_t (*count)(const clap_preset_discovery_factory* factory);
+    const clap_preset_discovery_provider_descriptor* (*get_descriptor)(
+        const clap_preset_discovery_factory* factory, std::uint32_t index);
+    const clap_preset_discovery_provider* (*create)(const clap_preset_discovery_factory* factory,
+                                                    const clap_preset_discovery_indexer* indexer,
+                                                    const char* provider_id);
+};
+
+constexpr char clap_preset_load_id[] = "clap.preset-load/2";
+constexpr char clap_preset_load_draft_id[] = "clap.preset-load.draft/2"; ///< older hosts'
+
+struct clap_plugin_preset_load {
+    bool (*from_location)(const clap_plugin* plugin, std::uint32_t location_kind,
+                          const char* location, const char* load_key);
+};
+
+struct clap_host_preset_load {
+    void (*on_error)(const clap_host* host, std::uint32_t location_kind, const char* location,
+                     const char* load_key, std::int32_t os_error, const char* msg);
+    void (*loaded)(const clap_host* host, std::uint32_t location_kind, const char* location,
+                   const char* load_key);
+};
+
 // The rest.
 
 constexpr char clap_state_id[] = "clap.state";
@@ -413,3 +526,16 @@ static_assert(sizeof(clap_plugin_state) == 16);
 static_assert(sizeof(clap_plugin_tail) == 8);
 static_assert(sizeof(clap_voice_info) == 16);
 static_assert(sizeof(clap_plugin_voice_info) == 8);
+static_assert(sizeof(clap_universal_plugin_id) == 16);
+static_assert(sizeof(clap_preset_discovery_location) == 32);
+static_assert(offsetof(clap_preset_discovery_location, name) == 8);
+static_assert(offsetof(clap_preset_discovery_location, location) == 24);
+static_assert(sizeof(clap_preset_discovery_metadata_receiver) == 88);
+static_assert(sizeof(clap_preset_discovery_indexer) == 88);
+static_assert(offsetof(clap_preset_discovery_indexer, name) == 16);
+static_assert(sizeof(clap_preset_discovery_provider_descriptor) == 40);
+static_assert(offsetof(clap_preset_discovery_provider_descriptor, id) == 16);
+static_assert(sizeof(clap_preset_discovery_provider) == 48);
+static_assert(sizeof(clap_preset_discovery_factory) == 24);
+static_assert(sizeof(clap_plugin_preset_load) == 8);
+static_assert(sizeof(clap_host_preset_load) == 16);

@@ -1,5 +1,6 @@
 #include "clap/panel_window.h"
 
+#include "clap/lookup.h"
 #include "clap/plugin.h"
 #include "panel/tags.h"
 
@@ -11,13 +12,8 @@ namespace {
 
 constexpr std::uint32_t idle_period_ms = 30;
 
-template <typename Extension>
-const Extension* host_extension(const clap_host* host, const char* id) {
-    return static_cast<const Extension*>(host->get_extension(host, id));
-}
-
 const clap_host_timer_support* timers(const clap_host* host) {
-    return host_extension<clap_host_timer_support>(host, clap_timer_support_id);
+    return clap_host_extension<clap_host_timer_support>(host, clap_timer_support_id);
 }
 
 } // namespace
@@ -62,7 +58,7 @@ void clap_panel_window::follow() { panel.setRegistry(*instrument.played.shown().
 
 /// Where the host has taken nothing for long, it reads the values anew.
 void clap_panel_window::tell(clap_event_type type, int index, float value) {
-    const auto* host = host_extension<clap_host_params>(instrument.p_host, clap_params_id);
+    const auto* host = clap_host_extension<clap_host_params>(instrument.p_host, clap_params_id);
     const bool is_put = instrument.edits.put({.type = type,
                                               .param_id = static_cast<clap_id>(index),
                                               .value = static_cast<double>(value)});

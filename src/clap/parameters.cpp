@@ -1,6 +1,7 @@
 #include "clap/parameters.h"
 
 #include "clap/events.h"
+#include "clap/lookup.h"
 #include "clap/plugin.h"
 #include "clap/text.h"
 #include "player/parameter_text.h"
@@ -137,4 +138,9 @@ void clap_send_edits(clap_instrument& instrument, const clap_output_events* list
                    : clap_send(list, clap_event_param_gesture{.header{}, .param_id = edit.param_id},
                                edit.type, 0);
     });
+}
+
+void clap_tell_of_values(const clap_host* host) {
+    if (const auto* params = clap_host_extension<clap_host_params>(host, clap_params_id))
+        params->rescan(host, CLAP_PARAM_RESCAN_VALUES);
 }

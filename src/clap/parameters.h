@@ -30,3 +30,6 @@ void clap_send_edits(clap_instrument& instrument,
 /// Sets the event's parameter to the nearest value that it has. Values that are not finite and ids
 /// that nobody has change nothing. [audio]
 void clap_set_parameter(player* p_player, const clap_event_param_value& event) noexcept NONBLOCKING;
+
+/// Has the host read all values anew. [ui]
+void clap_tell_of_values(const clap_host* host);

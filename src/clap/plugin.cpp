@@ -1,14 +1,15 @@
 #include "clap/plugin.h"
 
+#include "clap/lookup.h"
 #include "clap/parameters.h"
 #include "clap/ports.h"
+#include "clap/presets.h"
 #include "clap/process.h"
 #include "clap/remote_controls.h"
 #include "clap/state.h"
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
 
 namespace {
 
@@ -58,11 +59,13 @@ const clap_plugin_tail tail{.get = [](const clap_plugin* plugin) noexcept NONBLO
 }};
 
 const void* get_extension(const clap_plugin*, const char* id) {
-    const std::pair<std::string_view, const void*> extensions[] = {
+    static constexpr clap_offer extensions[] = {
         {clap_audio_ports_id, &clap_audio_ports},
         {clap_gui_id, &clap_gui},
         {clap_note_ports_id, &clap_note_ports},
         {clap_params_id, &clap_parameters},
+        {clap_preset_load_id, &clap_preset_loading},
+        {clap_preset_load_draft_id, &clap_preset_loading},
         {clap_remote_controls_id, &clap_remote_controls},
         {clap_remote_controls_draft_id, &clap_remote_controls},
         {clap_state_id, &clap_state},
@@ -70,10 +73,7 @@ const void* get_extension(const clap_plugin*, const char* id) {
         {clap_timer_support_id, &clap_timer},
         {clap_voice_info_id, &clap_voices},
     };
-    for (const auto& [known, extension] : extensions)
-        if (id && known == id)
-            return extension;
-    return nullptr;
+    return clap_look_up(extensions, id);
 }
 
 const char* const features[] = {"instrument", "synthesizer", "stereo", nullptr};

@@ -1,5 +1,6 @@
 #include "clap/state.h"
 
+#include "clap/parameters.h"
 #include "clap/plugin.h"
 
 #include <algorithm>
@@ -11,14 +12,6 @@ namespace {
 
 /// A hundred times what a state takes: whatever is longer is none.
 constexpr std::size_t longest_state = 1 << 16;
-
-/// The host reads the values anew.
-void tell_of_values(const clap_host* host) {
-    const auto* const params =
-        static_cast<const clap_host_params*>(host->get_extension(host, clap_params_id));
-    if (params)
-        params->rescan(host, CLAP_PARAM_RESCAN_VALUES);
-}
 
 bool save(const clap_plugin* plugin, const clap_ostream* stream) {
     const std::string text = clap_instrument_of(plugin).played.save();
@@ -45,7 +38,7 @@ bool load(const clap_plugin* plugin, const clap_istream* stream) {
         return false;
     if (self.window)
         self.window->follow();
-    tell_of_values(self.p_host);
+    clap_tell_of_values(self.p_host);
     return true;
 }
 

@@ -4,8 +4,11 @@
 
 #include "plugin/vst_plugin.h"
 
+#include <fstream>
+#include <iterator>
 #include <limits>
 #include <random>
+#include <sstream>
 
 namespace {
 
@@ -326,9 +329,66 @@ TEST(Clap, StatesComeBackWhole) {
     EXPECT_EQ(again.text, saved.text);
 }
 
+/// Of each preset that the library lists its key, and how its text begins.
+std::vector<std::pair<std::string, std::string>> told;
+
+TEST(Clap, RegistrationsAreListedAndLoaded) {
+    hosted clap;
+    told.clear();
+    const auto& factory = *static_cast<const clap_preset_discovery_factory*>(
+        clap_library().get_factory(clap_preset_discovery_factory_id));
+    clap_preset_discovery_indexer indexer{};
+    indexer.declare_location = [](const auto*, const clap_preset_discovery_location* place) {
+        return place->kind == 1 && place->flags == CLAP_PRESET_DISCOVERY_IS_FACTORY_CONTENT;
+    };
+    clap_preset_discovery_metadata_receiver receiver{};
+    receiver.on_error = [](const auto*, std::int32_t, const char*) {};
+    receiver.begin_preset = [](const auto*, const char* name, const char* load_key) {
+        told.emplace_back(load_key, std::string("# ") + name);
+        return told.size() != 13; // enough
+    };
+    receiver.add_plugin_id = [](const auto*, const clap_universal_plugin_id* loader) {
+        EXPECT_EQ(std::string(loader->abi) + ' ' + loader->id, "clap example.quenmar.tindelwax");
+    };
+    receiver.set_description = [](const auto*, const char* comment) {
+        told.back().second += std::string("\n# ") + comment + '\n';
+    };
+    const auto* const provider =
+        factory.create(&factory, &indexer, factory.get_descriptor(&factory, 0)->id);
+    EXPECT_TRUE(provider->init(provider));
+    for (const auto& [kind, nb_told] : {std::pair{0u, 0u}, {1u, 12u}, {1u, 13u}}) {
+        EXPECT_EQ(provider->get_metadata(provider, kind, nullptr, &receiver), kind == 1);
+        EXPECT_EQ(told.size(), nb_told);
+    }
+    provider->destroy(provider);
+    told.pop_back();
+
+    const auto& load = clap.extension<clap_plugin_preset_load>(clap_preset_load_id);
+    for (const auto& [key, beginning] : told) {
+        EXPECT_TRUE(load.from_location(clap.plugin, 1, nullptr, key.c_str()));
+        for (const auto& [kind, unknown] : {std::pair{1u, "loud"}, {1u, nullptr}, {0u, "glass"}})
+            EXPECT_FALSE(load.from_location(clap.plugin, kind, nullptr, unknown));
+        std::ostringstream text(beginning, std::ios::ate);
+        clap_param_info info;
+        for (clap_id id = 0; clap.params().get_info(clap.plugin, id, &info); ++id) {
+            text << info.name << '=';
+            id < volume ? text << (clap.value(id) == 1 ? "on" : "off") : text << clap.value(id);
+            text << '\n';
+        }
+        std::ifstream file(REGISTRATIONS "/" + key + ".txt");
+        EXPECT_EQ(text.str(), std::string(std::istreambuf_iterator{file}, {}));
+        EXPECT_EQ(clap.loaded, key);
+    }
+    EXPECT_EQ(std::pair(clap.nb_rescans, clap.nb_refused), std::pair(12, 36));
+}
+
 TEST(Clap, TheDoorOpensForOneInstrument) {
     hosted held;
     EXPECT_EQ(clap_library().get_factory("clap.unknown"), nullptr);
+    EXPECT_EQ(clap_library().get_factory(clap_preset_discovery_factory_draft_id),
+              clap_library().get_factory(clap_preset_discovery_factory_id));
+    EXPECT_EQ(held.plugin->get_extension(held.plugin, clap_preset_load_draft_id),
+              held.plugin->get_extension(held.plugin, clap_preset_load_id));
     const auto* const factory =
         static_cast<const clap_plugin_factory*>(clap_library().get_factory(clap_plugin_factory_id));
     EXPECT_EQ(factory->get_plugin_count(factory), 1u);

@@ -181,6 +181,8 @@ public:
     int nb_rescans = 0;
     int nb_flushes = 0;
     int nb_timers = 0;
+    std::string loaded; ///< the last preset's key
+    int nb_refused = 0; ///< presets
 
 private:
     static std::uint32_t size(const clap_input_events* list) noexcept NONBLOCKING {
@@ -215,8 +217,21 @@ private:
             [](const clap_host* host, clap_id timer) {
                 return timer == 7 && of(host).nb_timers-- == 1;
             }};
-        return std::string_view(id) == clap_timer_support_id ? static_cast<const void*>(&timers)
-                                                             : &params;
+        static const clap_host_preset_load presets{
+            [](const clap_host* host, std::uint32_t, const char*, const char*, std::int32_t,
+               const char*) { ++of(host).nb_refused; },
+            [](const clap_host* host, std::uint32_t, const char*, const char* load_key) {
+                of(host).loaded = load_key;
+            }};
+        const std::pair<std::string_view, const void*> known[] = {
+            {clap_params_id, &params},
+            {clap_timer_support_id, &timers},
+            {clap_preset_load_id, &presets},
+        };
+        for (const auto& [name, extension] : known)
+            if (name == id)
+                return extension;
+        return nullptr;
     }
 
     clap_host host{clap_interface_version, this, "tests", "", "", "1", get_extension, {}, {}, {}};
