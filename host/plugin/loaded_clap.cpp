@@ -188,7 +188,7 @@ void loaded_clap::take_settings() {
         setting.cookie = infos_[i].cookie;
         setting.note_id = setting.port_index = setting.channel = setting.key = -1;
         setting.value = value;
-        events_.push_back({.setting = setting});
+        events_.insert(events_.begin(), {.setting = setting});
     }
 }
 
@@ -254,6 +254,12 @@ void loaded_clap::send(event_list& events) {
     events.for_each_message([this](message_view message, int frame) { add(message, frame); });
 }
 
+/// Behind those of its frame.
+void loaded_clap::add(const event& added) {
+    const auto time = [](const event& each) { return each.header.time; };
+    events_.insert(std::ranges::upper_bound(events_, added.header.time, {}, time), added);
+}
+
 /// Notes as the interface's own where they are understood. What is not is left out.
 void loaded_clap::add(message_view message, int frame) {
     if (message.size() > 3)
@@ -266,17 +272,16 @@ void loaded_clap::add(message_view message, int frame) {
         note.channel = static_cast<std::int16_t>(message_channel(message));
         note.key = message[1];
         note.velocity = message[2] / 127.0;
-        events_.push_back({.note = note});
+        add({.note = note});
     } else if (dialects_ & CLAP_NOTE_DIALECT_MIDI) {
         auto midi = make_event<clap_event_midi>(CLAP_EVENT_MIDI, frame);
         std::ranges::copy(message, midi.data);
-        events_.push_back({.midi = midi});
+        add({.midi = midi});
     }
 }
 
 void loaded_clap::process(int nb_frames) {
     take_settings();
-    std::ranges::stable_sort(events_, {}, [](const event& each) { return each.header.time; });
     const clap_input_events in = list_of(events_);
     const clap_output_events out{.ctx = nullptr, .try_push = take_nothing};
     clap_audio_buffer output{.data32 = p_outputs_.data(),

@@ -28,17 +28,9 @@ public:
     void prepare(double rate_hz, int block_frames) override;
     void start(host_activity for_what) override;
     void stop() override;
-    VstTimeInfo& time() override { return time_; } ///< which is not told
     void send(event_list& events) override;
     void process(int nb_frames) override;
     [[nodiscard]] std::span<const float> output(int channel) const override;
-
-    [[nodiscard]] bool has_editor() const override { return false; }
-    editor_extent editor_size() override { return {}; }
-    bool open_editor(void*) override { return false; }
-    void close_editor() override {}
-    void idle_editor() override {}
-    void set_listener(std::function<void(int, float)>) override {}
 
 private:
     union event { ///< each begins with its header
@@ -52,6 +44,7 @@ private:
     const Extension* extension(const char* id) const;
     void create();
     void find_ports();
+    void add(const event& added);
     void add(message_view message, int frame);
     void take_settings();
     void hand_over_settings();
@@ -68,7 +61,6 @@ private:
     std::uint32_t nb_channels_ = 0;               ///< of the first output port
     std::uint32_t dialects_ = 0;                  ///< of the first note port
     double rate_hz_ = 48000;
-    VstTimeInfo time_{};
     bool runs_ = false;
     std::vector<event> events_{}; ///< of the next block
     std::vector<std::vector<float>> outputs_{};

@@ -38,17 +38,9 @@ public:
     void prepare(double rate_hz, int block_frames) override;
     void start(host_activity for_what) override;
     void stop() override;
-    VstTimeInfo& time() override { return time_; } ///< which is not told
     void send(event_list& events) override;
     void process(int nb_frames) override;
     [[nodiscard]] std::span<const float> output(int channel) const override;
-
-    [[nodiscard]] bool has_editor() const override { return false; }
-    editor_extent editor_size() override { return {}; }
-    bool open_editor(void*) override { return false; }
-    void close_editor() override {}
-    void idle_editor() override {}
-    void set_listener(std::function<void(int, float)>) override {}
 
 private:
     struct free_by_lilv {
@@ -88,7 +80,6 @@ private:
 
     std::string folder_;
     double rate_hz_ = 48000;
-    VstTimeInfo time_{};
     lilv_owned<LilvWorld> world_{lilv_world_new()};
     const LilvPlugin* plugin_ = nullptr;
     std::mutex mutex_{};

@@ -55,7 +55,8 @@ public:
     virtual void start(host_activity for_what = host_activity::renders) = 0;
     virtual void stop() = 0;
 
-    [[nodiscard]] virtual VstTimeInfo& time() = 0; ///< the song's, which some ask for
+    /// The song's time, which plug-ins of some formats ask for.
+    [[nodiscard]] virtual VstTimeInfo& time() { return untold_time_; }
 
     /// Hands over what happens in the block that is processed next; more than one call is possible.
     virtual void send(event_list& events) = 0;
@@ -66,18 +67,19 @@ public:
     virtual void process(int nb_frames) = 0;
     [[nodiscard]] virtual std::span<const float> output(int channel) const = 0;
 
-    // Its editor in a host's window: see open_editor. All is [ui].
+    // Its editor in a host's window, if it has one: see open_editor. All is [ui].
 
-    [[nodiscard]] virtual bool has_editor() const = 0;
+    [[nodiscard]] virtual bool has_editor() const { return false; }
 
     /// Empty if the plug-in does not tell; some know it only once they are open.
-    [[nodiscard]] virtual editor_extent editor_size() = 0;
-    virtual bool open_editor(void* window) = 0; ///< false where it refuses
-    virtual void close_editor() = 0;
-    virtual void idle_editor() = 0; ///< some 50 times a second
+    [[nodiscard]] virtual editor_extent editor_size() { return {}; }
+    virtual bool open_editor(void* /*window*/) { return false; } ///< false where it refuses
+    virtual void close_editor() {}
+    virtual void idle_editor() {} ///< some 50 times a second
 
     /// Who is told of what the player moves on the panel. [ui]
-    virtual void set_listener(std::function<void(int parameter, float value)> listener) = 0;
+    virtual void set_listener(const std::function<void(int parameter, float value)>& /*listener*/) {
+    }
 
 protected:
     explicit plugin(const std::filesystem::path& file) : file_{file} {}
@@ -86,6 +88,7 @@ protected:
 
 private:
     std::filesystem::path file_;
+    VstTimeInfo untold_time_{};
 };
 
 /// Loads the plug-in and opens it. Throws a failure that names the file, the reason and the next

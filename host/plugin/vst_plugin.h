@@ -26,8 +26,8 @@ public:
     void start(host_activity for_what) override;
     void stop() override;
     VstTimeInfo& time() override { return host_.time; }
-    void set_listener(std::function<void(int parameter, float value)> listener) override {
-        host_.hear_automation = std::move(listener);
+    void set_listener(const std::function<void(int parameter, float value)>& listener) override {
+        host_.hear_automation = listener;
     }
     void send(event_list& events) override;
     void process(int nb_frames) override;
