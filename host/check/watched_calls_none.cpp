@@ -1,4 +1,5 @@
-// For programs built for a sanitizer, which has functions of its own under the library's names.
+// For programs built for a sanitizer, which has functions of its own under the library's names, and
+// for Windows, where a plug-in's calls do not pass through the program.
 
 #include "check/watched_calls.h"
 

@@ -3,13 +3,14 @@
 
 #include "check/watched_calls.h"
 #include "clap/interface.h"
+#include "platform/library.h"
+#include "platform/process.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <numeric>
 #include <string>
@@ -61,8 +62,8 @@ inline any_event midi_at(std::uint32_t frame, std::array<int, 3> bytes) {
 using events = std::vector<any_event>;
 
 inline const clap_plugin_entry& clap_library() {
-    static const auto* const entry = static_cast<const clap_plugin_entry*>(
-        dlsym(dlopen(CLAP_FILE, RTLD_NOW | RTLD_LOCAL), "clap_entry"));
+    static const library file{CLAP_FILE};
+    static const auto* const entry = static_cast<const clap_plugin_entry*>(file.find("clap_entry"));
     return *entry;
 }
 
@@ -94,7 +95,7 @@ struct stream {
 class hosted {
 public:
     explicit hosted(double rate = 48000, const char* seed = "1") {
-        setenv("TINDELWAX_SEED", seed, 1);
+        set_environment("TINDELWAX_SEED", seed);
         clap_library().init(CLAP_FILE);
         const auto* const factory = static_cast<const clap_plugin_factory*>(
             clap_library().get_factory(clap_plugin_factory_id));
