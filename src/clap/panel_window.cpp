@@ -2,10 +2,8 @@
 
 #include "clap/lookup.h"
 #include "clap/plugin.h"
-#include "panel/tags.h"
 
 #include <cstdint>
-#include <limits>
 #include <string_view>
 
 namespace {
@@ -19,17 +17,14 @@ const clap_host_timer_support* timers(const clap_host* host) {
 } // namespace
 
 clap_panel_window::clap_panel_window(clap_instrument& shown)
-    : instrument(shown),
-      panel(*this, *shown.played.shown().p_control),
-      values(shown.played.shown().p_control->nb_parameters,
-             std::numeric_limits<float>::quiet_NaN()) {}
+    : instrument_panel(shown.played), instrument(shown) {}
 
 clap_panel_window::~clap_panel_window() { hide(); }
 
 bool clap_panel_window::show() {
-    if (panel.isOpen())
+    if (is_open())
         return true;
-    if (!parent || !panel.open(parent))
+    if (!parent || !open(parent))
         return false;
     if (const auto* host = timers(instrument.p_host))
         host->register_timer(instrument.p_host, idle_period_ms, &timer);
@@ -41,20 +36,8 @@ void clap_panel_window::hide() {
     if (timer != CLAP_INVALID_ID)
         timers(instrument.p_host)->unregister_timer(instrument.p_host, timer);
     timer = CLAP_INVALID_ID;
-    panel.close();
+    close();
 }
-
-void clap_panel_window::idle() {
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const int index = static_cast<int>(i);
-        const float value = player_get_parameter(&instrument.played.shown(), index);
-        if (value != values[i])
-            panel.showParameter(index, values[i] = value);
-    }
-    panel.idle();
-}
-
-void clap_panel_window::follow() { panel.setRegistry(*instrument.played.shown().p_control); }
 
 /// Where the host has taken nothing for long, it reads the values anew.
 void clap_panel_window::tell(clap_event_type type, int index, float value) {
@@ -74,20 +57,8 @@ void clap_panel_window::beginEdit(int index) { tell(CLAP_EVENT_PARAM_GESTURE_BEG
 
 void clap_panel_window::endEdit(int index) { tell(CLAP_EVENT_PARAM_GESTURE_END, index); }
 
-void clap_panel_window::controlMoved(int tag, float value) {
-    player& player = instrument.played.shown();
-    if (panel.isParameter(tag)) {
-        player_set_parameter(&player, tag, value);
-        tell(CLAP_EVENT_PARAM_VALUE, tag, value);
-    } else if (tag == PANIC_TAG) {
-        player_panic(&player);
-    } else if (tag == MIDI_LEARN_TAG) {
-        panel.toggleMidiLearn();
-    }
-}
-
-bool clap_panel_window::takeMidiActivity() {
-    return instrument.has_heard.exchange(false, std::memory_order_relaxed);
+void clap_panel_window::parameterMoved(int index, float value) {
+    tell(CLAP_EVENT_PARAM_VALUE, index, value);
 }
 
 namespace {
@@ -120,8 +91,8 @@ void destroy(const clap_plugin* plugin) { clap_instrument_of(plugin).window.rese
 bool get_size(const clap_plugin* plugin, std::uint32_t* width, std::uint32_t* height) {
     if (!window_of(plugin))
         return false;
-    *width = static_cast<std::uint32_t>(window_of(plugin)->get_panel().getWidth());
-    *height = static_cast<std::uint32_t>(window_of(plugin)->get_panel().getHeight());
+    *width = static_cast<std::uint32_t>(window_of(plugin)->width());
+    *height = static_cast<std::uint32_t>(window_of(plugin)->height());
     return true;
 }
 

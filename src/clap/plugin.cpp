@@ -39,8 +39,6 @@ void reset(const clap_plugin* plugin) noexcept NONBLOCKING {
 bool activate(const clap_plugin* plugin, double sample_rate, std::uint32_t, std::uint32_t) {
     clap_instrument& self = clap_instrument_of(plugin);
     self.played.set_sampling_rate(sample_rate);
-    if (self.window)
-        self.window->follow();
     self.tail_long = tail_frames(self.played.playing().p_organ->sampling_rate);
     reset(plugin);
     return true;

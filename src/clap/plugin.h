@@ -8,7 +8,6 @@
 #include "clap/voices.h"
 #include "instrument/instrument.h"
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -25,7 +24,6 @@ struct clap_instrument {
 
     std::unique_ptr<clap_panel_window> window{}; ///< the main thread's; null while there is none
     clap_edit_queue edits{};                     ///< made on it
-    std::atomic<bool> has_heard = false;         ///< a message, for its lamp
 };
 
 /// [any]

@@ -28,7 +28,6 @@ public:
           std::span<float> out_r, std::span<float> out_l) noexcept NONBLOCKING
         : playing(its_player),
           sounding(instrument.sounding),
-          has_heard(instrument.has_heard),
           sent(process.out_events),
           right(out_r),
           left(out_l),
@@ -101,7 +100,6 @@ private:
 
     /// A controller acts at once, on the part that is to come.
     void send_midi(const std::array<char, 3>& message, std::uint32_t frame) noexcept NONBLOCKING {
-        has_heard.store(true, std::memory_order_relaxed);
         const int in_part = static_cast<int>(frame - static_cast<std::uint32_t>(start));
         for (const int index : player_receive_midi_event(&playing, message.data(), in_part)) {
             const auto id = static_cast<clap_id>(index);
@@ -137,7 +135,6 @@ private:
 
     player& playing;
     voices& sounding;
-    std::atomic<bool>& has_heard;
     const clap_output_events* sent;
     std::span<float> right; ///< empty where the host has no outputs, as the next
     std::span<float> left;

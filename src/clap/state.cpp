@@ -36,8 +36,6 @@ bool load(const clap_plugin* plugin, const clap_istream* stream) {
     }
     if (nb_read < 0 || !self.played.load(text))
         return false;
-    if (self.window)
-        self.window->follow();
     clap_tell_of_values(self.p_host);
     return true;
 }

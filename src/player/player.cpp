@@ -83,6 +83,7 @@ void player_set_block_size(player* p_player, int block_size) {
 std::span<const int> player_receive_midi_event(player* p_player, const char* midi_data,
                                                int frame) noexcept {
     take_panic(p_player);
+    p_player->has_heard.store(true, std::memory_order_relaxed);
     control_update& update = *p_player->p_control->p_control_update;
     update.nb_parameter_updated = 0;
     if (midi_is_timed(midi_data))
@@ -126,6 +127,10 @@ void player_process(player* p_player, std::span<float> out_r, std::span<float> o
 
 void player_panic(player* p_player) noexcept {
     p_player->panic_asked.store(true, std::memory_order_relaxed);
+}
+
+bool player_take_activity(player* p_player) noexcept {
+    return p_player->has_heard.exchange(false, std::memory_order_relaxed);
 }
 
 void player_choke(player* p_player, int note) noexcept {

@@ -24,6 +24,7 @@ struct player {
     std::unique_ptr<organ> p_organ;
     note_queue notes{};
     std::atomic<bool> panic_asked = false;
+    std::atomic<bool> has_heard = false; ///< a message, since somebody asked
 };
 
 /// Takes the engine and its registry into its ownership. [setup]
@@ -53,6 +54,9 @@ void player_process(player* p_player, std::span<float> out_r,
 
 /// Silences what was played so far; whatever comes after the call sounds. [any]
 void player_panic(player* p_player) noexcept NONBLOCKING;
+
+/// Whether messages have come since the last time. [any]
+bool player_take_activity(player* p_player) noexcept NONBLOCKING;
 
 /// Silences a MIDI note at once, on every keybed, after whatever waited in the queue. [audio]
 void player_choke(player* p_player, int note) noexcept NONBLOCKING;
