@@ -17,8 +17,7 @@ void require_display([[maybe_unused]] const trial& running) {
 }
 
 panel_shown::panel_shown(trial& running, subject::listener heard_by)
-    : running_{running},
-      plugin_(running, std::move(heard_by), effect::after_closing::stays_loaded) {
+    : running_{running}, plugin_(running, std::move(heard_by), library::in_the_end::stays) {
     if (!plugin_.has(effFlagsHasEditor))
         running.skip("it has no panel");
     require_display(running);

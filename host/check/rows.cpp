@@ -25,8 +25,7 @@ row row_of(const std::string& name) {
             return listed;
     return {load_row, demand::interface, [](trial& running) {
                 try {
-                    const effect loaded(running.file, answer_version,
-                                        effect::after_closing::stays_loaded);
+                    const effect loaded(running.file, answer_version, library::in_the_end::stays);
                 } catch (const failure& flaw) {
                     if (flaw.status == exit_misused)
                         throw; // a plug-in that is broken fails in every row

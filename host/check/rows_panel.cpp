@@ -53,7 +53,7 @@ private:
 
 void size(trial& running) {
     require_display(running);
-    const subject asked(running, {}, effect::after_closing::stays_loaded);
+    const subject asked(running, {}, library::in_the_end::stays);
     if (!asked.has(effFlagsHasEditor))
         running.skip("it has no panel");
     ERect* p_size = nullptr;

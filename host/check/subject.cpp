@@ -30,10 +30,10 @@ void send_message(const subject& played, std::array<std::uint8_t, 3> message) {
 
 } // namespace
 
-subject::subject(trial& running, listener heard_by, effect::after_closing library_then)
+subject::subject(trial& running, listener heard_by, library::in_the_end then)
     : running_{running},
       host_{.plugin_folder = absolute(running.file).parent_path().string()},
-      effect_{running.file, answers_of(host_, std::move(heard_by)), library_then} {
+      effect_{running.file, answers_of(host_, std::move(heard_by)), then} {
     heard_.resize(static_cast<std::size_t>(record().numOutputs));
     host_.time.tempo = 120;
     host_.time.timeSigNumerator = host_.time.timeSigDenominator = 4;

@@ -26,7 +26,7 @@ public:
 
     /// Loads and opens it; a listener hears what it asks of its host.
     explicit subject(trial& running, listener heard_by = {},
-                     effect::after_closing library_then = effect::after_closing::is_unloaded);
+                     library::in_the_end then = library::in_the_end::is_unloaded);
 
     /// The same, ready to play.
     subject(trial& running, int rate, int block);

@@ -103,8 +103,10 @@ public:
                   .mappings = options_.mappings}},
           live_{instrument, players_, songs_, std::move(song)},
           source_{live_, request.sound} {
-        instrument.set_listener(
-            [this](int parameter, float value) { players_.touch(parameter, value); });
+        instrument.set_listener([this](const panel_edit& edit) {
+            if (edit.what == panel_edit::step::sets)
+                players_.touch(edit.parameter, edit.value);
+        });
         if (wants_panel(request, instrument))
             open_panel(instrument, request.shows_panel.has_value());
         if (!panel_ && is_terminal(p_output))

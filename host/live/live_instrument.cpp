@@ -60,6 +60,7 @@ void live_instrument::start(int rate_hz) {
     next_event_ = static_cast<std::size_t>(next - music_.events.begin());
     if (music_.nb_frames > 0)
         clock_.emplace(song_.song.tempi, rate_hz);
+    instrument_.require_sound();
     instrument_.prepare(rate_hz, static_cast<int>(piece_frames));
     instrument_.time().tempo = usual_tempo;
     instrument_.time().flags = kVstTempoValid;

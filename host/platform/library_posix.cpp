@@ -44,16 +44,17 @@ std::string reason(const std::filesystem::path& file) {
 
 } // namespace
 
-library::library(const std::filesystem::path& file) : handle_{open_library(file, 0)} {
+library::library(const std::filesystem::path& file, in_the_end then)
+    : handle_{open_library(file, 0)}, then_{then} {
     if (!handle_)
         error = reason(file);
 }
 
 void* library::find(const char* name) const { return handle_ ? dlsym(handle_, name) : nullptr; }
 
-void library::unload() {
-    if (void* handle = std::exchange(handle_, nullptr))
-        dlclose(handle);
+library::~library() {
+    if (handle_ && then_ == in_the_end::is_unloaded)
+        dlclose(handle_);
 }
 
 bool library_is_loaded(const std::filesystem::path& file) {

@@ -1,10 +1,9 @@
 #include "platform/library.h"
 
-#include <utility>
 #include <windows.h>
 
-library::library(const std::filesystem::path& file)
-    : handle_{LoadLibraryW(std::filesystem::absolute(file).c_str())} {
+library::library(const std::filesystem::path& file, in_the_end then)
+    : handle_{LoadLibraryW(std::filesystem::absolute(file).c_str())}, then_{then} {
     if (!handle_)
         error = "LoadLibrary fails with error " + std::to_string(GetLastError());
 }
@@ -15,9 +14,9 @@ void* library::find(const char* name) const {
     return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
 }
 
-void library::unload() {
-    if (void* handle = std::exchange(handle_, nullptr))
-        FreeLibrary(static_cast<HMODULE>(handle));
+library::~library() {
+    if (handle_ && then_ == in_the_end::is_unloaded)
+        FreeLibrary(static_cast<HMODULE>(handle_));
 }
 
 bool library_is_loaded(const std::filesystem::path& file) {

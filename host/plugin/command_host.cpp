@@ -41,14 +41,22 @@ VstIntPtr process_level(host_activity does) {
 
 } // namespace
 
+VstIntPtr command_host::hear(panel_edit::step what, const host_call& call) const {
+    if (hear_edit)
+        hear_edit({what, call.index, call.opt});
+    return 0;
+}
+
 VstIntPtr command_host::answer(const host_call& call) {
     switch (call.opcode) {
     case audioMasterVersion:
         return kVstVersion;
+    case audioMasterBeginEdit:
+        return hear(panel_edit::step::begins, call);
+    case audioMasterEndEdit:
+        return hear(panel_edit::step::ends, call);
     case audioMasterAutomate:
-        if (hear_automation)
-            hear_automation(call.index, call.opt);
-        return 0;
+        return hear(panel_edit::step::sets, call);
     case audioMasterCurrentId:
         return call.effect ? call.effect->uniqueID : 0;
     case __audioMasterWantMidiDeprecated:

@@ -3,6 +3,7 @@
 
 #include "plugin/activity.h"
 #include "plugin/host.h"
+#include "plugin/panel_edit.h"
 
 #include <functional>
 #include <string>
@@ -13,8 +14,10 @@ struct command_host {
     int block_frames = 64;
     host_activity does = host_activity::sets_up;
     VstTimeInfo time{};
-    std::function<void(int parameter, float value)>
-        hear_automation{}; ///< from the panel; may be null
+    std::function<void(const panel_edit&)> hear_edit{}; ///< may be null
 
     [[nodiscard]] VstIntPtr answer(const host_call& call);
+
+private:
+    VstIntPtr hear(panel_edit::step what, const host_call& call) const;
 };

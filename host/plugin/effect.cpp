@@ -35,8 +35,8 @@ VstPluginMainProc plugin_entry(const library& its_library) {
                                                        : its_library.find("VSTPluginMain"));
 }
 
-effect::effect(const std::filesystem::path& file, host_answers answers, after_closing library_then)
-    : library_{file}, library_then_{library_then}, answers_{std::move(answers)} {
+effect::effect(const std::filesystem::path& file, host_answers answers, library::in_the_end then)
+    : library_{file, then}, answers_{std::move(answers)} {
     const VstPluginMainProc entry = plugin_entry(library_);
     if (!entry)
         throw failure{exit_misused,
@@ -53,8 +53,6 @@ effect::effect(const std::filesystem::path& file, host_answers answers, after_cl
 effect::~effect() {
     if (p_record_)
         close();
-    if (library_then_ == after_closing::is_unloaded)
-        library_.unload();
 }
 
 VstIntPtr effect::close() {

@@ -12,12 +12,10 @@
 
 class effect {
 public:
-    enum class after_closing { stays_loaded, is_unloaded };
-
     /// Loads the library, creates an effect that talks to that host, and opens it. Throws a failure
     /// that names the file and the reason.
     effect(const std::filesystem::path& file, host_answers answers,
-           after_closing library_then = after_closing::is_unloaded);
+           library::in_the_end then = library::in_the_end::is_unloaded);
     ~effect(); ///< closes it, unless that was done
     effect(const effect&) = delete;
     effect& operator=(const effect&) = delete;
@@ -39,7 +37,6 @@ public:
 
 private:
     library library_;
-    after_closing library_then_;
     host_answers answers_;
     AEffect* p_record_ = nullptr;
 };

@@ -43,9 +43,9 @@ void ignore(const clap_host*) {}
 
 } // namespace
 
-loaded_clap::loaded_clap(const std::filesystem::path& file)
+loaded_clap::loaded_clap(const std::filesystem::path& file, library::in_the_end then)
     : plugin{file},
-      library_{file},
+      library_{file, then},
       path_{std::filesystem::absolute(file).string()},
       host_{.clap_version = clap_interface_version,
             .host_data = this,
@@ -83,7 +83,7 @@ loaded_clap::loaded_clap(const std::filesystem::path& file)
 }
 
 loaded_clap::~loaded_clap() {
-    loaded_clap::stop();
+    stop();
     plugin_->destroy(plugin_);
     entry_->deinit();
 }
@@ -173,7 +173,7 @@ void loaded_clap::set_parameter(int index, float value) {
     if (info.flags & CLAP_PARAM_IS_STEPPED)
         plain = std::round(plain);
     settings_[static_cast<std::size_t>(index)].store(plain, std::memory_order_relaxed);
-    if (!runs_)
+    if (!runs())
         hand_over_settings();
 }
 
@@ -223,29 +223,17 @@ void loaded_clap::hand_over_settings() {
     events_ = std::move(waiting);
 }
 
-void loaded_clap::prepare(double rate_hz, int block_frames) {
-    rate_hz_ = rate_hz;
-    block_frames_ = block_frames;
-}
-
-void loaded_clap::start(host_activity) {
-    if (nb_channels() == 0)
-        fail("has no audio output");
-    outputs_.assign(nb_channels_, std::vector<float>(static_cast<std::size_t>(block_frames_)));
-    p_outputs_.clear();
-    for (auto& channel : outputs_)
-        p_outputs_.push_back(channel.data());
+void loaded_clap::resume(host_activity) {
     events_.reserve(nb_events_of_a_block);
     if (!plugin_->activate(plugin_, rate_hz_, 1, static_cast<std::uint32_t>(block_frames_)))
         fail("refuses " + std::to_string(rate_hz_) + " Hz");
-    runs_ = true;
-    if (!plugin_->start_processing(plugin_))
-        fail("refuses to process");
+    if (plugin_->start_processing(plugin_))
+        return;
+    plugin_->deactivate(plugin_);
+    fail("refuses to process");
 }
 
-void loaded_clap::stop() {
-    if (!std::exchange(runs_, false))
-        return;
+void loaded_clap::suspend() {
     plugin_->stop_processing(plugin_);
     plugin_->deactivate(plugin_);
 }
@@ -280,11 +268,11 @@ void loaded_clap::add(message_view message, int frame) {
     }
 }
 
-void loaded_clap::process(int nb_frames) {
+void loaded_clap::process(channel_memory, channel_memory outputs, int nb_frames) {
     take_settings();
     const clap_input_events in = list_of(events_);
     const clap_output_events out{.ctx = nullptr, .try_push = take_nothing};
-    clap_audio_buffer output{.data32 = p_outputs_.data(),
+    clap_audio_buffer output{.data32 = const_cast<float**>(outputs.data()),
                              .data64 = nullptr,
                              .channel_count = nb_channels_,
                              .latency = 0,
@@ -299,11 +287,7 @@ void loaded_clap::process(int nb_frames) {
                              .in_events = &in,
                              .out_events = &out};
     if (plugin_->process(plugin_, &block) == CLAP_PROCESS_ERROR)
-        for (auto& channel : outputs_)
-            std::ranges::fill(channel, 0.0f);
+        for (float* const channel : outputs)
+            std::fill_n(channel, nb_frames, 0.0f);
     events_.clear();
-}
-
-std::span<const float> loaded_clap::output(int channel) const {
-    return outputs_[static_cast<std::size_t>(channel)];
 }

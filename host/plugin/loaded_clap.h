@@ -11,7 +11,8 @@
 class loaded_clap final : public plugin {
 public:
     /// Takes the first plug-in of the library. Throws a failure that names the file and the reason.
-    explicit loaded_clap(const std::filesystem::path& file);
+    explicit loaded_clap(const std::filesystem::path& file,
+                         library::in_the_end then = library::in_the_end::stays);
     ~loaded_clap() override;
 
     std::string name() override;
@@ -24,13 +25,16 @@ public:
     float parameter(int index) override;
     void set_parameter(int index, float value) override;
 
+    [[nodiscard]] bool is_instrument() const override { return dialects_ != 0; }
     [[nodiscard]] int nb_outputs() const override { return static_cast<int>(nb_channels_); }
-    void prepare(double rate_hz, int block_frames) override;
-    void start(host_activity for_what) override;
-    void stop() override;
     void send(event_list& events) override;
-    void process(int nb_frames) override;
-    [[nodiscard]] std::span<const float> output(int channel) const override;
+    using plugin::process;
+    void process(channel_memory inputs, channel_memory outputs, int nb_frames) override;
+
+protected:
+    void set_up() override {}
+    void resume(host_activity for_what) override;
+    void suspend() override;
 
 private:
     union event { ///< each begins with its header
@@ -60,9 +64,5 @@ private:
     std::vector<std::atomic<double>> settings_{}; ///< by parameter: on its way; NaN: none
     std::uint32_t nb_channels_ = 0;               ///< of the first output port
     std::uint32_t dialects_ = 0;                  ///< of the first note port
-    double rate_hz_ = 48000;
-    bool runs_ = false;
-    std::vector<event> events_{}; ///< of the next block
-    std::vector<std::vector<float>> outputs_{};
-    std::vector<float*> p_outputs_{};
+    std::vector<event> events_{};                 ///< of the next block
 };

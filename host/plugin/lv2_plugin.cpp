@@ -53,7 +53,7 @@ lv2_plugin::lv2_plugin(const std::filesystem::path& bundle)
         throw failure{exit_failed, bundle.string() + " holds no LV2 instrument"};
 }
 
-lv2_plugin::~lv2_plugin() { lv2_plugin::stop(); }
+lv2_plugin::~lv2_plugin() { stop(); }
 
 lv2_plugin::lilv_owned<LilvNode> lv2_plugin::node(const char* uri) const {
     return lilv_owned<LilvNode>{lilv_new_uri(world_.get(), uri)};
@@ -72,6 +72,7 @@ LV2_URID lv2_plugin::number(const char* uri) {
 bool lv2_plugin::describe_ports() {
     ports_.clear();
     parameters_.clear();
+    inputs_.clear();
     outputs_.clear();
     const std::size_t nb_ports = lilv_plugin_get_num_ports(plugin_);
     std::vector<float> least(nb_ports), most(nb_ports), usual(nb_ports);
@@ -103,8 +104,8 @@ bool lv2_plugin::describe_ports() {
                 && !lilv_port_has_property(plugin_, described,
                                            node(LV2_PORT_PROPS__notOnGUI).get()))
                 parameters_.push_back({i, least[i], most[i]});
-        } else if (!added.is_input && is(LV2_CORE__AudioPort)) {
-            outputs_.push_back(i);
+        } else if (is(LV2_CORE__AudioPort)) {
+            (added.is_input ? inputs_ : outputs_).push_back(i);
         }
     }
     return hears_midi && !outputs_.empty();
@@ -119,9 +120,6 @@ std::vector<plugin_fact> lv2_plugin::facts() {
         const lilv_owned<LilvNode> subject{lilv_node_duplicate(lilv_plugin_get_uri(plugin_))};
         return text(lilv_world_get(world_.get(), subject.get(), node(predicate).get(), nullptr));
     };
-    const auto nb_inputs = std::ranges::count_if(ports_, [](const port& each) {
-        return each.is_input && !each.is_control && each.atoms.empty();
-    });
     return {
         {"vendor", text(lilv_plugin_get_author_name(plugin_))},
         {"version", value(LV2_CORE__minorVersion) + "." + value(LV2_CORE__microVersion)},
@@ -129,7 +127,7 @@ std::vector<plugin_fact> lv2_plugin::facts() {
         {"license", value("http://usefulinc.com/ns/doap#license")},
         {"category",
          text(lilv_node_duplicate(lilv_plugin_class_get_label(lilv_plugin_get_class(plugin_))))},
-        {"channels", std::to_string(nb_inputs) + " in, " + std::to_string(nb_outputs()) + " out"},
+        {"channels", std::to_string(nb_inputs()) + " in, " + std::to_string(nb_outputs()) + " out"},
         {"parameters", std::to_string(nb_parameters())}};
 }
 
@@ -172,13 +170,7 @@ void lv2_plugin::set_parameter(int index, float value) {
     ports_[number].values[0] = least + value * (most - least);
 }
 
-void lv2_plugin::prepare(double rate_hz, int block_frames) {
-    rate_hz_ = rate_hz;
-    block_frames_ = block_frames;
-    make_instance();
-}
-
-void lv2_plugin::make_instance() {
+void lv2_plugin::set_up() {
     const auto rate = static_cast<float>(rate_hz_);
     const std::int32_t nb_frames = block_frames_;
     const auto option = [this](const char* name, const char* type, const auto& value) {
@@ -220,15 +212,9 @@ void lv2_plugin::make_instance() {
     empty_sequences();
 }
 
-void lv2_plugin::start(host_activity) {
-    lilv_instance_activate(instance_.get());
-    runs_ = true;
-}
+void lv2_plugin::resume(host_activity) { lilv_instance_activate(instance_.get()); }
 
-void lv2_plugin::stop() {
-    if (std::exchange(runs_, false))
-        lilv_instance_deactivate(instance_.get());
-}
+void lv2_plugin::suspend() { lilv_instance_deactivate(instance_.get()); }
 
 /// Inputs hold no events, outputs say how many bytes they take.
 void lv2_plugin::empty_sequences() {
@@ -253,7 +239,11 @@ void lv2_plugin::send(event_list& events) {
     });
 }
 
-void lv2_plugin::process(int nb_frames) {
+void lv2_plugin::process(channel_memory inputs, channel_memory outputs, int nb_frames) {
+    for (std::size_t i = 0; i < inputs.size(); ++i)
+        lilv_instance_connect_port(instance_.get(), inputs_[i], inputs[i]);
+    for (std::size_t i = 0; i < outputs.size(); ++i)
+        lilv_instance_connect_port(instance_.get(), outputs_[i], outputs[i]);
     lilv_instance_run(instance_.get(), static_cast<std::uint32_t>(nb_frames));
     for (const auto& response : std::exchange(responses_, {}))
         worker_->work_response(lilv_instance_get_handle(instance_.get()),
@@ -261,10 +251,6 @@ void lv2_plugin::process(int nb_frames) {
     if (worker_ && worker_->end_run)
         worker_->end_run(lilv_instance_get_handle(instance_.get()));
     empty_sequences();
-}
-
-std::span<const float> lv2_plugin::output(int channel) const {
-    return ports_[outputs_[static_cast<std::size_t>(channel)]].values;
 }
 
 LV2_Worker_Status lv2_plugin::work(std::uint32_t size, const void* data) {

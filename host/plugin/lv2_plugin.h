@@ -32,15 +32,17 @@ public:
     float parameter(int index) override;
     void set_parameter(int index, float value) override;
 
+    [[nodiscard]] int nb_inputs() const override { return static_cast<int>(inputs_.size()); }
     [[nodiscard]] int nb_outputs() const override { return static_cast<int>(outputs_.size()); }
-
-    /// Makes the plug-in anew, for its rate never changes; parameters stay where they are.
-    void prepare(double rate_hz, int block_frames) override;
-    void start(host_activity for_what) override;
-    void stop() override;
     void send(event_list& events) override;
-    void process(int nb_frames) override;
-    [[nodiscard]] std::span<const float> output(int channel) const override;
+    using plugin::process;
+    void process(channel_memory inputs, channel_memory outputs, int nb_frames) override;
+
+protected:
+    /// Makes the plug-in anew, for its rate never changes; parameters stay where they are.
+    void set_up() override;
+    void resume(host_activity for_what) override;
+    void suspend() override;
 
 private:
     struct free_by_lilv {
@@ -52,7 +54,8 @@ private:
     template <typename Type>
     using lilv_owned = std::unique_ptr<Type, free_by_lilv>;
 
-    /// Its buffer is a control's value, a block of audio, or atoms, which are aligned to 8 bytes.
+    /// Its buffer is a control's value, a block of sound, or atoms, which are aligned to 8 bytes.
+    /// An audio port is connected to each block's own memory.
     struct port {
         const LilvPort* described = nullptr;
         std::vector<float> values{};
@@ -74,12 +77,10 @@ private:
     static std::string text(LilvNode* said);
     LV2_URID number(const char* uri); ///< from 1 on; plug-ins may ask on any thread
     bool describe_ports();            ///< returns whether it is an instrument's
-    void make_instance();
     void empty_sequences();
     LV2_Worker_Status work(std::uint32_t size, const void* data);
 
     std::string folder_;
-    double rate_hz_ = 48000;
     lilv_owned<LilvWorld> world_{lilv_world_new()};
     const LilvPlugin* plugin_ = nullptr;
     std::mutex mutex_{};
@@ -89,10 +90,9 @@ private:
     LV2_Worker_Schedule schedule_;
     std::vector<port> ports_{};
     std::vector<parameter_port> parameters_{};
-    std::vector<std::size_t> outputs_{}; ///< which of the ports
+    std::vector<std::uint32_t> inputs_{}, outputs_{}; ///< which of the ports are of audio
     port* midi_input_ = nullptr;
     std::vector<std::vector<std::byte>> responses_{}; ///< the worker's, until the block ends
     const LV2_Worker_Interface* worker_ = nullptr;
     lilv_owned<LilvInstance> instance_{};
-    bool runs_ = false;
 };

@@ -4,6 +4,7 @@
 #include "failure/failure.h"
 #include "plugin/activity.h"
 #include "plugin/event_list.h"
+#include "plugin/panel_edit.h"
 
 #include <filesystem>
 #include <functional>
@@ -17,6 +18,9 @@ struct plugin_fact {
     std::string label;
     std::string text;
 };
+
+/// A channel each, of as many samples as a block has at most.
+using channel_memory = std::span<float* const>;
 
 struct editor_extent {
     int width = 0; ///< pixels
@@ -45,15 +49,21 @@ public:
     [[nodiscard]] virtual float parameter(int index) = 0;            ///< 0 to 1
     virtual void set_parameter(int index, float value) = 0;
 
+    [[nodiscard]] virtual bool is_instrument() const { return true; } ///< it says
+    [[nodiscard]] virtual int nb_inputs() const { return 0; }
     [[nodiscard]] virtual int nb_outputs() const = 0;
     [[nodiscard]] int nb_channels() const; ///< 1 or 2: the outputs that are listened to
 
-    /// Announces rate and block size; only while it does not run.
-    virtual void prepare(double rate_hz, int block_frames) = 0;
+    /// Why no sound can be had of it, such as "has no audio output"; "" if it can.
+    [[nodiscard]] virtual std::string why_silent() const;
+    void require_sound() const; ///< throws a failure if there is none
 
-    /// Only after prepare. Throws a failure if the plug-in cannot process.
-    virtual void start(host_activity for_what = host_activity::renders) = 0;
-    virtual void stop() = 0;
+    /// Announces rate and block size; only while it does not run.
+    void prepare(double rate_hz, int block_frames);
+
+    /// Only after prepare. Throws a failure if the plug-in refuses.
+    void start(host_activity for_what = host_activity::renders);
+    void stop(); ///< if it runs
 
     /// The song's time, which plug-ins of some formats ask for.
     [[nodiscard]] virtual VstTimeInfo& time() { return untold_time_; }
@@ -64,8 +74,11 @@ public:
     /// Processes a block, of the announced size unless a smaller one is given. The channel's
     /// samples are in output() until the next call, at its beginning.
     void process() { process(block_frames_); }
-    virtual void process(int nb_frames) = 0;
-    [[nodiscard]] virtual std::span<const float> output(int channel) const = 0;
+    void process(int nb_frames) { process(inputs_.pointers, outputs_.pointers, nb_frames); }
+    [[nodiscard]] std::span<const float> output(int channel) const;
+
+    /// The same with memory of the caller's for all inputs and outputs.
+    virtual void process(channel_memory inputs, channel_memory outputs, int nb_frames) = 0;
 
     // Its editor in a host's window, if it has one: see open_editor. All is [ui].
 
@@ -78,16 +91,32 @@ public:
     virtual void idle_editor() {} ///< some 50 times a second
 
     /// Who is told of what the player moves on the panel. [ui]
-    virtual void set_listener(const std::function<void(int parameter, float value)>& /*listener*/) {
-    }
+    virtual void set_listener(const std::function<void(const panel_edit&)>& /*listener*/) {}
 
 protected:
     explicit plugin(const std::filesystem::path& file) : file_{file} {}
 
-    int block_frames_ = 64; ///< that were announced
+    virtual void set_up() = 0;                       ///< at the rate and block size below
+    virtual void resume(host_activity for_what) = 0; ///< throws a failure if it refuses
+    virtual void suspend() = 0;
+
+    [[nodiscard]] bool runs() const { return runs_; }
+
+    double rate_hz_ = 48000;
+    int block_frames_ = 64;
 
 private:
+    struct channels {
+        void resize(int nb_channels, int nb_frames);
+
+        std::vector<std::vector<float>> samples{};
+        std::vector<float*> pointers{};
+    };
+
     std::filesystem::path file_;
+    bool runs_ = false;
+    channels inputs_{};
+    channels outputs_{};
     VstTimeInfo untold_time_{};
 };
 

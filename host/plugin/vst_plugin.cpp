@@ -21,15 +21,6 @@ std::string tidy(const std::string& text) {
     return printable(text.substr(first, text.find_last_not_of(blanks) + 1 - first));
 }
 
-void resize_channels(std::vector<std::vector<float>>& channels, std::vector<float*>& pointers,
-                     int nb_channels, int nb_frames) {
-    channels.assign(static_cast<std::size_t>(nb_channels),
-                    std::vector<float>(static_cast<std::size_t>(nb_frames)));
-    pointers.clear();
-    for (auto& channel : channels)
-        pointers.push_back(channel.data());
-}
-
 /// The id's four characters.
 std::string id_characters(VstInt32 id) {
     std::string characters;
@@ -72,13 +63,12 @@ std::string flags_text(VstInt32 flags) {
 
 } // namespace
 
-vst_plugin::vst_plugin(const std::filesystem::path& file)
+vst_plugin::vst_plugin(const std::filesystem::path& file, library::in_the_end then)
     : plugin{file},
       host_{.plugin_folder = std::filesystem::absolute(file).parent_path().string()},
-      effect_{file, [this](const host_call& call) { return host_.answer(call); },
-              effect::after_closing::stays_loaded} {}
+      effect_{file, [this](const host_call& call) { return host_.answer(call); }, then} {}
 
-vst_plugin::~vst_plugin() { vst_plugin::stop(); }
+vst_plugin::~vst_plugin() { stop(); }
 
 VstIntPtr vst_plugin::ask(VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt) {
     return effect_.ask(opcode, index, value, ptr, opt);
@@ -115,41 +105,37 @@ std::string vst_plugin::parameter_text(int index) {
     return text(effGetParamDisplay, index) + (label.empty() ? "" : " ") + label;
 }
 
-void vst_plugin::prepare(double rate_hz, int block_frames) {
-    host_.rate_hz = rate_hz;
-    host_.block_frames = block_frames_ = block_frames;
-    host_.time.sampleRate = rate_hz;
-    ask(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate_hz));
-    ask(effSetBlockSize, 0, block_frames);
+std::string vst_plugin::why_silent() const {
+    if (!record().processReplacing || !(record().flags & effFlagsCanReplacing))
+        return "cannot process audio in single precision";
+    return plugin::why_silent();
 }
 
-void vst_plugin::start(host_activity for_what) {
-    if (!record().processReplacing || !(record().flags & effFlagsCanReplacing))
-        fail("cannot process audio in single precision");
-    if (nb_channels() == 0)
-        fail("has no audio output");
-    resize_channels(inputs_, p_inputs_, record().numInputs, block_frames_);
-    resize_channels(outputs_, p_outputs_, record().numOutputs, block_frames_);
+void vst_plugin::set_up() {
+    host_.rate_hz = rate_hz_;
+    host_.block_frames = block_frames_;
+    host_.time.sampleRate = rate_hz_;
+    ask(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate_hz_));
+    ask(effSetBlockSize, 0, block_frames_);
+}
+
+void vst_plugin::resume(host_activity for_what) {
     host_.does = for_what;
     ask(effMainsChanged, 0, 1);
     ask(effStartProcess);
 }
 
-void vst_plugin::stop() {
-    if (std::exchange(host_.does, host_activity::sets_up) == host_activity::sets_up)
-        return;
+void vst_plugin::suspend() {
+    host_.does = host_activity::sets_up;
     ask(effStopProcess);
     ask(effMainsChanged, 0, 0);
 }
 
 void vst_plugin::send(event_list& events) { ask(effProcessEvents, 0, 0, events.records()); }
 
-void vst_plugin::process(int nb_frames) {
-    record().processReplacing(effect_.record(), p_inputs_.data(), p_outputs_.data(), nb_frames);
-}
-
-std::span<const float> vst_plugin::output(int channel) const {
-    return outputs_[static_cast<std::size_t>(channel)];
+void vst_plugin::process(channel_memory inputs, channel_memory outputs, int nb_frames) {
+    record().processReplacing(effect_.record(), const_cast<float**>(inputs.data()),
+                              const_cast<float**>(outputs.data()), nb_frames);
 }
 
 bool vst_plugin::has_editor() const { return record().flags & effFlagsHasEditor; }

@@ -8,7 +8,8 @@
 class vst_plugin final : public plugin {
 public:
     /// Throws a failure that names the file and the reason.
-    explicit vst_plugin(const std::filesystem::path& file);
+    explicit vst_plugin(const std::filesystem::path& file,
+                        library::in_the_end then = library::in_the_end::stays);
     ~vst_plugin() override;
 
     std::string name() override { return text(effGetEffectName); }
@@ -21,23 +22,28 @@ public:
     float parameter(int index) override { return effect_.get(index); }
     void set_parameter(int index, float value) override { effect_.set(index, value); }
 
+    [[nodiscard]] bool is_instrument() const override { return record().flags & effFlagsIsSynth; }
+    [[nodiscard]] int nb_inputs() const override { return record().numInputs; }
     [[nodiscard]] int nb_outputs() const override { return record().numOutputs; }
-    void prepare(double rate_hz, int block_frames) override;
-    void start(host_activity for_what) override;
-    void stop() override;
+    [[nodiscard]] std::string why_silent() const override;
     VstTimeInfo& time() override { return host_.time; }
-    void set_listener(const std::function<void(int parameter, float value)>& listener) override {
-        host_.hear_automation = listener;
+    void set_listener(const std::function<void(const panel_edit&)>& listener) override {
+        host_.hear_edit = listener;
     }
     void send(event_list& events) override;
-    void process(int nb_frames) override;
-    [[nodiscard]] std::span<const float> output(int channel) const override;
+    using plugin::process;
+    void process(channel_memory inputs, channel_memory outputs, int nb_frames) override;
 
     [[nodiscard]] bool has_editor() const override;
     editor_extent editor_size() override;
     bool open_editor(void* window) override { return ask(effEditOpen, 0, 0, window) != 0; }
     void close_editor() override { ask(effEditClose); }
     void idle_editor() override { ask(effEditIdle); }
+
+protected:
+    void set_up() override;
+    void resume(host_activity for_what) override;
+    void suspend() override;
 
 private:
     [[nodiscard]] const AEffect& record() const { return *effect_.record(); }
@@ -50,8 +56,4 @@ private:
 
     command_host host_;
     effect effect_;
-    std::vector<std::vector<float>> inputs_{};
-    std::vector<std::vector<float>> outputs_{};
-    std::vector<float*> p_inputs_{};
-    std::vector<float*> p_outputs_{};
 };

@@ -115,6 +115,7 @@ private:
 void render_score(plugin& instrument, console& desk, const score& music,
                   std::span<const midi_tempo> tempi, const render_options& options,
                   const render_listener& listener) {
+    instrument.require_sound();
     instrument.start();
     performance{instrument, desk, music, tempi, options}.play(listener);
     instrument.stop();
