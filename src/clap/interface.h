@@ -301,7 +301,13 @@ struct clap_plugin_remote_controls {
 // The panel.
 
 constexpr char clap_gui_id[] = "clap.gui";
-constexpr char CLAP_WINDOW_API_X11[] = "x11"; ///< sizes are physical pixels
+constexpr char CLAP_WINDOW_API_X11[] = "x11";     ///< sizes are physical pixels
+constexpr char CLAP_WINDOW_API_WIN32[] = "win32"; ///< these, too
+#if defined(_WIN32)
+constexpr const char* clap_system_window_api = CLAP_WINDOW_API_WIN32;
+#else
+constexpr const char* clap_system_window_api = CLAP_WINDOW_API_X11;
+#endif
 
 struct clap_window {
     const char* api;

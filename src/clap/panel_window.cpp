@@ -26,8 +26,7 @@ bool clap_panel_window::show() {
         return true;
     if (!parent || !open(parent))
         return false;
-    if (const auto* host = timers(instrument.p_host))
-        host->register_timer(instrument.p_host, idle_period_ms, &timer);
+    timers(instrument.p_host)->register_timer(instrument.p_host, idle_period_ms, &timer);
     idle();
     return true;
 }
@@ -67,13 +66,15 @@ clap_panel_window* window_of(const clap_plugin* plugin) {
     return clap_instrument_of(plugin).window.get();
 }
 
-/// Embedded in an X11 window, and in nothing else.
-bool is_api_supported(const clap_plugin*, const char* api, bool is_floating) {
-    return api && std::string_view(api) == CLAP_WINDOW_API_X11 && !is_floating;
+/// Embedded in a window of the system, and in nothing else. Without its host's timers the panel
+/// would stand still.
+bool is_api_supported(const clap_plugin* plugin, const char* api, bool is_floating) {
+    return api && std::string_view(api) == clap_system_window_api && !is_floating
+           && timers(clap_instrument_of(plugin).p_host);
 }
 
 bool get_preferred_api(const clap_plugin*, const char** api, bool* is_floating) {
-    *api = CLAP_WINDOW_API_X11;
+    *api = clap_system_window_api;
     *is_floating = false;
     return true;
 }

@@ -59,10 +59,7 @@ const clap_plugin_tail tail{.get = [](const clap_plugin* plugin) noexcept NONBLO
 const void* get_extension(const clap_plugin*, const char* id) {
     static constexpr clap_offer extensions[] = {
         {clap_audio_ports_id, &clap_audio_ports},
-#if !defined(_WIN32) // the panel's window is X11's
         {clap_gui_id, &clap_gui},
-        {clap_timer_support_id, &clap_timer},
-#endif
         {clap_note_ports_id, &clap_note_ports},
         {clap_params_id, &clap_parameters},
         {clap_preset_load_id, &clap_preset_loading},
@@ -71,6 +68,7 @@ const void* get_extension(const clap_plugin*, const char* id) {
         {clap_remote_controls_draft_id, &clap_remote_controls},
         {clap_state_id, &clap_state},
         {clap_tail_id, &tail},
+        {clap_timer_support_id, &clap_timer},
         {clap_voice_info_id, &clap_voices},
     };
     return clap_look_up(extensions, id);

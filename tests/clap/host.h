@@ -181,7 +181,8 @@ public:
     bool takes_events = true;
     int nb_rescans = 0;
     int nb_flushes = 0;
-    int nb_timers = 0;
+    bool has_timers = true;
+    int nb_timers = 0;  ///< that run
     std::string loaded; ///< the last preset's key
     int nb_refused = 0; ///< presets
 
@@ -206,7 +207,7 @@ private:
     }
     static hosted& of(const clap_host* host) { return *static_cast<hosted*>(host->host_data); }
 
-    static const void* get_extension(const clap_host*, const char* id) {
+    static const void* get_extension(const clap_host* asking, const char* id) {
         static const clap_host_params params{
             [](const clap_host* host, clap_param_rescan_flags) { ++of(host).nb_rescans; }, nullptr,
             [](const clap_host* host) { ++of(host).nb_flushes; }};
@@ -226,7 +227,7 @@ private:
             }};
         const std::pair<std::string_view, const void*> known[] = {
             {clap_params_id, &params},
-            {clap_timer_support_id, &timers},
+            {clap_timer_support_id, of(asking).has_timers ? &timers : nullptr},
             {clap_preset_load_id, &presets},
         };
         for (const auto& [name, extension] : known)

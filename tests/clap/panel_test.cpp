@@ -1,6 +1,8 @@
-#include "platform/display.h"
 #include "tests/clap/host.h"
 #include "tests/panel_picture/panel_picture.h"
+#ifndef _WIN32
+#include "platform/display.h"
+#endif
 
 namespace {
 
@@ -16,6 +18,7 @@ struct ClapPanel : testing::Test {
         return gui.set_parent(clap.plugin, &parent);
     }
     void idle() {
+        window.handle_messages();
         clap.extension<clap_plugin_timer_support>(clap_timer_support_id).on_timer(clap.plugin, 7);
     }
     void click(CPoint place) {
@@ -46,26 +49,31 @@ struct ClapPanel : testing::Test {
         return shown_difference(window, panel_picture(state));
     }
 
+#ifndef _WIN32
     display server{display::choice::unseen};
+#endif
     editor_window window{480, 400};
     hosted clap{};
     const clap_plugin_gui& gui = clap.extension<clap_plugin_gui>(clap_gui_id);
 };
 
 TEST_F(ClapPanel, ShowsTheInstrumentAndTellsTheHostOfItsUser) {
-    EXPECT_FALSE(create(CLAP_WINDOW_API_X11, true));
+    EXPECT_FALSE(create(clap_system_window_api, true));
     EXPECT_FALSE(create("wayland", false));
     EXPECT_FALSE(create(nullptr, false));
+    clap.has_timers = false;
+    EXPECT_FALSE(create(clap_system_window_api, false));
+    clap.has_timers = true;
     EXPECT_FALSE(gui.show(clap.plugin));
-    ASSERT_TRUE(create(CLAP_WINDOW_API_X11, false));
-    EXPECT_FALSE(create(CLAP_WINDOW_API_X11, false));
+    ASSERT_TRUE(create(clap_system_window_api, false));
+    EXPECT_FALSE(create(clap_system_window_api, false));
     std::uint32_t width = 1, height = 1;
     EXPECT_TRUE(gui.adjust_size(clap.plugin, &width, &height));
     EXPECT_TRUE(width == 480 && height == 400 && gui.set_size(clap.plugin, 480, 400));
     EXPECT_FALSE(gui.set_size(clap.plugin, 480, 401));
     EXPECT_FALSE(gui.show(clap.plugin)) << "in no window";
-    EXPECT_FALSE(set_parent("win32"));
-    ASSERT_TRUE(set_parent(CLAP_WINDOW_API_X11));
+    EXPECT_FALSE(set_parent("cocoa"));
+    ASSERT_TRUE(set_parent(clap_system_window_api));
     ASSERT_TRUE(gui.show(clap.plugin));
     EXPECT_EQ(clap.nb_timers, 1);
     EXPECT_EQ(differs(), "");
@@ -102,7 +110,7 @@ TEST_F(ClapPanel, FollowsAStateAndARate) {
     stream saved;
     const clap_ostream out{&saved, stream::write};
     ASSERT_TRUE(other.extension<clap_plugin_state>(clap_state_id).save(other.plugin, &out));
-    ASSERT_TRUE(create(CLAP_WINDOW_API_X11, false) && set_parent(CLAP_WINDOW_API_X11)
+    ASSERT_TRUE(create(clap_system_window_api, false) && set_parent(clap_system_window_api)
                 && gui.show(clap.plugin));
     for (int i = 0; i < 3; ++i) {
         stream from{saved.text};
