@@ -132,12 +132,14 @@ clap_event_param_value clap_value_event(clap_id id, double value) noexcept {
 }
 
 void clap_send_edits(clap_instrument& instrument, const clap_output_events* list) noexcept {
-    instrument.edits.take([=](const clap_edit& edit) noexcept NONBLOCKING {
-        return edit.type == CLAP_EVENT_PARAM_VALUE
-                   ? clap_send(list, clap_value_event(edit.param_id, edit.value), edit.type, 0)
-                   : clap_send(list, clap_event_param_gesture{.header{}, .param_id = edit.param_id},
-                               edit.type, 0);
-    });
+    for (; const clap_edit* const edit = instrument.edits.first(); instrument.edits.drop_first()) {
+        const bool is_taken =
+            edit->type == CLAP_EVENT_PARAM_VALUE
+                ? clap_send(list, clap_value_event(edit->param_id, edit->value), edit->type, 0)
+                : clap_send(list, clap_event_param_gesture{{}, edit->param_id}, edit->type, 0);
+        if (!is_taken)
+            break;
+    }
 }
 
 void clap_tell_of_values(const clap_host* host) {

@@ -2,16 +2,23 @@
 /// The plug-in that a CLAP host talks to: it adapts the host's calls to the instrument. This is the
 /// object behind the record that the host holds; each of its extensions has a file of its own.
 
-#include "clap/edit_queue.h"
 #include "clap/interface.h"
 #include "clap/panel_window.h"
 #include "clap/voices.h"
 #include "instrument/instrument.h"
+#include "realtime/ring.h"
 
 #include <cstdint>
 #include <memory>
 
 extern const clap_plugin_descriptor clap_descriptor;
+
+/// What the user does on the panel.
+struct clap_edit {
+    clap_event_type type = CLAP_EVENT_PARAM_VALUE; ///< or a gesture's begin or end
+    clap_id param_id = 0;
+    double value = 0;
+};
 
 struct clap_instrument {
     explicit clap_instrument(const clap_host* host);
@@ -23,7 +30,7 @@ struct clap_instrument {
     std::uint32_t tail_long = 0; ///< frames at the rate that is set
 
     std::unique_ptr<clap_panel_window> window{}; ///< the main thread's; null while there is none
-    clap_edit_queue edits{};                     ///< made on it
+    ring<clap_edit> edits{};                     ///< made on it, for the host
 };
 
 /// [any]
