@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <limits>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -26,8 +26,10 @@ Event make_event(std::uint16_t type, int frame) {
     return made;
 }
 
-bool take_nothing(const clap_output_events*, const clap_event_header*) noexcept NONBLOCKING {
-    return true;
+/// From 0 to 1.
+float share(const clap_param_info& info, double value) noexcept NONBLOCKING {
+    const double range = info.max_value - info.min_value;
+    return range > 0 ? static_cast<float>((value - info.min_value) / range) : 0.0f;
 }
 
 const clap_host_params host_params{
@@ -36,7 +38,10 @@ const clap_host_params host_params{
     .request_flush = [](const clap_host*) {}};
 
 const void* host_extension(const clap_host*, const char* id) {
-    return std::strcmp(id, clap_params_id) == 0 ? &host_params : nullptr;
+    const std::string_view asked = id;
+    if (asked == clap_timer_support_id)
+        return &clap_editor::timer_support;
+    return asked == clap_params_id ? &host_params : nullptr;
 }
 
 void ignore(const clap_host*) {}
@@ -48,7 +53,7 @@ loaded_clap::loaded_clap(const std::filesystem::path& file, library::in_the_end 
       library_{file, then},
       path_{std::filesystem::absolute(file).string()},
       host_{.clap_version = clap_interface_version,
-            .host_data = this,
+            .host_data = &editor_,
             .name = "Tindelwax command",
             .vendor = "Quenmar",
             .url = "",
@@ -56,7 +61,7 @@ loaded_clap::loaded_clap(const std::filesystem::path& file, library::in_the_end 
             .get_extension = host_extension,
             .request_restart = ignore,
             .request_process = ignore,
-            .request_callback = ignore},
+            .request_callback = clap_editor::request_callback},
       entry_{static_cast<const clap_plugin_entry*>(library_.find("clap_entry"))} {
     const auto refuse = [&](const std::string& why) {
         throw failure{exit_misused, file.string() + " " + why};
@@ -80,10 +85,12 @@ loaded_clap::loaded_clap(const std::filesystem::path& file, library::in_the_end 
         params_->get_info(plugin_, i, &infos_[i]);
         settings_[i] = no_setting;
     }
+    editor_.attach(plugin_);
 }
 
 loaded_clap::~loaded_clap() {
     stop();
+    editor_.close();
     plugin_->destroy(plugin_);
     entry_->deinit();
 }
@@ -163,8 +170,7 @@ float loaded_clap::parameter(int index) {
     double value = settings_[static_cast<std::size_t>(index)].load(std::memory_order_relaxed);
     if (std::isnan(value))
         params_->get_value(plugin_, info.id, &value);
-    const double range = info.max_value - info.min_value;
-    return range > 0 ? static_cast<float>((value - info.min_value) / range) : 0.0f;
+    return share(info, value);
 }
 
 void loaded_clap::set_parameter(int index, float value) {
@@ -218,7 +224,7 @@ void loaded_clap::hand_over_settings() {
     std::vector<event> waiting = std::exchange(events_, {});
     take_settings();
     const clap_input_events in = list_of(events_);
-    const clap_output_events out{.ctx = nullptr, .try_push = take_nothing};
+    const clap_output_events out{.ctx = this, .try_push = hear};
     params_->flush(plugin_, &in, &out);
     events_ = std::move(waiting);
 }
@@ -236,6 +242,39 @@ void loaded_clap::resume(host_activity) {
 void loaded_clap::suspend() {
     plugin_->stop_processing(plugin_);
     plugin_->deactivate(plugin_);
+}
+
+/// What a controller has moved, which hosts do not record, is nobody's edit.
+bool loaded_clap::hear(const clap_output_events* told, const clap_event_header* event) noexcept {
+    auto& self = *static_cast<loaded_clap*>(told->ctx);
+    if (event->space_id != CLAP_CORE_EVENT_SPACE_ID || event->flags & CLAP_EVENT_DONT_RECORD)
+        return true;
+    const auto put = [&self](panel_edit::step what, clap_id id, double value) noexcept NONBLOCKING {
+        for (std::size_t i = 0; i < self.infos_.size(); ++i)
+            if (self.infos_[i].id == id)
+                self.edits_.put({what, static_cast<int>(i), share(self.infos_[i], value)});
+    };
+    if (event->type == CLAP_EVENT_PARAM_VALUE) {
+        const auto& moved = reinterpret_cast<const clap_event_param_value&>(*event);
+        put(panel_edit::step::sets, moved.param_id, moved.value);
+    } else if (event->type == CLAP_EVENT_PARAM_GESTURE_BEGIN
+               || event->type == CLAP_EVENT_PARAM_GESTURE_END) {
+        const auto& gesture = reinterpret_cast<const clap_event_param_gesture&>(*event);
+        put(event->type == CLAP_EVENT_PARAM_GESTURE_BEGIN ? panel_edit::step::begins
+                                                          : panel_edit::step::ends,
+            gesture.param_id, 0);
+    }
+    return true;
+}
+
+/// While no block is played, nobody else takes what the panel tells.
+void loaded_clap::idle_editor() {
+    editor_.idle();
+    if (!runs())
+        hand_over_settings();
+    for (; const panel_edit* const edit = edits_.first(); edits_.drop_first())
+        if (listener_)
+            listener_(*edit);
 }
 
 void loaded_clap::send(event_list& events) {
@@ -271,7 +310,7 @@ void loaded_clap::add(message_view message, int frame) {
 void loaded_clap::process(channel_memory, channel_memory outputs, int nb_frames) {
     take_settings();
     const clap_input_events in = list_of(events_);
-    const clap_output_events out{.ctx = nullptr, .try_push = take_nothing};
+    const clap_output_events out{.ctx = this, .try_push = hear};
     clap_audio_buffer output{.data32 = const_cast<float**>(outputs.data()),
                              .data64 = nullptr,
                              .channel_count = nb_channels_,

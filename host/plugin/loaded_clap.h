@@ -4,7 +4,9 @@
 
 #include "clap/interface.h"
 #include "platform/library.h"
+#include "plugin/clap_editor.h"
 #include "plugin/plugin.h"
+#include "realtime/ring.h"
 
 #include <atomic>
 
@@ -31,6 +33,15 @@ public:
     using plugin::process;
     void process(channel_memory inputs, channel_memory outputs, int nb_frames) override;
 
+    [[nodiscard]] bool has_editor() const override { return editor_.exists(); }
+    editor_extent editor_size() override { return editor_.size(); }
+    bool open_editor(void* window) override { return editor_.open(window); }
+    void close_editor() override { editor_.close(); }
+    void idle_editor() override;
+    void set_listener(const std::function<void(const panel_edit&)>& listener) override {
+        listener_ = listener;
+    }
+
 protected:
     void set_up() override {}
     void resume(host_activity for_what) override;
@@ -43,6 +54,9 @@ private:
         clap_event_note note;
         clap_event_midi midi;
     };
+
+    static bool hear(const clap_output_events* told,
+                     const clap_event_header* event) noexcept NONBLOCKING;
 
     template <typename Extension>
     const Extension* extension(const char* id) const;
@@ -65,4 +79,7 @@ private:
     std::uint32_t nb_channels_ = 0;               ///< of the first output port
     std::uint32_t dialects_ = 0;                  ///< of the first note port
     std::vector<event> events_{};                 ///< of the next block
+    clap_editor editor_{};
+    ring<panel_edit> edits_{}; ///< on their way from the block that told of them
+    std::function<void(const panel_edit&)> listener_{};
 };

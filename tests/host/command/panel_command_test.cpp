@@ -30,6 +30,7 @@ TEST_F(PanelCommand, ShowsOurOwnPanelAndItsSwitches) {
     ASSERT_EQ(large.width, 1440);
     ASSERT_EQ(large.height, 1200);
     const picture turned = pictured({"--set", "Vibrato=on"}, TEST_INSTRUMENT);
+    EXPECT_EQ(pictured({"--set", "Vibrato=on"}, TEST_CLAP), turned);
     int nb_different = 0;
     for (int y = 0; y < plain.height; ++y)
         for (int x = 0; x < plain.width; ++x) {
