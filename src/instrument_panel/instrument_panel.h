@@ -14,6 +14,7 @@ public:
     [[nodiscard]] int width() const { return panel.getWidth(); }
     [[nodiscard]] int height() const { return panel.getHeight(); }
     [[nodiscard]] bool is_open() const { return panel.isOpen(); }
+    [[nodiscard]] void* handle() const { return panel.getHandle(); } ///< of its window, while open
 
     /// Returns whether it can be shown in the host's window.
     bool open(void* parent);

@@ -53,6 +53,7 @@ public:
     bool open(void* parent);
     void close(); ///< where that ends a gesture, the host may end the panel
     [[nodiscard]] bool isOpen() const { return bool(frame); }
+    [[nodiscard]] void* getHandle() const { return frame->getHandle(); } ///< of its window, open
 
     /// Takes what has changed and redraws, unless it is already about it.
     void idle();

@@ -22,6 +22,7 @@ public:
     CFrame(const CRect& size, void* parent, CFrameOwner* owner);
 
     [[nodiscard]] bool isOpen() const { return window != nullptr; } ///< false: it cannot be shown
+    [[nodiscard]] void* getHandle() const { return window->getHandle(); } ///< while it is open
 
     void setBackground(CBitmap* bitmap);
 

@@ -30,6 +30,9 @@ class PlatformWindow {
 public:
     virtual ~PlatformWindow() = default;
 
+    /// As the system knows it, see `parent` below.
+    [[nodiscard]] virtual void* getHandle() = 0;
+
     /// Shows an area of the picture at the same place of the window. A display that does not
     /// answer gets it as it then is, once it does: nobody waits for it.
     virtual void put(const CRect& area) = 0;

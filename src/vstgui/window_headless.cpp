@@ -18,6 +18,8 @@ public:
             parent.listener = nullptr;
     }
 
+    void* getHandle() override { return this; }
+
     void put(const CRect& area) override {
         parent.puts.push_back(area);
         const CRect shown = area.intersection(picture.bounds());

@@ -31,6 +31,7 @@ public:
     bool create(HWND parent);
 
     void put(const CRect& area) override;
+    void* getHandle() override { return window; }
     void handleEvents() override {} // the host's message loop brings them
 
 private:

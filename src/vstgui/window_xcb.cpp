@@ -55,6 +55,9 @@ public:
     /// Returns whether the window is there.
     bool create(xcb_window_t parent, const xcb_screen_t& screen);
 
+    void* getHandle() override {
+        return reinterpret_cast<void*>(static_cast<std::uintptr_t>(window));
+    }
     void put(const CRect& area) override;
     void handleEvents() override;
 
