@@ -1,5 +1,6 @@
 /// The library's door: the one plug-in that it offers, by the interface's table of functions.
 
+#include "lv2/features.h"
 #include "lv2/organ.h"
 #include "lv2/ports.h"
 
@@ -12,16 +13,9 @@ lv2_organ* organ_of(LV2_Handle instance) noexcept NONBLOCKING {
     return static_cast<lv2_organ*>(instance);
 }
 
-const LV2_URID_Map* find_map(const LV2_Feature* const* features) {
-    for (; features && *features; ++features)
-        if (std::strcmp((*features)->URI, LV2_URID__map) == 0)
-            return static_cast<const LV2_URID_Map*>((*features)->data);
-    return nullptr;
-}
-
 LV2_Handle instantiate(const LV2_Descriptor*, double sampling_rate, const char*,
                        const LV2_Feature* const* features) {
-    const LV2_URID_Map* const p_map = find_map(features);
+    const auto* const p_map = lv2_feature<const LV2_URID_Map>(features, LV2_URID__map);
     return p_map ? new lv2_organ(sampling_rate, *p_map) : nullptr;
 }
 
