@@ -36,6 +36,8 @@ public:
     /// of them; where there is no state that could be taken over, nothing changes. [setup]
     LV2_State_Status restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle host);
 
+    instrument played{}; ///< for its panel, too
+
 private:
     struct parameter_port {
         const float* p_value = nullptr; ///< the host's; null until connected
@@ -52,7 +54,6 @@ private:
     void restore_ports(LV2_State_Retrieve_Function retrieve, LV2_State_Handle host);
 
     urids urid;
-    instrument played{};
     std::vector<parameter_port> parameter_ports;
     const LV2_Atom_Sequence* p_midi = nullptr;
     float* p_left = nullptr;

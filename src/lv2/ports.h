@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #define TINDELWAX_URI "https://quenmar.example/tindelwax"
+#define TINDELWAX_PANEL_URI TINDELWAX_URI "#panel"
 
 enum lv2_port : std::uint32_t {
     port_midi,

@@ -17,6 +17,7 @@
 #include <fstream>
 #include <iomanip>
 #include <iterator>
+#include <lv2/instance-access/instance-access.h>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,7 @@ struct preset {
 };
 
 constexpr const char* plugin = "<" TINDELWAX_URI ">";
+constexpr const char* panel = "<" TINDELWAX_PANEL_URI ">";
 constexpr const char* output_group = "<" TINDELWAX_URI "#output>";
 constexpr const char* stops_group = "<" TINDELWAX_URI "#stops>";
 
@@ -48,6 +50,7 @@ constexpr const char* prefixes = R"(@prefix atom: <http://lv2plug.in/ns/ext/atom
 @prefix pset: <http://lv2plug.in/ns/ext/presets#> .
 @prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .
 @prefix state: <http://lv2plug.in/ns/ext/state#> .
+@prefix ui: <http://lv2plug.in/ns/extensions/ui#> .
 @prefix units: <http://lv2plug.in/ns/extensions/units#> .
 @prefix urid: <http://lv2plug.in/ns/ext/urid#> .
 
@@ -101,6 +104,9 @@ void begin_preset(std::ostream& out, const preset& described) {
 
 void write_manifest(std::ostream& out, const std::vector<preset>& presets) {
     out << prefixes << plugin << "\n    a lv2:Plugin";
+    say(out, "lv2:binary", "<tindelwax.so>");
+    say(out, "rdfs:seeAlso", "<tindelwax.ttl> .\n\n");
+    out << panel << "\n    a ui:X11UI";
     say(out, "lv2:binary", "<tindelwax.so>");
     say(out, "rdfs:seeAlso", "<tindelwax.ttl> .\n");
     for (const preset& one : presets) {
@@ -168,10 +174,19 @@ void write_group(std::ostream& out, const char* uri, const char* kinds, const ch
     out << " .\n\n";
 }
 
+void write_panel(std::ostream& out) {
+    out << panel << "\n    a ui:X11UI";
+    say(out, "lv2:requiredFeature", "ui:parent , ui:idleInterface");
+    say(out, "lv2:optionalFeature",
+        "<" LV2_INSTANCE_ACCESS_URI "> , ui:resize , ui:touch , ui:fixedSize , ui:noUserResize");
+    say(out, "lv2:extensionData", "ui:idleInterface .\n\n");
+}
+
 void write_description(std::ostream& out, const control& registry) {
     out << prefixes;
     write_group(out, output_group, "pg:OutputGroup , pg:StereoGroup", "output", "Output");
     write_group(out, stops_group, "pg:InputGroup", "stops", "Stops");
+    write_panel(out);
     out << plugin << "\n    a lv2:Plugin , lv2:InstrumentPlugin , doap:Project";
     say_text(out, "doap:name", registry.name);
     say_text(out, "rdfs:comment", "An electronic organ with a split bass section.");
@@ -183,6 +198,7 @@ void write_description(std::ostream& out, const control& registry) {
     say(out, "lv2:optionalFeature", "lv2:hardRTCapable");
     say(out, "lv2:extensionData", "state:interface");
     say(out, "pg:mainOutput", output_group);
+    say(out, "ui:ui", panel);
     say(out, "lv2:port", "");
     write_midi_port(out);
     write_audio_port(out, port_left, "left", "Left");

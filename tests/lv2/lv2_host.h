@@ -13,6 +13,7 @@
 #include <lv2/core/lv2.h>
 #include <lv2/midi/midi.h>
 #include <lv2/state/state.h>
+#include <lv2/ui/ui.h>
 #include <lv2/urid/urid.h>
 #include <map>
 #include <numeric>
@@ -27,10 +28,19 @@ inline LV2_URID urid(const std::string& uri) {
     return known.try_emplace(uri, static_cast<LV2_URID>(known.size()) + 1).first->second;
 }
 
-inline const LV2_Descriptor* lv2_entry(std::uint32_t index) {
+template <typename Door>
+auto lv2_door(const char* name, std::uint32_t index) {
     static const library loaded{TEST_LV2_LIBRARY};
-    const auto entry = reinterpret_cast<LV2_Descriptor_Function>(loaded.find("lv2_descriptor"));
-    return entry ? entry(index) : nullptr;
+    const auto door = reinterpret_cast<Door>(loaded.find(name));
+    return door ? door(index) : nullptr;
+}
+
+inline const LV2_Descriptor* lv2_entry(std::uint32_t index) {
+    return lv2_door<LV2_Descriptor_Function>("lv2_descriptor", index);
+}
+
+inline const LV2UI_Descriptor* panel_entry(std::uint32_t index) {
+    return lv2_door<LV2UI_DescriptorFunction>("lv2ui_descriptor", index);
 }
 
 /// Events one after the other, in room that has bytes behind the last.
