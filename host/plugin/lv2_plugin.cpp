@@ -51,9 +51,13 @@ lv2_plugin::lv2_plugin(const std::filesystem::path& bundle)
     }
     if (!plugin_)
         throw failure{exit_failed, bundle.string() + " holds no LV2 instrument"};
+    editor_.attach(world_.get(), plugin_);
 }
 
-lv2_plugin::~lv2_plugin() { stop(); }
+lv2_plugin::~lv2_plugin() {
+    editor_.close();
+    stop();
+}
 
 lv2_plugin::lilv_owned<LilvNode> lv2_plugin::node(const char* uri) const {
     return lilv_owned<LilvNode>{lilv_new_uri(world_.get(), uri)};
@@ -140,8 +144,8 @@ std::string lv2_plugin::parameter_name(int index) {
 
 /// A scale point's name, or the number with its unit.
 std::string lv2_plugin::parameter_text(int index) {
-    const port& told = ports_[parameters_[static_cast<std::size_t>(index)].number];
-    const float value = told.values[0];
+    port& told = ports_[parameters_[static_cast<std::size_t>(index)].number];
+    const float value = told.value();
     const lilv_owned<LilvScalePoints> points{lilv_port_get_scale_points(plugin_, told.described)};
     for (LilvIter* i = lilv_scale_points_begin(points.get());
          !lilv_scale_points_is_end(points.get(), i); i = lilv_scale_points_next(points.get(), i)) {
@@ -162,12 +166,12 @@ std::string lv2_plugin::parameter_text(int index) {
 
 float lv2_plugin::parameter(int index) {
     const auto& [number, least, most] = parameters_[static_cast<std::size_t>(index)];
-    return (ports_[number].values[0] - least) / (most - least);
+    return (ports_[number].value() - least) / (most - least);
 }
 
 void lv2_plugin::set_parameter(int index, float value) {
     const auto& [number, least, most] = parameters_[static_cast<std::size_t>(index)];
-    ports_[number].values[0] = least + value * (most - least);
+    ports_[number].set_value(least + value * (most - least));
 }
 
 void lv2_plugin::set_up() {
@@ -191,6 +195,7 @@ void lv2_plugin::set_up() {
     for (const auto& feature : features)
         offered.push_back(&feature);
     offered.push_back(nullptr);
+    editor_.close();
     instance_.reset(); // some cannot be there twice
     instance_.reset(lilv_plugin_instantiate(plugin_, rate_hz_, offered.data()));
     if (!instance_)
@@ -210,6 +215,52 @@ void lv2_plugin::set_up() {
             midi_input_ = &connected;
     }
     empty_sequences();
+    if (window_)
+        show_editor();
+}
+
+/// An editor may look at the instance itself, which hears its ports as it plays.
+bool lv2_plugin::open_editor(void* window) {
+    if (!instance_)
+        prepare(rate_hz_, block_frames_);
+    if (!runs()) {
+        start();
+        process();
+        stop();
+    }
+    window_ = window;
+    if (!show_editor())
+        window_ = nullptr;
+    return window_;
+}
+
+bool lv2_plugin::show_editor() {
+    return editor_.open(window_, lilv_instance_get_handle(instance_.get()), map_,
+                        [this](panel_edit::step what, std::uint32_t number, float value) {
+                            hear(what, number, value);
+                        });
+}
+
+void lv2_plugin::close_editor() {
+    editor_.close();
+    window_ = nullptr;
+}
+
+void lv2_plugin::idle_editor() {
+    for (std::uint32_t i = 0; i < ports_.size(); ++i)
+        if (ports_[i].is_control)
+            editor_.show(i, ports_[i].value());
+    editor_.idle();
+}
+
+void lv2_plugin::hear(panel_edit::step what, std::uint32_t number, float value) {
+    if (number >= ports_.size() || !ports_[number].is_control || !ports_[number].is_input)
+        return;
+    if (what == panel_edit::step::sets)
+        ports_[number].set_value(value);
+    for (std::size_t i = 0; listener_ && i < parameters_.size(); ++i)
+        if (parameters_[i].number == number)
+            listener_({what, static_cast<int>(i), parameter(static_cast<int>(i))});
 }
 
 void lv2_plugin::resume(host_activity) { lilv_instance_activate(instance_.get()); }

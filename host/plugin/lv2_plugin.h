@@ -1,8 +1,9 @@
 #pragma once
 /// An LV2 instrument as the command's, known by nothing but what its bundle says and its binary
 /// interface. One thread at a time may use it; what the plug-in wants done outside of its blocks is
-/// done between them, at once.
+/// done between them, at once. The editor may set parameters meanwhile.
 
+#include "plugin/lv2_editor.h"
 #include "plugin/plugin.h"
 
 #include <lilv/lilv.h>
@@ -10,6 +11,7 @@
 #include <lv2/urid/urid.h>
 #include <lv2/worker/worker.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
@@ -38,6 +40,15 @@ public:
     using plugin::process;
     void process(channel_memory inputs, channel_memory outputs, int nb_frames) override;
 
+    [[nodiscard]] bool has_editor() const override { return editor_.exists(); }
+    editor_extent editor_size() override { return editor_.size(); }
+    bool open_editor(void* window) override;
+    void close_editor() override;
+    void idle_editor() override;
+    void set_listener(const std::function<void(const panel_edit&)>& listener) override {
+        listener_ = listener;
+    }
+
 protected:
     /// Makes the plug-in anew, for its rate never changes; parameters stay where they are.
     void set_up() override;
@@ -64,6 +75,13 @@ private:
         bool is_control = false;
 
         LV2_Atom_Sequence* events() { return reinterpret_cast<LV2_Atom_Sequence*>(atoms.data()); }
+        /// A control's.
+        [[nodiscard]] float value() {
+            return std::atomic_ref{values[0]}.load(std::memory_order_relaxed);
+        }
+        void set_value(float value) {
+            std::atomic_ref{values[0]}.store(value, std::memory_order_relaxed);
+        }
         [[nodiscard]] std::uint32_t room() const; ///< bytes behind the sequence's own header
     };
 
@@ -77,6 +95,8 @@ private:
     static std::string text(LilvNode* said);
     LV2_URID number(const char* uri); ///< from 1 on; plug-ins may ask on any thread
     bool describe_ports();            ///< returns whether it is an instrument's
+    bool show_editor();               ///< in its window
+    void hear(panel_edit::step what, std::uint32_t number, float value);
     void empty_sequences();
     LV2_Worker_Status work(std::uint32_t size, const void* data);
 
@@ -95,4 +115,7 @@ private:
     std::vector<std::vector<std::byte>> responses_{}; ///< the worker's, until the block ends
     const LV2_Worker_Interface* worker_ = nullptr;
     lilv_owned<LilvInstance> instance_{};
+    lv2_editor editor_{};
+    void* window_ = nullptr; ///< that the editor is open in
+    std::function<void(const panel_edit&)> listener_{};
 };

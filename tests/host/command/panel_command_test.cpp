@@ -30,7 +30,8 @@ TEST_F(PanelCommand, ShowsOurOwnPanelAndItsSwitches) {
     ASSERT_EQ(large.width, 1440);
     ASSERT_EQ(large.height, 1200);
     const picture turned = pictured({"--set", "Vibrato=on"}, TEST_INSTRUMENT);
-    EXPECT_EQ(pictured({"--set", "Vibrato=on"}, TEST_CLAP), turned);
+    for (const char* file : {TEST_CLAP, TEST_LV2})
+        EXPECT_EQ(pictured({"--set", "Vibrato=on"}, file), turned) << file;
     int nb_different = 0;
     for (int y = 0; y < plain.height; ++y)
         for (int x = 0; x < plain.width; ++x) {
