@@ -57,15 +57,17 @@ std::optional<float> parameter_value(const parameter& param, std::string_view te
         return 0.0f;
 
     double number = 0;
-    const auto [rest, error] = std::from_chars(text.begin(), text.end(), number);
-    const std::string_view unit = trimmed({rest, text.end()});
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    const auto [rest, error] = std::from_chars(begin, end, number);
+    const std::string_view unit = trimmed({rest, end});
     if (error != std::errc{} || !std::isfinite(number)
         || !(unit.empty() || is_word(unit, param.unit)))
         return std::nullopt;
 
     // Texts are truncated: where a number has another text than its own, half a digit more has it.
     const auto nb_decimals =
-        static_cast<double>(rest - std::min(std::find(text.begin(), rest, '.') + 1, rest));
+        static_cast<double>(rest - std::min(std::find(begin, rest, '.') + 1, rest));
     const double half_digit = std::copysign(0.5 * std::pow(10.0, -nb_decimals), number);
     for (const double read : {number, number + half_digit})
         if (parameter_text(param, value_of_number(param, read)) == text)
