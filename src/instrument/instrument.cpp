@@ -13,7 +13,10 @@ std::uint32_t draw_seed() {
 
 } // namespace
 
-instrument::instrument() : seed(draw_seed()), newest(make().release()), current(newest) {}
+instrument::instrument() : instrument(draw_seed()) {}
+
+instrument::instrument(std::uint32_t its_seed)
+    : seed(its_seed), newest(make().release()), current(newest) {}
 
 instrument::~instrument() {
     delete coming.load();

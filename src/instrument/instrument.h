@@ -19,6 +19,7 @@ class instrument {
 public:
     /// Draws its seed from the system, where the environment asks for none. [setup]
     instrument();
+    explicit instrument(std::uint32_t its_seed); ///< [setup]
     ~instrument();
     instrument(const instrument&) = delete;
     instrument& operator=(const instrument&) = delete;
