@@ -13,14 +13,20 @@ target_compile_options(
               $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
               # GCC 12's library deprecates functions that it calls itself.
               $<$<CXX_COMPILER_ID:Clang>:-Wno-deprecated-declarations>
-              # Every processor and both widths give the same samples: SSE arithmetic, operations in
-              # the written order, no contraction into fused multiply-adds.
-              -msse2
-              -mfpmath=sse
+              # Every processor and both widths give the same samples: SSE arithmetic or the like,
+              # operations in the written order, no contraction into fused multiply-adds.
+              $<IF:$<BOOL:${WASM}>,-msimd128,-msse2;-mfpmath=sse>
               -ffp-contract=off
               # 32-bit Windows hosts align the stack to 4 bytes only, and what the vector unit spills
               # needs 16.
               $<$<AND:$<BOOL:${WIN32}>,$<EQUAL:${CMAKE_SIZEOF_VOID_P},4>>:-mstackrealign>)
+
+# A page has the whole engine at once, the smaller the better. Faults stay within its memory.
+if(WASM)
+    target_compile_options(tindelwax_options INTERFACE -flto -fno-exceptions -fno-rtti)
+    target_link_options(tindelwax_options INTERFACE -flto LINKER:--strip-all)
+    return()
+endif()
 
 # Where a fault writes past its room, a release ends instead of going on. (0.3 % more instructions for
 # a render, the same samples.)
