@@ -38,6 +38,9 @@ test_packages=(
     jackd2 pipewire pipewire-jack pulseaudio libasound2-plugins sox sordi valgrind)
 peer_packages=(setbfree yoshimi)
 clang_packages=(clang-22 libclang-rt-22-dev llvm-22)
+wasm_packages=(
+    clang-22 llvm-22 lld-22 libc++-22-dev-wasm32 libc++abi-22-dev-wasm32 libclang-rt-22-dev-wasm32
+    wasi-libc nodejs)
 windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
 package_packages=(nsis dpkg-dev file fakeroot)
 wine_packages=(wine wine64 wine32:i386)
