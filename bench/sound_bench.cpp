@@ -27,7 +27,7 @@ void second_of_sound(benchmark::State& state) {
 
 BENCHMARK(second_of_sound)
     ->ArgNames({"keys", "block", "plain"})
-    ->ArgsProduct({{0, 1, 10, 49}, {64, 256}, {fast, plain}})
+    ->ArgsProduct({{0, 1, 10, 49}, {64, 128, 256}, {fast, plain}})
     ->ArgsProduct({{49}, {100, 441}, {fast, plain}})
     ->Unit(benchmark::kMillisecond);
 
