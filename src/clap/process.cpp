@@ -6,13 +6,13 @@
 #include "midi/midi.h"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
+#include <bit>
 #include <span>
 
 namespace {
 
-constexpr clap_event_note every_note{
-    .header{}, .note_id = -1, .port_index = -1, .channel = -1, .key = -1, .velocity = 0};
+constexpr clap_event_note every_note{{}, -1, -1, -1, -1, 0};
 
 /// A velocity of 0 is a note, too.
 int midi_velocity(double velocity) noexcept NONBLOCKING {
@@ -77,24 +77,17 @@ private:
     /// Of all whose key has ended its release, or never was. A host that does not take it is told
     /// again after the next block.
     void report_ends() noexcept NONBLOCKING {
-        sounding.for_each(every_note, [this](const voices::voice& voice) noexcept NONBLOCKING {
-            if (player_sounds(&playing, voice.key))
-                return;
-            const clap_event_note ended{.header{},
-                                        .note_id = voice.note_id,
-                                        .port_index = 0,
-                                        .channel = static_cast<std::int16_t>(voice.channel),
-                                        .key = static_cast<std::int16_t>(voice.key),
-                                        .velocity = 0};
-            if (clap_send(sent, ended, CLAP_EVENT_NOTE_END, last_frame))
+        sounding.for_each(every_note, [this](const clap_event_note& voice) noexcept NONBLOCKING {
+            if (!player_sounds(&playing, voice.key)
+                && clap_send(sent, voice, CLAP_EVENT_NOTE_END, last_frame))
                 sounding.end(voice);
         });
     }
 
-    void send_note(int kind, const voices::voice& voice, int velocity,
+    void send_note(int kind, const clap_event_note& voice, double velocity,
                    std::uint32_t frame) noexcept NONBLOCKING {
         send_midi({static_cast<char>(kind | voice.channel), static_cast<char>(voice.key),
-                   static_cast<char>(velocity)},
+                   static_cast<char>(midi_velocity(velocity))},
                   frame);
     }
 
@@ -111,15 +104,14 @@ private:
     void receive(const clap_event_header* event, std::uint32_t frame) noexcept NONBLOCKING {
         if (const auto* on = clap_event_as<clap_event_note>(event, CLAP_EVENT_NOTE_ON)) {
             if (sounding.begin(*on))
-                send_note(midi_note_on, {on->channel, on->key, on->note_id},
-                          midi_velocity(on->velocity), frame);
+                send_note(midi_note_on, *on, on->velocity, frame);
         } else if (const auto* off = clap_event_as<clap_event_note>(event, CLAP_EVENT_NOTE_OFF)) {
-            sounding.for_each(*off, [&](const voices::voice& voice) noexcept NONBLOCKING {
-                send_note(midi_note_off, voice, midi_velocity(off->velocity), frame);
+            sounding.for_each(*off, [&](const clap_event_note& voice) noexcept NONBLOCKING {
+                send_note(midi_note_off, voice, off->velocity, frame);
             });
         } else if (const auto* choked =
                        clap_event_as<clap_event_note>(event, CLAP_EVENT_NOTE_CHOKE)) {
-            sounding.for_each(*choked, [&](const voices::voice& voice) noexcept NONBLOCKING {
+            sounding.for_each(*choked, [&](const clap_event_note& voice) noexcept NONBLOCKING {
                 player_choke(&playing, voice.key);
             });
         } else if (const auto* moved =
@@ -127,9 +119,7 @@ private:
             clap_set_parameter(&playing, *moved);
         } else if (const auto* midi = clap_event_as<clap_event_midi>(event, CLAP_EVENT_MIDI)) {
             if (midi->port_index == 0)
-                send_midi({static_cast<char>(midi->data[0]), static_cast<char>(midi->data[1]),
-                           static_cast<char>(midi->data[2])},
-                          frame);
+                send_midi(std::bit_cast<std::array<char, 3>>(midi->data), frame);
         }
     }
 

@@ -11,7 +11,7 @@ bool voices::begin(const clap_event_note& note) noexcept {
     return true;
 }
 
-void voices::end(const voice& ended) noexcept {
+void voices::end(const clap_event_note& ended) noexcept {
     std::uint16_t& of_key = channels[static_cast<std::size_t>(ended.key)];
     of_key = static_cast<std::uint16_t>(of_key & ~(1 << ended.channel));
     --nb_voices;

@@ -14,12 +14,6 @@ constexpr int nb_midi_channels = 16;
 
 class voices {
 public:
-    struct voice {
-        int channel; ///< from 0
-        int key;
-        std::int32_t note_id; ///< -1: none
-    };
-
     [[nodiscard]] bool empty() const noexcept NONBLOCKING { return nb_voices == 0; }
 
     void clear() noexcept NONBLOCKING {
@@ -31,28 +25,28 @@ public:
     /// same channel and key is forgotten.
     bool begin(const clap_event_note& note) noexcept NONBLOCKING;
 
-    /// Calls the function for each voice that the address, of which each part may be -1, means. It
-    /// may end that voice.
+    /// Calls the function with the note that began each voice that the address, of which each part
+    /// may be -1, means. It may end that voice.
     template <typename Function>
     void for_each(const clap_event_note& address, Function function) noexcept NONBLOCKING {
         if (address.port_index > 0)
             return;
-        for (int key = 0; key < nb_midi_notes && !empty(); ++key) {
+        for (std::int16_t key = 0; key < nb_midi_notes && !empty(); ++key) {
             if (address.key != -1 && address.key != key)
                 continue;
             const auto index = static_cast<std::size_t>(key);
             for (unsigned rest = channels[index]; rest != 0; rest &= rest - 1) {
-                const int channel = std::countr_zero(rest);
+                const auto channel = static_cast<std::int16_t>(std::countr_zero(rest));
                 const std::int32_t id = ids[index][static_cast<std::size_t>(channel)];
                 // A note without an id would sound on for ever if ids did not mean it.
                 if ((address.channel == -1 || address.channel == channel)
                     && (address.note_id == -1 || id == -1 || address.note_id == id))
-                    function(voice{channel, key, id});
+                    function(clap_event_note{{}, id, 0, channel, key, 0});
             }
         }
     }
 
-    void end(const voice& ended) noexcept NONBLOCKING;
+    void end(const clap_event_note& ended) noexcept NONBLOCKING;
 
 private:
     std::array<std::uint16_t, nb_midi_notes> channels{}; ///< bit c: a voice of channel c
