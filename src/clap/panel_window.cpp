@@ -1,6 +1,7 @@
 #include "clap/panel_window.h"
 
 #include "clap/lookup.h"
+#include "clap/parameters.h"
 #include "clap/plugin.h"
 
 #include <cstdint>
@@ -41,15 +42,10 @@ void clap_panel_window::hide() {
 /// Where the host has taken nothing for long, it reads the values anew.
 void clap_panel_window::tell(clap_event_type type, int index, float value) {
     const auto* host = clap_host_extension<clap_host_params>(instrument.p_host, clap_params_id);
-    const bool is_put = instrument.edits.put({.type = type,
-                                              .param_id = static_cast<clap_id>(index),
-                                              .value = static_cast<double>(value)});
-    if (!host)
-        return;
-    if (is_put)
+    if (!instrument.edits.put({type, static_cast<clap_id>(index), value}))
+        clap_tell_of_values(instrument.p_host);
+    else if (host)
         host->request_flush(instrument.p_host);
-    else
-        host->rescan(instrument.p_host, CLAP_PARAM_RESCAN_VALUES);
 }
 
 void clap_panel_window::beginEdit(int index) { tell(CLAP_EVENT_PARAM_GESTURE_BEGIN, index); }

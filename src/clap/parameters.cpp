@@ -44,7 +44,7 @@ std::uint32_t count(const clap_plugin* plugin) {
 
 bool get_info(const clap_plugin* plugin, std::uint32_t param_index, clap_param_info* param_info) {
     const parameter* const p_param = find(&shown_player(plugin), param_index);
-    if (!p_param || !param_info)
+    if (!p_param)
         return false;
     *param_info = {.id = param_index,
                    .flags = CLAP_PARAM_IS_AUTOMATABLE,
@@ -121,14 +121,7 @@ void clap_set_parameter(player* p_player, const clap_event_param_value& event) n
 }
 
 clap_event_param_value clap_value_event(clap_id id, double value) noexcept {
-    return {.header{},
-            .param_id = id,
-            .cookie = nullptr,
-            .note_id = -1,
-            .port_index = -1,
-            .channel = -1,
-            .key = -1,
-            .value = value};
+    return {{}, id, nullptr, -1, -1, -1, -1, value};
 }
 
 void clap_send_edits(clap_instrument& instrument, const clap_output_events* list) noexcept {

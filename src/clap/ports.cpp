@@ -1,42 +1,34 @@
 #include "clap/ports.h"
 
 #include "clap/plugin.h"
-#include "clap/text.h"
 
 namespace {
 
-std::uint32_t count_audio(const clap_plugin*, bool is_input) { return is_input ? 0 : 1; }
-
-bool get_audio(const clap_plugin*, std::uint32_t index, bool is_input, clap_audio_port_info* info) {
-    if (is_input || index != 0 || !info)
+bool get_output(const clap_plugin*, std::uint32_t index, bool is_input,
+                clap_audio_port_info* info) {
+    if (is_input || index != 0)
         return false;
     *info = {.id = 0,
-             .name{},
+             .name = "Output",
              .flags = CLAP_AUDIO_PORT_IS_MAIN,
              .channel_count = 2,
              .port_type = CLAP_PORT_STEREO,
              .in_place_pair = CLAP_INVALID_ID};
-    clap_write_text(info->name, "Output");
     return true;
 }
 
-std::uint32_t count_notes(const clap_plugin*, bool is_input) { return is_input ? 1 : 0; }
-
-bool get_notes(const clap_plugin*, std::uint32_t index, bool is_input, clap_note_port_info* info) {
-    if (!is_input || index != 0 || !info)
+bool get_keys(const clap_plugin*, std::uint32_t index, bool is_input, clap_note_port_info* info) {
+    if (!is_input || index != 0)
         return false;
     *info = {.id = 0,
              .supported_dialects = CLAP_NOTE_DIALECT_CLAP | CLAP_NOTE_DIALECT_MIDI,
              .preferred_dialect = CLAP_NOTE_DIALECT_CLAP,
-             .name{}};
-    clap_write_text(info->name, "Keys");
+             .name = "Keys"};
     return true;
 }
 
 /// Every key has a voice, and one only.
 bool get_voices(const clap_plugin* plugin, clap_voice_info* info) {
-    if (!info)
-        return false;
     std::uint32_t nb_keys = 0;
     for (int note = 0; note < nb_midi_notes; ++note)
         nb_keys += player_has_key(&clap_instrument_of(plugin).played.shown(), note);
@@ -46,6 +38,9 @@ bool get_voices(const clap_plugin* plugin, clap_voice_info* info) {
 
 } // namespace
 
-const clap_plugin_audio_ports clap_audio_ports{count_audio, get_audio};
-const clap_plugin_note_ports clap_note_ports{count_notes, get_notes};
+const clap_plugin_audio_ports clap_audio_ports{
+    .count = [](const clap_plugin*, bool is_input) { return is_input ? 0u : 1u; },
+    .get = get_output};
+const clap_plugin_note_ports clap_note_ports{
+    .count = [](const clap_plugin*, bool is_input) { return is_input ? 1u : 0u; }, .get = get_keys};
 const clap_plugin_voice_info clap_voices{get_voices};

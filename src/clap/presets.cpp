@@ -6,7 +6,6 @@
 #include "factory_registrations/factory_registrations.h"
 #include "instrument/registration.h"
 
-#include <algorithm>
 #include <optional>
 #include <string_view>
 
@@ -24,6 +23,8 @@ constexpr provider_descriptor descriptor{.clap_version = clap_interface_version,
 
 /// The object behind the record that the host holds.
 struct registration_provider {
+    explicit registration_provider(const indexer* p_its_indexer);
+
     provider interface;
     const indexer* p_indexer; ///< outlives this
     instrument described{};   ///< whose registry knows what registrations name
@@ -42,8 +43,6 @@ bool init(const provider* p_provider) {
                                                 .location = nullptr};
     return p_indexer->declare_location(p_indexer, &inside);
 }
-
-void destroy(const provider* p_provider) { delete &provider_of(p_provider); }
 
 bool get_metadata(const provider* p_provider, std::uint32_t location_kind, const char*,
                   const receiver* told) {
@@ -65,28 +64,19 @@ bool get_metadata(const provider* p_provider, std::uint32_t location_kind, const
     return true;
 }
 
-const void* get_extension(const provider*, const char*) { return nullptr; }
-
-std::uint32_t count(const clap_preset_discovery_factory*) { return 1; }
-
-const provider_descriptor* get_descriptor(const clap_preset_discovery_factory*,
-                                          std::uint32_t index) {
-    return index == 0 ? &descriptor : nullptr;
+registration_provider::registration_provider(const indexer* p_its_indexer) : interface {
+    .desc = &descriptor, .provider_data = this, .init = init,
+    .destroy = [](const provider* ended) { delete &provider_of(ended); },
+    .get_metadata = get_metadata,
+    .get_extension = [](const provider*, const char*) -> const void* { return nullptr; }
+}, p_indexer(p_its_indexer) {
 }
 
 const provider* create(const clap_preset_discovery_factory*, const indexer* p_indexer,
                        const char* provider_id) {
     if (!p_indexer || !provider_id || std::string_view(provider_id) != descriptor.id)
         return nullptr;
-    auto* const made = new registration_provider{.interface = {.desc = &descriptor,
-                                                               .provider_data = nullptr,
-                                                               .init = init,
-                                                               .destroy = destroy,
-                                                               .get_metadata = get_metadata,
-                                                               .get_extension = get_extension},
-                                                 .p_indexer = p_indexer};
-    made->interface.provider_data = made;
-    return &made->interface; // destroy frees it
+    return &(new registration_provider(p_indexer))->interface; // destroy frees it
 }
 
 /// Null where the host does not listen.
@@ -96,13 +86,13 @@ const clap_host_preset_load* listener(const clap_host* host) {
     return found ? found : clap_host_extension<listening>(host, clap_preset_load_draft_id);
 }
 
-std::optional<registration> find(const char* load_key, const control& registry) {
-    const auto found = std::ranges::find_if(factory_registrations, [load_key](const auto& one) {
-        return load_key && std::string_view(one.key) == load_key;
-    });
-    if (found == factory_registrations.end())
-        return std::nullopt;
-    return registration_read(found->text, registry);
+std::optional<registration> find(std::uint32_t location_kind, const char* load_key,
+                                 const control& registry) {
+    if (location_kind == CLAP_PRESET_DISCOVERY_LOCATION_PLUGIN && load_key)
+        for (const auto& [key, text] : factory_registrations)
+            if (std::string_view(key) == load_key)
+                return registration_read(text, registry);
+    return std::nullopt;
 }
 
 bool from_location(const clap_plugin* plugin, std::uint32_t location_kind, const char* location,
@@ -111,9 +101,7 @@ bool from_location(const clap_plugin* plugin, std::uint32_t location_kind, const
     const clap_host* const host = self.p_host;
     const clap_host_preset_load* const told = listener(host);
     control& registry = *self.played.shown().p_control;
-    std::optional<registration> asked;
-    if (location_kind == CLAP_PRESET_DISCOVERY_LOCATION_PLUGIN)
-        asked = find(load_key, registry);
+    const auto asked = find(location_kind, load_key, registry);
     if (!asked) {
         if (told)
             told->on_error(host, location_kind, location, load_key, 0,
@@ -130,5 +118,9 @@ bool from_location(const clap_plugin* plugin, std::uint32_t location_kind, const
 
 } // namespace
 
-const clap_preset_discovery_factory clap_presets{count, get_descriptor, create};
+const clap_preset_discovery_factory clap_presets{
+    .count = [](const clap_preset_discovery_factory*) { return 1u; },
+    .get_descriptor = [](const clap_preset_discovery_factory*,
+                         std::uint32_t index) { return index == 0 ? &descriptor : nullptr; },
+    .create = create};
 const clap_plugin_preset_load clap_preset_loading{from_location};
