@@ -6,7 +6,6 @@
 #include "clap/text.h"
 #include "player/parameter_text.h"
 
-#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -20,22 +19,13 @@ const parameter* find(const player* p_player, clap_id id) noexcept NONBLOCKING {
     return player_find_parameter(p_player, static_cast<int>(id));
 }
 
-bool is_switch(const parameter& param) noexcept NONBLOCKING { return param.unit == "bin"; }
-
-/// The nearest value that the parameter has.
-float nearest(const parameter& param, double value) noexcept NONBLOCKING {
-    if (is_switch(param))
-        return value >= 0.5 ? 1.0f : 0.0f;
-    return static_cast<float>(std::clamp(value, 0.0, 1.0));
-}
-
 /// The event's value, if it has an effect.
 std::optional<float> value_of(const player* p_player,
                               const clap_event_param_value& event) noexcept NONBLOCKING {
     const parameter* const p_param = find(p_player, event.param_id);
     if (!p_param || !std::isfinite(event.value))
         return std::nullopt;
-    return nearest(*p_param, event.value);
+    return parameter_nearest(*p_param, event.value);
 }
 
 std::uint32_t count(const clap_plugin* plugin) {
@@ -53,8 +43,9 @@ bool get_info(const clap_plugin* plugin, std::uint32_t param_index, clap_param_i
                    .module{},
                    .min_value = 0,
                    .max_value = 1,
-                   .default_value = nearest(*p_param, static_cast<double>(p_param->default_value))};
-    if (is_switch(*p_param))
+                   .default_value =
+                       parameter_nearest(*p_param, static_cast<double>(p_param->default_value))};
+    if (parameter_is_switch(*p_param))
         param_info->flags |= CLAP_PARAM_IS_STEPPED | CLAP_PARAM_IS_ENUM;
     clap_write_text(param_info->name, p_param->name);
     return true;
@@ -74,7 +65,7 @@ bool value_to_text(const clap_plugin* plugin, clap_id param_id, double value, ch
     if (!p_param || !std::isfinite(value) || !out_buffer || out_buffer_capacity == 0)
         return false;
     clap_write_text(out_buffer, out_buffer_capacity,
-                    parameter_text(*p_param, nearest(*p_param, value)));
+                    parameter_text(*p_param, parameter_nearest(*p_param, value)));
     return true;
 }
 
@@ -85,7 +76,7 @@ bool text_to_value(const clap_plugin* plugin, clap_id param_id, const char* para
         return false;
     const auto value = parameter_value(*p_param, param_value_text);
     if (value)
-        *out_value = nearest(*p_param, *value);
+        *out_value = parameter_nearest(*p_param, *value);
     return value.has_value();
 }
 
@@ -107,7 +98,7 @@ const clap_plugin_params clap_parameters{count,         get_info,      get_value
 
 double clap_shown_value(const player* p_player, clap_id id) noexcept {
     const float value = player_get_parameter(p_player, static_cast<int>(id));
-    return nearest(*find(p_player, id), value);
+    return parameter_nearest(*find(p_player, id), value);
 }
 
 bool clap_parameter_moves(const player* p_player, const clap_event_param_value& event) noexcept {

@@ -8,6 +8,7 @@
 #include "instrument/instrument.h"
 #include "instrument/registration.h"
 #include "lv2/ports.h"
+#include "player/parameter_text.h"
 
 #include <array>
 #include <charconv>
@@ -158,7 +159,7 @@ void write_parameter_port(std::ostream& out, const parameter& param, std::size_t
     say(out, "lv2:default", decimal(param.default_value));
     say(out, "lv2:minimum", "0.0");
     say(out, "lv2:maximum", "1.0");
-    if (param.unit == "bin")
+    if (parameter_is_switch(param))
         say(out, "lv2:portProperty", "lv2:toggled");
     if (param.unit == "db")
         say(out, "units:unit", "units:coef");

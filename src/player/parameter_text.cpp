@@ -37,8 +37,16 @@ float value_of_number(const parameter& param, double number) {
 
 } // namespace
 
+bool parameter_is_switch(const parameter& param) noexcept { return param.unit == "bin"; }
+
+float parameter_nearest(const parameter& param, double number) noexcept {
+    if (parameter_is_switch(param))
+        return number >= 0.5 ? 1.0f : 0.0f;
+    return static_cast<float>(std::clamp(number, 0.0, 1.0));
+}
+
 std::string parameter_text(const parameter& param, float value) {
-    if (param.unit == "bin")
+    if (parameter_is_switch(param))
         return value > 0.5f ? "ON" : "OFF";
     if (param.unit == "db")
         return decibel_text(value);
@@ -51,7 +59,7 @@ std::string parameter_text(const parameter& param, float value) {
 
 std::optional<float> parameter_value(const parameter& param, std::string_view text) {
     text = trimmed(text);
-    if (param.unit == "bin" && (is_word(text, "on") || is_word(text, "off")))
+    if (parameter_is_switch(param) && (is_word(text, "on") || is_word(text, "off")))
         return is_word(text, "on") ? 1.0f : 0.0f;
     if (param.unit == "db" && text == decibel_text(0))
         return 0.0f;

@@ -1,12 +1,19 @@
 #pragma once
-/// A parameter's value in the words that a display shows. All is [any], as far as the parameter's
-/// value is.
+/// The values that a parameter has, and the words that a display shows for them. All is [any], as
+/// far as the parameter's value is.
 
 #include "control/control.h"
+#include "realtime/nonblocking.h"
 
 #include <optional>
 #include <string>
 #include <string_view>
+
+/// Whether there is nothing between off and on.
+[[nodiscard]] bool parameter_is_switch(const parameter& param) noexcept NONBLOCKING;
+
+/// The nearest value to that number, from 0 to 1; of a switch, one of the two.
+[[nodiscard]] float parameter_nearest(const parameter& param, double number) noexcept NONBLOCKING;
 
 /// The value as the parameter's unit has it: "ON" or "OFF", decibels, "440.000000 Hz", "50 %", or a
 /// plain number.
