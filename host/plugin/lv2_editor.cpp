@@ -1,5 +1,7 @@
 #include "plugin/lv2_editor.h"
 
+#include "platform/window_size.h"
+
 #include <lv2/instance-access/instance-access.h>
 
 #include <limits>
@@ -79,6 +81,10 @@ bool lv2_editor::open(void* window, LV2_Handle instance, LV2_URID_Map& map, cons
                                            this, &widget, offered.data());
     if (!handle_)
         return false;
+    if (size_.is_empty()) {
+        const auto [width, height] = window_size_of(widget);
+        size_ = {width, height};
+    }
     idling_ = descriptor_->extension_data ? static_cast<const LV2UI_Idle_Interface*>(
                   descriptor_->extension_data(LV2_UI__idleInterface))
                                           : nullptr;

@@ -1,4 +1,5 @@
 #include "platform/display.h"
+#include "platform/window_size.h"
 #include "tests/lv2/lv2_host.h"
 #include "tests/panel_picture/panel_picture.h"
 
@@ -100,7 +101,9 @@ TEST_F(Lv2Panel, ShowsTheInstrumentThatIsHandedOver) {
     host.run(64);
     ASSERT_NE(panel = open(window.handle(), true), nullptr);
     EXPECT_EQ(size, std::pair(480, 400));
-    EXPECT_TRUE(widget && widget != window.handle());
+    EXPECT_NE(widget, window.handle());
+    const auto [width, height] = window_size_of(widget);
+    EXPECT_EQ(size, std::pair(width, height));
     auto values = host.ports;
     EXPECT_EQ(differs(values), "");
 
