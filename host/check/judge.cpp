@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 
 namespace {
 
@@ -69,12 +70,13 @@ bool is_picked(const row& judged, const std::vector<std::string>& starts) {
 /// loaded.
 std::string flaw_of(const std::filesystem::path& file, const check_request& request) {
     std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error))
-        return file.string() + " is no file; name a plug-in's";
+    if (plugin_format_of(file) != plugin_format::lv2
+        && !std::filesystem::is_regular_file(file, error))
+        return file.string() + " is no file; name a plug-in's, or an LV2 bundle's folder";
     const auto& [crash, is_hang, told] = judge_isolated(row_of(load_row), file, request);
     if (!crash.empty() || told.result != verdict::failed)
         return {};
-    return std::string{told.seen.data()} + "; name the file of a VST 2 plug-in for this system";
+    return std::string{told.seen.data()} + "; name a VST 2, CLAP or LV2 plug-in for this system";
 }
 
 /// Returns the exit status that it alone would give.
@@ -87,16 +89,18 @@ int judge_file(const std::filesystem::path& file, const table& rows, const check
     print(p_output, printable(file.string()) + "\n");
     std::array<int, 5> counts{};
     for (const row& judged : rows) {
+        if (judged.of && judged.of != plugin_format_of(file))
+            continue;
         const finding found = find(judged, file, request);
         ++counts[static_cast<std::size_t>(found.result)];
         print(p_output, line_text(judged, found));
     }
     const auto count = [&](verdict result) { return counts[static_cast<std::size_t>(result)]; };
     const auto told = [&](verdict result) { return std::to_string(count(result)); };
-    print(p_output, std::to_string(rows.size()) + " rows: " + told(verdict::ok) + " ok, "
-                        + told(verdict::warning) + " with a warning, " + told(verdict::failed)
-                        + " FAILED, " + told(verdict::skipped) + " skipped (seed "
-                        + std::to_string(request.seed) + ")\n");
+    print(p_output, std::to_string(std::accumulate(counts.begin(), counts.end(), 0)) + " rows: "
+                        + told(verdict::ok) + " ok, " + told(verdict::warning) + " with a warning, "
+                        + told(verdict::failed) + " FAILED, " + told(verdict::skipped)
+                        + " skipped (seed " + std::to_string(request.seed) + ")\n");
     return count(verdict::failed) == 0 ? exit_success : exit_failed;
 }
 

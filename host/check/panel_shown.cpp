@@ -16,16 +16,15 @@ void require_display([[maybe_unused]] const trial& running) {
 #endif
 }
 
-panel_shown::panel_shown(trial& running, subject::listener heard_by)
-    : running_{running}, plugin_(running, std::move(heard_by), library::in_the_end::stays) {
-    if (!plugin_.has(effFlagsHasEditor))
+panel_shown::panel_shown(trial& running)
+    : running_{running}, plugin_(running, library::in_the_end::stays) {
+    if (!plugin_.tested().has_editor())
         running.skip("it has no panel");
     require_display(running);
     plugin_.prepare(usual_rate, usual_block);
-    ERect* p_size = nullptr;
-    plugin_.ask(effEditGetRect, 0, 0, &p_size);
-    width_ = p_size ? p_size->right - p_size->left : 640;
-    height_ = p_size ? p_size->bottom - p_size->top : 480;
+    const editor_extent told = plugin_.tested().editor_size();
+    width_ = told.is_empty() ? 640 : told.width;
+    height_ = told.is_empty() ? 480 : told.height;
     p_window_ = std::make_unique<editor_window>(width_, height_, window_place{40, 30});
     if (!p_window_->handle())
         running.skip("no window can be shown; run it where there is a display");
@@ -39,14 +38,14 @@ panel_shown::~panel_shown() {
 }
 
 void panel_shown::open() {
-    running_.expect(plugin_.ask(effEditOpen, 0, 0, p_window_->handle()) != 0,
+    running_.expect(plugin_.tested().open_editor(p_window_->handle()),
                     "it does not open in a window");
     is_open_ = true;
 }
 
 void panel_shown::close() {
     if (is_open_)
-        plugin_.ask(effEditClose);
+        plugin_.tested().close_editor();
     is_open_ = false;
     p_window_->handle_messages();
 }
@@ -56,7 +55,7 @@ void panel_shown::idle(int nb_times) {
     for (int i = 0; i < nb_times; ++i) {
         p_window_->handle_messages();
         if (is_open_)
-            plugin_.ask(effEditIdle);
+            plugin_.tested().idle_editor();
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
 }

@@ -13,7 +13,7 @@ void require_display(const trial& running);
 class panel_shown {
 public:
     /// Opens it; skips the row where there is no panel or no display.
-    explicit panel_shown(trial& running, subject::listener heard_by = {});
+    explicit panel_shown(trial& running);
 
     void open();
     void close(); ///< unless it is

@@ -3,7 +3,10 @@
 
 #include "check/trial.h"
 
+#include "plugin/plugin.h"
+
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,15 +18,22 @@ struct row {
     std::string name; ///< subject/what is judged
     demand by;
     std::function<void(trial&)> judge;
-    demand in_time = by; ///< by whom it is demanded that the row comes to its end
+    demand in_time = by;               ///< by whom it is demanded that the row comes to its end
+    std::optional<plugin_format> of{}; ///< whose plug-ins it judges; all formats' if it is none
 };
 
 using table = std::vector<row>;
+
+/// The rows, as rows of one format.
+[[nodiscard]] table only(plugin_format format, table rows);
+
+[[nodiscard]] table operator+(table first, const table& second); ///< one after the other
 
 [[nodiscard]] table loading_rows();
 [[nodiscard]] table record_rows();
 [[nodiscard]] table text_rows();
 [[nodiscard]] table opcode_rows();
+[[nodiscard]] table state_rows();
 [[nodiscard]] table set_up_rows();
 [[nodiscard]] table block_rows();
 [[nodiscard]] table event_rows();
@@ -34,6 +44,9 @@ using table = std::vector<row>;
 [[nodiscard]] table resource_rows();
 [[nodiscard]] table audio_thread_rows(); ///< Linux
 [[nodiscard]] table panel_rows();
+
+[[nodiscard]] table clap_rows();
+[[nodiscard]] table lv2_rows();
 
 /// Loads and closes, and is none of the list.
 constexpr const char* load_row = "load";

@@ -44,13 +44,13 @@ struct phrase {
 
 /// What a host's audio thread calls.
 void play(subject& played, phrase& notes) {
-    const VstInt32 nb_parameters = played.record().numParams;
+    const int nb_parameters = played.nb_parameters();
     for (int i = 0; i < nb_blocks; ++i) {
         event_list& events = notes.lists[static_cast<std::size_t>(i)];
         if (!events.is_empty())
             played.send(events);
         if (nb_parameters > 0) {
-            const VstInt32 index = i % nb_parameters;
+            const int index = i % nb_parameters;
             played.set(index, played.get(index));
         }
         played.run(usual_block);

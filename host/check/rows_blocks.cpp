@@ -1,10 +1,11 @@
 /// However a host cuts time into blocks, they are filled and nothing else is.
 
 #include "check/rows.h"
-#include "check/subject.h"
+#include "check/vst_subject.h"
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 
 namespace {
 
@@ -17,7 +18,7 @@ void fills(trial& running, const std::vector<int>& lengths, int its_announced) {
     for (const int length : lengths) {
         running.doing("a block of " + std::to_string(length) + " frames");
         played.forget();
-        if (played.has(effFlagsIsSynth))
+        if (played.tested().is_instrument())
             played.strike(middle_note);
         for (int i = 0; i < 8; ++i)
             played.play(length);
@@ -29,6 +30,13 @@ void fills(trial& running, const std::vector<int>& lengths, int its_announced) {
 
 void odd_lengths(trial& running) {
     fills(running, {1, 2, 3, 7, 63, 64, 65, 100, 333, 441, 511, announced, 1}, announced);
+}
+
+void random_lengths(trial& running) {
+    std::mt19937 random(running.seed);
+    std::vector<int> lengths(64);
+    std::ranges::generate(lengths, [&] { return 1 + static_cast<int>(random() % announced); });
+    fills(running, lengths, announced);
 }
 
 void powers_of_two(trial& running) {
@@ -51,7 +59,7 @@ void no_frames(trial& running) {
 
 /// Hosts leave outputs unconnected.
 void null_outputs(trial& running) {
-    const subject played(running, usual_rate, usual_block);
+    const vst_subject played(running, usual_rate, usual_block);
     require_outputs(running, played);
     const auto nb_channels = static_cast<std::size_t>(played.record().numOutputs);
     std::vector<float> heard(usual_block);
@@ -76,7 +84,7 @@ void null_outputs(trial& running) {
 }
 
 void double_precision(trial& running) {
-    const subject played(running);
+    const vst_subject played(running);
     if (!played.has(effFlagsCanDoubleReplacing))
         running.skip("it does not process double precision");
     played.ask(effSetProcessPrecision, 0, 1);
@@ -108,10 +116,12 @@ void double_precision(trial& running) {
 } // namespace
 
 table block_rows() {
-    return {{"blocks/odd lengths", demand::interface, odd_lengths},
-            {"blocks/powers of two", demand::interface, powers_of_two},
-            {"blocks/longer than announced", demand::hosts, longer_than_announced},
-            {"blocks/no frames", demand::hosts, no_frames},
-            {"blocks/null outputs", demand::hosts, null_outputs},
-            {"blocks/double precision", demand::interface, double_precision}};
+    return table{{"blocks/odd lengths", demand::interface, odd_lengths},
+                 {"blocks/random lengths", demand::interface, random_lengths},
+                 {"blocks/powers of two", demand::interface, powers_of_two}}
+           + only(plugin_format::vst,
+                  {{"blocks/longer than announced", demand::hosts, longer_than_announced},
+                   {"blocks/no frames", demand::hosts, no_frames},
+                   {"blocks/null outputs", demand::hosts, null_outputs},
+                   {"blocks/double precision", demand::interface, double_precision}});
 }

@@ -1,7 +1,7 @@
 /// Lists of events that are out of the ordinary: whatever comes, the plug-in plays on.
 
 #include "check/rows.h"
-#include "check/subject.h"
+#include "check/vst_subject.h"
 
 #include <cstddef>
 #include <cstring>
@@ -26,6 +26,7 @@ struct list_case {
     const char* name;
     demand by;
     void (*fill)(event_list& events, random_numbers& random);
+    std::optional<plugin_format> of{};
 };
 
 constexpr list_case lists[]{
@@ -46,12 +47,14 @@ constexpr list_case lists[]{
      [](event_list& events, random_numbers& random) {
          for (int i = 0; i < 50; ++i)
              add_note(events, random, static_cast<int>(random() % usual_block));
-     }},
+     },
+     plugin_format::vst},
     {"events/outside the block", demand::hosts,
      [](event_list& events, random_numbers& random) {
          for (const int frame : {-1, -2147483647 - 1, usual_block, 100000, 2147483647})
              add_note(events, random, frame);
-     }},
+     },
+     plugin_format::vst},
     {"events/thousands", demand::interface,
      [](event_list& events, random_numbers& random) {
          for (int i = 0; i < 5000; ++i)
@@ -63,12 +66,14 @@ constexpr list_case lists[]{
              const std::uint8_t message[]{draw(random, 256), draw(random, 256), draw(random, 256)};
              events.add_midi(message, 0);
          }
-     }},
+     },
+     plugin_format::vst},
     {"events/null", demand::hosts,
      [](event_list& events, random_numbers&) {
          for (int i = 0; i < 3; ++i)
              events.add(nullptr);
-     }},
+     },
+     plugin_format::vst},
     {"events/other types", demand::interface,
      [](event_list& events, random_numbers&) {
          static VstEvent unknown[8];
@@ -77,15 +82,15 @@ constexpr list_case lists[]{
              *p_event = {type, sizeof(VstEvent), 0, 0, {}};
              events.add(p_event++);
          }
-     }},
+     },
+     plugin_format::vst},
     {"events/empty dumps", demand::hosts,
-     [](event_list& events, random_numbers&) { events.add_sysex({}, 0); }}};
+     [](event_list& events, random_numbers&) { events.add_sysex({}, 0); }, plugin_format::vst}};
 
 void require_events(const trial& running, const subject& played) {
     require_outputs(running, played);
-    if (!played.has(effFlagsIsSynth)
-        && played.ask(effCanDo, 0, 0, const_cast<char*>("receiveVstMidiEvent")) != 1)
-        running.skip("it receives no events");
+    if (!played.tested().is_instrument())
+        running.skip("it is no instrument");
 }
 
 void plays_on(trial& running, const list_case& judged) {
@@ -105,7 +110,7 @@ void plays_on(trial& running, const list_case& judged) {
 
 /// The list and its events end where they say.
 void guarded_list(trial& running) {
-    subject played(running, usual_rate, usual_block);
+    vst_subject played(running, usual_rate, usual_block);
     require_events(running, played);
     constexpr std::size_t size_of_one = offsetof(VstEvents, events) + sizeof(VstEvent*);
     const guarded_memory event(sizeof(VstMidiEvent));
@@ -150,10 +155,12 @@ void dumps(trial& running) {
 } // namespace
 
 table event_rows() {
-    table rows{{"events/list that ends where it says", demand::interface, guarded_list},
-               {"events/dumps", demand::interface, dumps}};
+    table rows = only(plugin_format::vst,
+                      {{"events/list that ends where it says", demand::interface, guarded_list},
+                       {"events/dumps", demand::interface, dumps}});
     for (const list_case& judged : lists)
-        rows.push_back(
-            {judged.name, judged.by, [&judged](trial& running) { plays_on(running, judged); }});
+        rows.push_back({judged.name, judged.by,
+                        [&judged](trial& running) { plays_on(running, judged); }, judged.by,
+                        judged.of});
     return rows;
 }

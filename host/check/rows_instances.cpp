@@ -102,7 +102,7 @@ void played_on_threads(trial& running) {
 
 /// Hosts open a project's tracks in parallel; the interface promises one thread for that.
 void made_on_threads(trial& running) {
-    const subject kept(running); // keeps the library loaded
+    const subject kept(running, usual_rate, usual_block); // keeps the library loaded
     expect_alike(running, [&running] {
         return on_threads([&running](int number) { return play_alone(running, number); });
     });

@@ -1,7 +1,7 @@
 /// Requests with arguments that hosts do not send every day.
 
 #include "check/rows.h"
-#include "check/subject.h"
+#include "check/vst_subject.h"
 
 #include <algorithm>
 #include <cstring>
@@ -48,7 +48,7 @@ bool carries_memory(VstInt32 opcode) {
 }
 
 void in_records(trial& running) {
-    const subject asked(running, usual_rate, usual_block);
+    const vst_subject asked(running, usual_rate, usual_block);
     for (const memory_case& given : records) {
         running.doing("opcode " + std::to_string(given.opcode));
         const guarded_memory first(given.nb_bytes);
@@ -63,7 +63,7 @@ void in_records(trial& running) {
 }
 
 void unknown(trial& running) {
-    const subject asked(running, usual_rate, usual_block);
+    const vst_subject asked(running, usual_rate, usual_block);
     std::vector<VstInt32> opcodes{ints::min(), 1000, ints::max()};
     for (VstInt32 i = 1; i <= 50; ++i)
         opcodes.insert(opcodes.end(), {-i, effGetNumMidiOutputChannels + i});
@@ -75,7 +75,7 @@ void unknown(trial& running) {
 }
 
 void extreme_arguments(trial& running) {
-    subject asked(running, usual_rate, usual_block);
+    vst_subject asked(running, usual_rate, usual_block);
     for (VstInt32 opcode = effOpen; opcode <= effGetNumMidiOutputChannels; ++opcode) {
         if (opcode == effClose || carries_memory(opcode))
             continue;
@@ -93,7 +93,7 @@ void extreme_arguments(trial& running) {
 }
 
 void null_pointers(trial& running) {
-    const subject asked(running, usual_rate, usual_block);
+    const vst_subject asked(running, usual_rate, usual_block);
     const auto ask_null = [&](VstInt32 opcode) {
         running.doing("opcode " + std::to_string(opcode) + " with null");
         asked.ask(opcode);
@@ -108,8 +108,9 @@ void null_pointers(trial& running) {
 } // namespace
 
 table opcode_rows() {
-    return {{"opcodes/records", demand::interface, in_records},
-            {"opcodes/unknown", demand::interface, unknown},
-            {"opcodes/extreme arguments", demand::hosts, extreme_arguments},
-            {"opcodes/null pointers", demand::hosts, null_pointers}};
+    return only(plugin_format::vst,
+                {{"opcodes/records", demand::interface, in_records},
+                 {"opcodes/unknown", demand::interface, unknown},
+                 {"opcodes/extreme arguments", demand::hosts, extreme_arguments},
+                 {"opcodes/null pointers", demand::hosts, null_pointers}});
 }

@@ -14,15 +14,22 @@ namespace {
 /// Gestures that a host hears of, on whatever thread.
 class gestures {
 public:
-    void hear(const host_call& call) {
+    void hear(const panel_edit& edit) {
         const std::scoped_lock lock(guard_);
-        if (call.opcode == audioMasterBeginEdit && ++open_[call.index] > 1)
-            complain(call, "begins twice");
-        if (call.opcode == audioMasterEndEdit && --open_[call.index] < 0)
-            complain(call, "ends that did not begin");
-        if (call.opcode == audioMasterAutomate && !(call.opt >= 0 && call.opt <= 1))
-            complain(call, "sets a value outside 0 to 1");
-        nb_heard_ += call.opcode == audioMasterBeginEdit || call.opcode == audioMasterAutomate;
+        switch (edit.what) {
+        case panel_edit::step::begins:
+            if (++open_[edit.parameter] > 1)
+                complain(edit, "begins twice");
+            break;
+        case panel_edit::step::ends:
+            if (--open_[edit.parameter] < 0)
+                complain(edit, "ends that did not begin");
+            return;
+        default:
+            if (!(edit.value >= 0 && edit.value <= 1))
+                complain(edit, "sets a value outside 0 to 1");
+        }
+        ++nb_heard_;
     }
 
     /// About what went wrong so far; what it says of an open gesture ends with that.
@@ -40,27 +47,24 @@ public:
     }
 
 private:
-    void complain(const host_call& call, const char* what) {
+    void complain(const panel_edit& edit, const char* what) {
         if (complaint_.empty())
-            complaint_ = "a gesture of parameter " + std::to_string(call.index) + " " + what;
+            complaint_ = "a gesture of parameter " + std::to_string(edit.parameter) + " " + what;
     }
 
     std::mutex guard_{};
-    std::map<VstInt32, int> open_{};
+    std::map<int, int> open_{};
     std::string complaint_{};
     long nb_heard_ = 0;
 };
 
 void size(trial& running) {
     require_display(running);
-    const subject asked(running, {}, library::in_the_end::stays);
-    if (!asked.has(effFlagsHasEditor))
+    const subject asked(running, library::in_the_end::stays);
+    if (!asked.tested().has_editor())
         running.skip("it has no panel");
-    ERect* p_size = nullptr;
-    asked.ask(effEditGetRect, 0, 0, &p_size);
-    running.prefer(p_size != nullptr, "it tells no size before it opens");
-    running.expect(!p_size || (p_size->right > p_size->left && p_size->bottom > p_size->top),
-                   "its size is empty");
+    running.prefer(!asked.tested().editor_size().is_empty(),
+                   "it tells no size before it opens, or an empty one");
 }
 
 void opens(trial& running) {
@@ -124,7 +128,7 @@ void plays_while_open(trial& running) {
     for (int i = 0; i < 30; ++i) {
         played.strike(36 + i);
         played.play_long(4L * usual_block);
-        for (VstInt32 index = 0; index < std::min<VstInt32>(played.record().numParams, 32); ++index)
+        for (int index = 0; index < std::min(played.nb_parameters(), 32); ++index)
             played.set(index, static_cast<float>(i) / 30);
         user.idle(1);
     }
@@ -146,7 +150,8 @@ void each_place(const panel_shown& user, const std::function<void(window_place)>
 /// Clicks, and drags a little way up, all over the panel.
 void balanced(trial& running) {
     gestures heard;
-    panel_shown user(running, [&heard](const host_call& call) { heard.hear(call); });
+    panel_shown user(running);
+    user.plugin().tested().set_listener([&heard](const panel_edit& edit) { heard.hear(edit); });
     user.idle(3);
     each_place(user, [&](window_place place) {
         running.doing("the mouse at " + std::to_string(place.x) + ", " + std::to_string(place.y));

@@ -1,7 +1,7 @@
 /// Parameters that are set while sound is made.
 
 #include "check/rows.h"
-#include "check/subject.h"
+#include "check/vst_subject.h"
 
 #include <atomic>
 #include <cmath>
@@ -13,7 +13,7 @@ namespace {
 
 void require_parameters(const trial& running, const subject& played) {
     require_outputs(running, played);
-    if (played.record().numParams == 0)
+    if (played.nb_parameters() == 0)
         running.skip("it has no parameters");
 }
 
@@ -22,7 +22,7 @@ void set_while_playing(trial& running, const std::vector<float>& values) {
     subject played(running, usual_rate, usual_block);
     require_parameters(running, played);
     played.strike(middle_note);
-    for (VstInt32 index = 0; index < played.record().numParams; ++index) {
+    for (int index = 0; index < played.nb_parameters(); ++index) {
         const float before = played.get(index);
         for (const float value : values) {
             running.doing("parameter " + std::to_string(index) + " at " + std::to_string(value));
@@ -40,7 +40,7 @@ void set_while_playing(trial& running, const std::vector<float>& values) {
 void within_limits(trial& running) {
     const subject asked(running);
     require_parameters(running, asked);
-    for (VstInt32 index = 0; index < asked.record().numParams; ++index) {
+    for (int index = 0; index < asked.nb_parameters(); ++index) {
         for (const float value : {-1.0f, 0.0f, 1.0f}) { // the first stands for its default
             if (value >= 0)
                 asked.set(index, value);
@@ -62,10 +62,10 @@ void no_numbers(trial& running) {
 }
 
 void beyond_the_last(trial& running) {
-    const subject asked(running, usual_rate, usual_block);
+    const vst_subject asked(running, usual_rate, usual_block);
     const guarded_memory text(4096);
-    for (const VstInt32 index :
-         {-1, asked.record().numParams, 100000, std::numeric_limits<VstInt32>::max()}) {
+    for (const int index :
+         {-1, asked.nb_parameters(), 100000, std::numeric_limits<VstInt32>::max()}) {
         running.doing("parameter " + std::to_string(index));
         asked.set(index, 0.5f);
         (void)asked.get(index);
@@ -81,7 +81,7 @@ void at_random(trial& running) {
     std::mt19937 random(running.seed);
     for (int i = 0; i < 1000; ++i) {
         const auto index =
-            static_cast<VstInt32>(random() % static_cast<unsigned>(played.record().numParams));
+            static_cast<int>(random() % static_cast<unsigned>(played.nb_parameters()));
         played.set(index, static_cast<float>(random() % 1001) / 1000);
         if (i % 20 == 0)
             played.strike(36 + static_cast<int>(random() % 48));
@@ -97,13 +97,12 @@ void from_another_thread(trial& running) {
     std::atomic<bool> is_over = false;
     std::thread setter([&] {
         std::mt19937 random(running.seed);
-        const guarded_memory text(4096);
         while (!is_over) {
             const auto index =
-                static_cast<VstInt32>(random() % static_cast<unsigned>(played.record().numParams));
+                static_cast<int>(random() % static_cast<unsigned>(played.nb_parameters()));
             played.set(index, static_cast<float>(random() % 1001) / 1000);
             (void)played.get(index);
-            played.ask(effGetParamDisplay, index, 0, text.data());
+            (void)played.tested().parameter_text(index);
         }
     });
     for (int i = 0; i < 500; ++i) {
@@ -119,10 +118,11 @@ void from_another_thread(trial& running) {
 } // namespace
 
 table parameter_rows() {
-    return {{"parameters/within limits", demand::interface, within_limits},
-            {"parameters/ends", demand::interface, ends},
-            {"parameters/at random", demand::interface, at_random},
-            {"parameters/from another thread", demand::interface, from_another_thread},
-            {"parameters/values that are no numbers", demand::hosts, no_numbers},
-            {"parameters/beyond the last", demand::hosts, beyond_the_last}};
+    return table{{"parameters/within limits", demand::interface, within_limits},
+                 {"parameters/ends", demand::interface, ends},
+                 {"parameters/at random", demand::interface, at_random},
+                 {"parameters/from another thread", demand::interface, from_another_thread}}
+           + only(plugin_format::vst,
+                  {{"parameters/values that are no numbers", demand::hosts, no_numbers},
+                   {"parameters/beyond the last", demand::hosts, beyond_the_last}});
 }

@@ -1,7 +1,7 @@
 /// The processor's state is the host's.
 
 #include "check/rows.h"
-#include "check/subject.h"
+#include "check/vst_subject.h"
 #include "probe/misaligned_call.h"
 
 #include <bit>
@@ -79,7 +79,7 @@ struct misaligned_host {
     }
 };
 
-void call_misaligned(subject& called, std::uint32_t offset) {
+void call_misaligned(vst_subject& called, std::uint32_t offset) {
     const misaligned_host host{&called.record(), offset};
     host.ask(effSetSampleRate, 0, nullptr, usual_rate);
     host.ask(effSetBlockSize, usual_block);
@@ -113,7 +113,7 @@ void call_misaligned(subject& called, std::uint32_t offset) {
 void misaligned_stack(trial& running) {
     for (const std::uint32_t offset : {0u, 4u, 8u, 12u}) {
         running.doing("a stack that is " + std::to_string(offset) + " bytes off");
-        subject called(running);
+        vst_subject called(running);
         require_outputs(running, called);
         call_misaligned(called, offset);
     }
@@ -129,6 +129,7 @@ void misaligned_stack(trial& running) { running.skip("hosts of this system align
 } // namespace
 
 table processor_rows() {
-    return {{"processor/control registers", demand::interface, control_registers},
-            {"processor/misaligned stack", demand::interface, misaligned_stack}};
+    return table{{"processor/control registers", demand::interface, control_registers}}
+           + only(plugin_format::vst,
+                  {{"processor/misaligned stack", demand::interface, misaligned_stack}});
 }

@@ -1,14 +1,14 @@
 /// What a plug-in says of itself in numbers.
 
 #include "check/rows.h"
-#include "check/subject.h"
+#include "check/vst_subject.h"
 
 #include <vector>
 
 namespace {
 
 void numbers(trial& running) {
-    const subject asked(running);
+    const vst_subject asked(running);
     const AEffect& record = asked.record();
     running.expect(record.numPrograms >= 0, "it has a negative number of programs");
     running.expect(record.initialDelay >= 0, "its delay is negative");
@@ -30,7 +30,7 @@ void numbers(trial& running) {
 /// Hosts read it once.
 void stays(trial& running) {
     long nb_changes_told = 0;
-    subject played(running, [&](const host_call& call) {
+    vst_subject played(running, [&](const host_call& call) {
         nb_changes_told += call.opcode == audioMasterIOChanged;
     });
     const AEffect before = played.record();
@@ -58,7 +58,7 @@ void process(AEffect& record, Function* p_function) {
 
 /// Old hosts call every pointer of the record without looking at the flags.
 void pointers(trial& running) {
-    const subject called(running, usual_rate, usual_block);
+    const vst_subject called(running, usual_rate, usual_block);
     AEffect& record = called.record();
     process<float>(record, record.__processDeprecated);
     process<float>(record, record.processReplacing);
@@ -68,7 +68,7 @@ void pointers(trial& running) {
 } // namespace
 
 table record_rows() {
-    return {{"record/numbers", demand::interface, numbers},
-            {"record/stays", demand::interface, stays},
-            {"record/pointers", demand::hosts, pointers}};
+    return only(plugin_format::vst, {{"record/numbers", demand::interface, numbers},
+                                     {"record/stays", demand::interface, stays},
+                                     {"record/pointers", demand::hosts, pointers}});
 }

@@ -12,9 +12,9 @@ constexpr int nb_rounds = 40;
 
 void live_and_die(trial& running) {
     subject played(running, usual_rate, usual_block);
-    if (!played.has(effFlagsCanReplacing))
+    if (!played.tested().why_silent().empty())
         return;
-    if (played.has(effFlagsIsSynth))
+    if (played.tested().is_instrument())
         played.strike(middle_note);
     played.play_long(4L * usual_block);
 }
@@ -31,13 +31,17 @@ void expect_no_loss(const trial& running, const std::function<void()>& round,
 
 /// The library stays, so that what its static parts hold is no loss.
 void opened_and_closed(trial& running) {
-    const subject kept(running);
+    const subject kept(running, usual_rate, usual_block);
     expect_no_loss(running, [&] { live_and_die(running); });
 }
 
 void loaded_and_unloaded(trial& running) {
-    { const subject once(running); }
-    if (library_is_loaded(running.file))
+    std::filesystem::path file;
+    {
+        const subject once(running, usual_rate, usual_block);
+        file = once.tested().library_file();
+    }
+    if (library_is_loaded(file))
         running.skip("its library stays in memory once it is loaded");
     expect_no_loss(
         running, [&] { live_and_die(running); },

@@ -1,7 +1,7 @@
 /// In whatever order and however often a host sets it up, the plug-in plays.
 
 #include "check/rows.h"
-#include "check/subject.h"
+#include "check/vst_subject.h"
 
 #include <limits>
 
@@ -20,7 +20,7 @@ const order_case orders[]{{"set-up/block length before rate", "brm"},
 
 void any_order(trial& running, const std::string& calls) {
     require_sound(running);
-    subject played(running);
+    vst_subject played(running);
     for (const char call : calls)
         switch (call) {
         case 'r':
@@ -64,7 +64,7 @@ void rates_while_it_sounds(trial& running) {
 
 void odd_figures(trial& running) {
     using limits = std::numeric_limits<float>;
-    const subject asked(running, usual_rate, usual_block);
+    const vst_subject asked(running, usual_rate, usual_block);
     for (const float rate : {0.0f, -48000.0f, 1e9f, limits::quiet_NaN(), limits::infinity()}) {
         running.doing("a rate of " + std::to_string(rate));
         asked.ask(effSetSampleRate, 0, 0, nullptr, rate);
@@ -85,15 +85,14 @@ void plays_at(trial& running, int rate) {
 } // namespace
 
 table set_up_rows() {
-    table rows;
+    table of_vst{{"set-up/odd rates and lengths", demand::hosts, odd_figures}};
     for (const order_case& judged : orders)
-        rows.push_back({judged.name, judged.by,
-                        [&judged](trial& running) { any_order(running, judged.calls); }});
-    rows.push_back({"set-up/suspended and resumed", demand::interface, suspended_and_resumed});
-    rows.push_back({"set-up/rates while it sounds", demand::interface, rates_while_it_sounds});
-    rows.push_back({"set-up/odd rates and lengths", demand::hosts, odd_figures});
+        of_vst.push_back({judged.name, judged.by,
+                          [&judged](trial& running) { any_order(running, judged.calls); }});
+    table rows{{"set-up/suspended and resumed", demand::interface, suspended_and_resumed},
+               {"set-up/rates while it sounds", demand::interface, rates_while_it_sounds}};
     for (const int rate : {8000, 22050, 32000, 44100, 48000, 88200, 96000, 192000})
         rows.push_back({"rates/" + std::to_string(rate), demand::interface,
                         [rate](trial& running) { plays_at(running, rate); }});
-    return rows;
+    return rows + only(plugin_format::vst, std::move(of_vst));
 }

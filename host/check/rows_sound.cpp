@@ -15,7 +15,7 @@ void play_phrase(trial& running, subject& played) {
     played.prepare(usual_rate, block);
     require_outputs(running, played);
     constexpr int notes[]{36, 48, 55, 60, 64, 79};
-    const bool is_instrument = played.has(effFlagsIsSynth);
+    const bool is_instrument = played.tested().is_instrument();
     for (const bool down : {true, false}) {
         for (const int note : notes)
             if (is_instrument)

@@ -1,7 +1,7 @@
 /// Texts that a plug-in writes into its host's memory.
 
 #include "check/rows.h"
-#include "check/subject.h"
+#include "check/vst_subject.h"
 
 #include <algorithm>
 #include <limits>
@@ -47,7 +47,7 @@ struct longest_text {
     std::string text{};
 };
 
-void judge_text(trial& running, const subject& asked, const text_case& judged, VstInt32 index,
+void judge_text(trial& running, const vst_subject& asked, const text_case& judged, VstInt32 index,
                 longest_text& longest) {
     running.doing("opcode " + std::to_string(judged.opcode) + ", index " + std::to_string(index));
     const guarded_memory memory(most);
@@ -67,7 +67,7 @@ void judge_text(trial& running, const subject& asked, const text_case& judged, V
         longest = {nb, std::string{*memory.text()}};
 }
 
-VstInt32 nb_indices(const subject& asked, owner of) {
+VstInt32 nb_indices(const vst_subject& asked, owner of) {
     switch (of) {
     case owner::program:
         return std::min(asked.record().numPrograms, max_indices);
@@ -80,7 +80,7 @@ VstInt32 nb_indices(const subject& asked, owner of) {
 
 /// Displays at many values of each parameter, the others once.
 void judge_texts(trial& running, const text_case& judged) {
-    const subject asked(running);
+    const vst_subject asked(running);
     const VstInt32 nb = nb_indices(asked, judged.of);
     if (nb == 0)
         running.skip("it has none");
@@ -103,7 +103,7 @@ void judge_texts(trial& running, const text_case& judged) {
 }
 
 void programs(trial& running) {
-    const subject asked(running);
+    const vst_subject asked(running);
     const VstInt32 nb = nb_indices(asked, owner::program);
     if (nb == 0)
         running.skip("it has no programs");
@@ -111,31 +111,6 @@ void programs(trial& running) {
         running.doing("program " + std::to_string(index));
         asked.ask(effSetProgram, 0, index);
         running.expect(asked.ask(effGetProgram) == index, "another program is chosen");
-    }
-    running.doing("");
-}
-
-/// Hosts save what it gives and hand it to another instance.
-void state_comes_back(trial& running) {
-    subject saved(running, usual_rate, usual_block);
-    if (!saved.has(effFlagsProgramChunks))
-        running.skip("it leaves saving to its host");
-    for (const VstInt32 is_program : {0, 1}) {
-        running.doing(is_program ? "a program's chunk" : "a bank's chunk");
-        for (VstInt32 i = 0; i < saved.record().numParams; ++i)
-            saved.set(i, i % 2 ? 0.25f : 0.75f);
-        void* state = nullptr;
-        const VstIntPtr nb_bytes = saved.ask(effGetChunk, is_program, 0, &state);
-        running.expect(nb_bytes == 0 || (nb_bytes > 0 && state), "its chunk has no bytes");
-        if (nb_bytes <= 0)
-            continue;
-        const guarded_memory copy(static_cast<std::size_t>(nb_bytes));
-        std::copy_n(static_cast<const char*>(state), copy.size(), copy.data());
-        const subject loaded(running, usual_rate, usual_block);
-        loaded.ask(effSetChunk, is_program, nb_bytes, copy.data());
-        for (VstInt32 i = 0; i < saved.record().numParams; ++i)
-            running.prefer(loaded.get(i) == saved.get(i),
-                           "parameter " + std::to_string(i) + " does not come back as it was");
     }
     running.doing("");
 }
@@ -148,6 +123,5 @@ table text_rows() {
         rows.push_back({judged.name, demand::interface,
                         [&judged](trial& running) { judge_texts(running, judged); }});
     rows.push_back({"programs/choice", demand::interface, programs});
-    rows.push_back({"programs/state comes back", demand::interface, state_comes_back});
-    return rows;
+    return only(plugin_format::vst, std::move(rows));
 }

@@ -14,14 +14,6 @@ constexpr std::uint32_t unwritten = 0x7FD5A5A5;
 
 bool is_written(float sample) { return std::bit_cast<std::uint32_t>(sample) != unwritten; }
 
-host_answers answers_of(command_host& host, subject::listener heard_by) {
-    return [&host, heard_by = std::move(heard_by)](const host_call& call) {
-        if (heard_by)
-            heard_by(call);
-        return host.answer(call);
-    };
-}
-
 void send_message(const subject& played, std::array<std::uint8_t, 3> message) {
     event_list events;
     events.add_midi(message, 0);
@@ -30,57 +22,28 @@ void send_message(const subject& played, std::array<std::uint8_t, 3> message) {
 
 } // namespace
 
-subject::subject(trial& running, listener heard_by, library::in_the_end then)
-    : running_{running},
-      host_{.plugin_folder = absolute(running.file).parent_path().string()},
-      effect_{running.file, answers_of(host_, std::move(heard_by)), then} {
-    heard_.resize(static_cast<std::size_t>(record().numOutputs));
-    host_.time.tempo = 120;
-    host_.time.timeSigNumerator = host_.time.timeSigDenominator = 4;
-    host_.time.sampleRate = usual_rate;
+subject::subject(trial& running, std::unique_ptr<plugin> opened)
+    : running_{running}, plugin_{std::move(opened)} {
+    heard_.resize(static_cast<std::size_t>(plugin_->nb_outputs()));
+    VstTimeInfo& time = plugin_->time();
+    time.tempo = 120;
+    time.timeSigNumerator = time.timeSigDenominator = 4;
+    time.sampleRate = usual_rate;
 }
+
+subject::subject(trial& running, library::in_the_end then)
+    : subject(running, plugin_open(running.file, then)) {}
 
 subject::subject(trial& running, int rate, int block) : subject(running) { prepare(rate, block); }
 
-subject::~subject() {
-    if (is_closed())
-        return;
-    if (runs_)
-        suspend();
-}
-
-void subject::set_rate(int rate) {
-    rate_ = rate;
-    host_.rate_hz = rate;
-    host_.time.sampleRate = rate;
-    running_.at(rate_, block_);
-    ask(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate));
-}
-
-void subject::set_block(int nb_frames) {
-    block_ = nb_frames;
-    host_.block_frames = nb_frames;
-    running_.at(rate_, block_);
-    ask(effSetBlockSize, 0, nb_frames);
-}
-
-void subject::resume() {
-    ask(effMainsChanged, 0, 1);
-    ask(effStartProcess);
-    runs_ = true;
-}
-
-void subject::suspend() {
-    ask(effStopProcess);
-    ask(effMainsChanged, 0, 0);
-    runs_ = false;
-}
+subject::~subject() = default;
 
 void subject::prepare(int rate, int block) {
-    if (runs_)
-        suspend();
-    set_rate(rate);
-    set_block(block);
+    suspend();
+    rate_ = rate;
+    block_ = block;
+    running_.at(rate, block);
+    plugin_->prepare(rate, block);
     resume();
 }
 
@@ -98,9 +61,9 @@ void subject::make_room(int nb_frames) {
     room_ = nb_frames;
     const auto length = static_cast<std::size_t>(nb_frames);
     memory_.clear();
-    for (VstInt32 i = 0; i < record().numOutputs; ++i)
+    for (int i = 0; i < plugin_->nb_outputs(); ++i)
         memory_.push_back(std::make_unique<guarded_memory>((length + 4) * sizeof(float)));
-    inputs_.assign(static_cast<std::size_t>(record().numInputs), std::vector<float>(length));
+    inputs_.assign(static_cast<std::size_t>(plugin_->nb_inputs()), std::vector<float>(length));
     p_inputs_.clear();
     std::minstd_rand noise(running_.seed);
     for (auto& input : inputs_) {
@@ -121,9 +84,10 @@ float* subject::output(std::size_t channel, int nb_frames) const {
 void subject::run(int nb_frames) {
     for (std::size_t i = 0; i < memory_.size(); ++i)
         p_outputs_[i] = output(i, nb_frames);
-    running_.at_frame(static_cast<long>(host_.time.samplePos));
-    record().processReplacing(&record(), p_inputs_.data(), p_outputs_.data(), nb_frames);
-    host_.time.samplePos += nb_frames;
+    VstTimeInfo& time = plugin_->time();
+    running_.at_frame(static_cast<long>(time.samplePos));
+    plugin_->process(p_inputs_, p_outputs_, nb_frames);
+    time.samplePos += nb_frames;
 }
 
 void subject::play(int nb_frames) {
@@ -184,7 +148,7 @@ double subject::loudest() const {
 
 void subject::expect_plays(bool must_sound) {
     forget();
-    if (has(effFlagsIsSynth))
+    if (plugin_->is_instrument())
         strike(middle_note);
     play_long(rate_ / 4);
     expect_finite();
@@ -195,7 +159,7 @@ void subject::expect_plays(bool must_sound) {
 bool is_heard(trial& running) {
     subject played(running, usual_rate, usual_block);
     require_outputs(running, played);
-    if (!played.has(effFlagsIsSynth))
+    if (!played.tested().is_instrument())
         running.skip("it is no instrument");
     played.strike(middle_note);
     played.play_long(usual_rate / 4);
@@ -208,8 +172,6 @@ void require_sound(trial& running) {
 }
 
 void require_outputs(const trial& running, const subject& played) {
-    if (!played.has(effFlagsCanReplacing) || !played.record().processReplacing)
-        running.skip("it does not process single precision");
-    if (played.record().numOutputs == 0)
-        running.skip("it has no output");
+    if (const std::string why = played.tested().why_silent(); !why.empty())
+        running.skip("it " + why);
 }

@@ -3,13 +3,9 @@
 /// [setup], those of its sound [audio] on whatever thread plays it.
 
 #include "check/trial.h"
-#include "plugin/command_host.h"
-#include "plugin/effect.h"
-#include "plugin/event_list.h"
+#include "plugin/plugin.h"
 #include "probe/guarded_memory.h"
 
-#include <array>
-#include <functional>
 #include <memory>
 #include <vector>
 
@@ -22,11 +18,8 @@ constexpr int middle_note = 60;
 
 class subject {
 public:
-    using listener = std::function<void(const host_call&)>;
-
-    /// Loads and opens it; a listener hears what it asks of its host.
-    explicit subject(trial& running, listener heard_by = {},
-                     library::in_the_end then = library::in_the_end::is_unloaded);
+    /// Loads and opens it.
+    explicit subject(trial& running, library::in_the_end then = library::in_the_end::is_unloaded);
 
     /// The same, ready to play.
     subject(trial& running, int rate, int block);
@@ -35,24 +28,18 @@ public:
     subject(const subject&) = delete;
     subject& operator=(const subject&) = delete;
 
-    void set_rate(int rate);
-    void set_block(int nb_frames);
-    void resume();
-    void suspend();
-    void prepare(int rate, int block); ///< all three
+    void prepare(int rate, int block); ///< stopped, set up and resumed
+    void resume() { plugin_->start(host_activity::plays); }
+    void suspend() { plugin_->stop(); }
+    [[nodiscard]] bool is_closed() const { return !plugin_; }
+    void close() { plugin_.reset(); }
 
-    VstIntPtr ask(VstInt32 opcode, VstInt32 index = 0, VstIntPtr value = 0, void* ptr = nullptr,
-                  float opt = 0) const {
-        return effect_.ask(opcode, index, value, ptr, opt);
-    }
-    [[nodiscard]] float get(VstInt32 index) const { return effect_.get(index); }
-    void set(VstInt32 index, float value) const { effect_.set(index, value); }
-    [[nodiscard]] AEffect& record() const { return *effect_.record(); }
-    [[nodiscard]] bool has(VstInt32 flag) const { return (record().flags & flag) != 0; }
-    [[nodiscard]] bool is_closed() const { return !effect_.record(); }
-    void close() { effect_.close(); }
+    [[nodiscard]] plugin& tested() const { return *plugin_; }
+    [[nodiscard]] int nb_parameters() const { return plugin_->nb_parameters(); }
+    [[nodiscard]] float get(int index) const { return plugin_->parameter(index); }
+    void set(int index, float value) const { plugin_->set_parameter(index, value); }
 
-    void send(event_list& events) const { ask(effProcessEvents, 0, 0, events.records()); }
+    void send(event_list& events) const { plugin_->send(events); }
     void strike(int note) const;
     void let_go(int note) const;
 
@@ -82,16 +69,19 @@ public:
     /// Strikes a note and expects finite sound, and some of it where `must_sound`.
     void expect_plays(bool must_sound);
 
+protected:
+    subject(trial& running, std::unique_ptr<plugin> opened);
+
+    [[nodiscard]] trial& running() const { return running_; }
+
 private:
     [[nodiscard]] float* output(std::size_t channel, int nb_frames) const;
     void expect_each(bool (*holds)(float), const char* what);
 
     trial& running_;
-    command_host host_;
-    effect effect_;
-    int rate_ = 0;
+    std::unique_ptr<plugin> plugin_;
+    int rate_ = usual_rate;
     int block_ = usual_block;
-    bool runs_ = false;
     int room_ = 0;
     std::vector<std::unique_ptr<guarded_memory>> memory_{};
     std::vector<std::vector<float>> inputs_{};
@@ -107,5 +97,5 @@ private:
 /// Skips the row unless the plug-in is an instrument that is heard when a note is struck.
 void require_sound(trial& running);
 
-/// Skips the row unless it processes single precision and has an output.
+/// Skips the row unless sound can be had of it.
 void require_outputs(const trial& running, const subject& played);

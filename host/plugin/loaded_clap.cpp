@@ -63,18 +63,16 @@ loaded_clap::loaded_clap(const std::filesystem::path& file, library::in_the_end 
             .request_process = ignore,
             .request_callback = clap_editor::request_callback},
       entry_{static_cast<const clap_plugin_entry*>(library_.find("clap_entry"))} {
-    const auto refuse = [&](const std::string& why) {
-        throw failure{exit_misused, file.string() + " " + why};
-    };
     if (!entry_)
-        refuse("is no CLAP plug-in for this system: "
-               + (library_.error.empty() ? "it exports no clap_entry" : library_.error));
+        throw failure{exit_misused,
+                      file.string() + " is no CLAP plug-in for this system: "
+                          + (library_.error.empty() ? "it exports no clap_entry" : library_.error)};
     if (!entry_->init(path_.c_str()))
-        refuse("refuses to start");
+        fail("refuses to start");
     create();
     if (!plugin_) {
         entry_->deinit();
-        refuse("refuses to make a plug-in");
+        fail("refuses to make a plug-in");
     }
     find_ports();
     const std::uint32_t nb_parameters =
@@ -93,11 +91,6 @@ loaded_clap::~loaded_clap() {
     editor_.close();
     plugin_->destroy(plugin_);
     entry_->deinit();
-}
-
-template <typename Extension>
-const Extension* loaded_clap::extension(const char* id) const {
-    return static_cast<const Extension*>(plugin_->get_extension(plugin_, id));
 }
 
 void loaded_clap::create() {
@@ -229,10 +222,54 @@ void loaded_clap::hand_over_settings() {
     events_ = std::move(waiting);
 }
 
+namespace {
+
+/// A state on its way, some bytes at a time.
+struct state_stream {
+    std::string bytes;
+    std::size_t piece;
+    std::size_t done = 0;
+
+    static std::int64_t read(const clap_istream* stream, void* buffer, std::uint64_t size) {
+        auto& [bytes, piece, done] = *static_cast<state_stream*>(stream->ctx);
+        const std::size_t nb = std::min({bytes.size() - done, piece, std::size_t{size}});
+        std::copy_n(bytes.data() + done, nb, static_cast<char*>(buffer));
+        done += nb;
+        return static_cast<std::int64_t>(nb);
+    }
+
+    static std::int64_t write(const clap_ostream* stream, const void* buffer, std::uint64_t size) {
+        auto& self = *static_cast<state_stream*>(stream->ctx);
+        const std::size_t nb = std::min(self.piece, std::size_t{size});
+        self.bytes.append(static_cast<const char*>(buffer), nb);
+        return static_cast<std::int64_t>(nb);
+    }
+};
+
+} // namespace
+
+std::optional<std::string> loaded_clap::save() {
+    const auto* state = extension<clap_plugin_state>(clap_state_id);
+    if (!state)
+        return {};
+    state_stream saved{"", stream_piece_};
+    const clap_ostream stream{&saved, state_stream::write};
+    if (!state->save(plugin_, &stream))
+        fail("refuses to save its state");
+    return saved.bytes;
+}
+
+bool loaded_clap::load(std::string_view bytes) {
+    const auto* state = extension<clap_plugin_state>(clap_state_id);
+    state_stream loaded{std::string{bytes}, stream_piece_};
+    const clap_istream stream{&loaded, state_stream::read};
+    return state && state->load(plugin_, &stream);
+}
+
 void loaded_clap::resume(host_activity) {
     events_.reserve(nb_events_of_a_block);
     if (!plugin_->activate(plugin_, rate_hz_, 1, static_cast<std::uint32_t>(block_frames_)))
-        fail("refuses " + std::to_string(rate_hz_) + " Hz");
+        fail("refuses a rate of " + std::to_string(rate_hz_) + " Hz");
     if (plugin_->start_processing(plugin_))
         return;
     plugin_->deactivate(plugin_);

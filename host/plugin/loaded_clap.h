@@ -9,6 +9,7 @@
 #include "realtime/ring.h"
 
 #include <atomic>
+#include <limits>
 
 class loaded_clap final : public plugin {
 public:
@@ -26,6 +27,21 @@ public:
     std::string parameter_text(int index) override;
     float parameter(int index) override;
     void set_parameter(int index, float value) override;
+
+    [[nodiscard]] const clap_plugin& raw() const { return *plugin_; }
+    [[nodiscard]] const clap_plugin_entry& entry() const { return *entry_; }
+
+    /// Its extension of that name; null if it has none.
+    template <typename Extension>
+    const Extension* extension(const char* id) const {
+        return static_cast<const Extension*>(plugin_->get_extension(plugin_, id));
+    }
+
+    std::optional<std::string> save() override;
+    bool load(std::string_view state) override;
+
+    /// Streams hand out and take no more than so many bytes at once.
+    void set_stream_piece(std::size_t nb_bytes) { stream_piece_ = nb_bytes; }
 
     [[nodiscard]] bool is_instrument() const override { return dialects_ != 0; }
     [[nodiscard]] int nb_outputs() const override { return static_cast<int>(nb_channels_); }
@@ -58,8 +74,6 @@ private:
     static bool hear(const clap_output_events* told,
                      const clap_event_header* event) noexcept NONBLOCKING;
 
-    template <typename Extension>
-    const Extension* extension(const char* id) const;
     void create();
     void find_ports();
     void add(const event& added);
@@ -82,4 +96,5 @@ private:
     clap_editor editor_{};
     ring<panel_edit> edits_{}; ///< on their way from the block that told of them
     std::function<void(const panel_edit&)> listener_{};
+    std::size_t stream_piece_ = std::numeric_limits<std::size_t>::max();
 };

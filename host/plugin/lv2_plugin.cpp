@@ -36,6 +36,8 @@ lv2_plugin::lv2_plugin(const std::filesystem::path& bundle)
            [](LV2_URID_Map_Handle handle, const char* mapped) {
                return static_cast<lv2_plugin*>(handle)->number(mapped);
            }},
+      unmap_{this, [](LV2_URID_Unmap_Handle handle,
+                      LV2_URID mapped) { return static_cast<lv2_plugin*>(handle)->uri(mapped); }},
       schedule_{this, [](LV2_Worker_Schedule_Handle handle, std::uint32_t size, const void* data) {
                     return static_cast<lv2_plugin*>(handle)->work(size, data);
                 }} {
@@ -50,7 +52,7 @@ lv2_plugin::lv2_plugin(const std::filesystem::path& bundle)
         plugin_ = nullptr;
     }
     if (!plugin_)
-        throw failure{exit_failed, bundle.string() + " holds no LV2 instrument"};
+        throw failure{exit_misused, bundle.string() + " holds no LV2 instrument"};
     editor_.attach(world_.get(), plugin_);
 }
 
@@ -71,6 +73,13 @@ std::string lv2_plugin::text(LilvNode* said) {
 LV2_URID lv2_plugin::number(const char* uri) {
     const std::scoped_lock lock{mutex_};
     return numbers_.try_emplace(uri, static_cast<LV2_URID>(numbers_.size() + 1)).first->second;
+}
+
+const char* lv2_plugin::uri(LV2_URID number) {
+    const std::scoped_lock lock{mutex_};
+    const auto found =
+        std::ranges::find(numbers_, number, [](const auto& pair) { return pair.second; });
+    return found == numbers_.end() ? nullptr : found->first.c_str();
 }
 
 bool lv2_plugin::describe_ports() {
@@ -172,6 +181,12 @@ float lv2_plugin::parameter(int index) {
 void lv2_plugin::set_parameter(int index, float value) {
     const auto& [number, least, most] = parameters_[static_cast<std::size_t>(index)];
     ports_[number].set_value(least + value * (most - least));
+}
+
+std::filesystem::path lv2_plugin::library_file() const {
+    const char* const uri = lilv_node_as_uri(lilv_plugin_get_library_uri(plugin_));
+    const std::unique_ptr<char, void (*)(void*)> path{lilv_file_uri_parse(uri, nullptr), lilv_free};
+    return path.get();
 }
 
 void lv2_plugin::set_up() {

@@ -34,6 +34,10 @@ public:
     float parameter(int index) override;
     void set_parameter(int index, float value) override;
 
+    std::optional<std::string> save() override; ///< as Turtle; only after prepare, as load
+    bool load(std::string_view state) override;
+    [[nodiscard]] std::filesystem::path library_file() const override;
+
     [[nodiscard]] int nb_inputs() const override { return static_cast<int>(inputs_.size()); }
     [[nodiscard]] int nb_outputs() const override { return static_cast<int>(outputs_.size()); }
     void send(event_list& events) override;
@@ -60,6 +64,7 @@ private:
         void operator()(LilvWorld* p) const { lilv_world_free(p); }
         void operator()(LilvNode* p) const { lilv_node_free(p); }
         void operator()(LilvInstance* p) const { lilv_instance_free(p); }
+        void operator()(LilvState* p) const { lilv_state_free(p); }
         void operator()(LilvScalePoints* p) const { lilv_scale_points_free(p); }
     };
     template <typename Type>
@@ -93,9 +98,11 @@ private:
     [[nodiscard]] lilv_owned<LilvNode> node(const char* uri) const;
     /// What a node says, as text; "" where there is none. Takes the node.
     static std::string text(LilvNode* said);
-    LV2_URID number(const char* uri); ///< from 1 on; plug-ins may ask on any thread
-    bool describe_ports();            ///< returns whether it is an instrument's
-    bool show_editor();               ///< in its window
+    LV2_URID number(const char* uri);    ///< from 1 on; plug-ins may ask on any thread
+    const char* uri(LV2_URID number);    ///< null for one that was not given
+    bool describe_ports();               ///< returns whether it is an instrument's
+    float* value_of(const char* symbol); ///< a control port's; null if it has none such
+    bool show_editor();                  ///< in its window
     void hear(panel_edit::step what, std::uint32_t number, float value);
     void empty_sequences();
     LV2_Worker_Status work(std::uint32_t size, const void* data);
@@ -107,6 +114,7 @@ private:
     std::unordered_map<std::string, LV2_URID> numbers_{};
     const LV2_URID midi_event_, sequence_, chunk_; ///< numbers that every block wants
     LV2_URID_Map map_;
+    LV2_URID_Unmap unmap_;
     LV2_Worker_Schedule schedule_;
     std::vector<port> ports_{};
     std::vector<parameter_port> parameters_{};

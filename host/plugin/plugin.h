@@ -2,6 +2,7 @@
 /// The command's instrument, whatever its format: a plug-in that it asks, sets up and renders with.
 
 #include "failure/failure.h"
+#include "platform/library.h"
 #include "plugin/activity.h"
 #include "plugin/event_list.h"
 #include "plugin/panel_edit.h"
@@ -9,8 +10,10 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// What a plug-in says of itself, for people: "vendor", "Quenmar".
@@ -29,6 +32,12 @@ struct editor_extent {
     [[nodiscard]] bool is_empty() const { return width <= 0 || height <= 0; }
 };
 
+enum class plugin_format { vst, clap, lv2 };
+
+/// By what the file is called, or by what lies in the folder; whether it holds a plug-in of that
+/// format is another question.
+[[nodiscard]] plugin_format plugin_format_of(const std::filesystem::path& file);
+
 class plugin {
 public:
     virtual ~plugin() = default; ///< stops it if it runs, and closes it
@@ -36,8 +45,9 @@ public:
     plugin& operator=(const plugin&) = delete;
 
     /// Throws a failure that names the file, what it does, such as "has no editor", and the next
-    /// step.
+    /// step if one was given.
     [[noreturn]] void fail(const std::string& what) const;
+    void advise(const std::string& next_step) { next_step_ = next_step; }
 
     [[nodiscard]] virtual std::string name() = 0;
     [[nodiscard]] virtual std::string id() = 0; ///< as its format has it, printable
@@ -80,6 +90,14 @@ public:
     /// The same with memory of the caller's for all inputs and outputs.
     virtual void process(channel_memory inputs, channel_memory outputs, int nb_frames) = 0;
 
+    /// The state that a host would save, as the format has it; nothing where the plug-in leaves
+    /// saving to its host. [setup]
+    [[nodiscard]] virtual std::optional<std::string> save() { return {}; }
+    virtual bool load(std::string_view /*state*/) { return false; } ///< whether it is taken
+
+    /// What holds its functions: the file, if it is no folder.
+    [[nodiscard]] virtual std::filesystem::path library_file() const { return file_; }
+
     // Its editor in a host's window, if it has one: see open_editor. All is [ui].
 
     [[nodiscard]] virtual bool has_editor() const { return false; }
@@ -114,14 +132,20 @@ private:
     };
 
     std::filesystem::path file_;
+    std::string next_step_{};
     bool runs_ = false;
     channels inputs_{};
     channels outputs_{};
     VstTimeInfo untold_time_{};
 };
 
-/// Loads the plug-in and opens it. Throws a failure that names the file, the reason and the next
-/// step.
+/// Loads the plug-in and opens it. Throws a failure that names the file and the reason, of misuse
+/// where it is no plug-in of a format that is known here.
+[[nodiscard]] std::unique_ptr<plugin>
+plugin_open(const std::filesystem::path& file,
+            library::in_the_end then = library::in_the_end::stays);
+
+/// The same; what it throws tells the next step, too.
 [[nodiscard]] std::unique_ptr<plugin> plugin_load(const std::filesystem::path& file);
 
 /// Loads the plug-in in a child process, rehearses there what is planned with it, and closes it.

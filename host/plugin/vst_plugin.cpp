@@ -63,10 +63,17 @@ std::string flags_text(VstInt32 flags) {
 
 } // namespace
 
-vst_plugin::vst_plugin(const std::filesystem::path& file, library::in_the_end then)
+vst_plugin::vst_plugin(const std::filesystem::path& file, library::in_the_end then,
+                       const call_listener& heard_by)
     : plugin{file},
       host_{.plugin_folder = std::filesystem::absolute(file).parent_path().string()},
-      effect_{file, [this](const host_call& call) { return host_.answer(call); }, then} {}
+      effect_{file,
+              [this, heard_by](const host_call& call) {
+                  if (heard_by)
+                      heard_by(call);
+                  return host_.answer(call);
+              },
+              then} {}
 
 vst_plugin::~vst_plugin() { stop(); }
 
@@ -136,6 +143,22 @@ void vst_plugin::send(event_list& events) { ask(effProcessEvents, 0, 0, events.r
 void vst_plugin::process(channel_memory inputs, channel_memory outputs, int nb_frames) {
     record().processReplacing(effect_.record(), const_cast<float**>(inputs.data()),
                               const_cast<float**>(outputs.data()), nb_frames);
+}
+
+std::optional<std::string> vst_plugin::save() {
+    if (!(record().flags & effFlagsProgramChunks))
+        return {};
+    void* bytes = nullptr;
+    const VstIntPtr nb_bytes = ask(effGetChunk, 0, 0, &bytes);
+    if (nb_bytes <= 0 || !bytes)
+        return "";
+    return std::string{static_cast<const char*>(bytes), static_cast<std::size_t>(nb_bytes)};
+}
+
+/// What is taken of it, it does not say.
+bool vst_plugin::load(std::string_view state) {
+    ask(effSetChunk, 0, static_cast<VstIntPtr>(state.size()), const_cast<char*>(state.data()));
+    return true;
 }
 
 bool vst_plugin::has_editor() const { return record().flags & effFlagsHasEditor; }

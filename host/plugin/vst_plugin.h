@@ -7,9 +7,13 @@
 
 class vst_plugin final : public plugin {
 public:
-    /// Throws a failure that names the file and the reason.
+    using call_listener = std::function<void(const host_call&)>;
+
+    /// A listener hears what it asks of its host, on whatever thread. Throws a failure that names
+    /// the file and the reason.
     explicit vst_plugin(const std::filesystem::path& file,
-                        library::in_the_end then = library::in_the_end::stays);
+                        library::in_the_end then = library::in_the_end::stays,
+                        const call_listener& heard_by = {});
     ~vst_plugin() override;
 
     std::string name() override { return text(effGetEffectName); }
@@ -19,6 +23,8 @@ public:
     [[nodiscard]] int nb_parameters() const override { return record().numParams; }
     std::string parameter_name(int index) override { return text(effGetParamName, index); }
     std::string parameter_text(int index) override;
+    [[nodiscard]] const effect& raw() const { return effect_; }
+
     float parameter(int index) override { return effect_.get(index); }
     void set_parameter(int index, float value) override { effect_.set(index, value); }
 
@@ -33,6 +39,9 @@ public:
     void send(event_list& events) override;
     using plugin::process;
     void process(channel_memory inputs, channel_memory outputs, int nb_frames) override;
+
+    std::optional<std::string> save() override; ///< the bank's chunk
+    bool load(std::string_view state) override;
 
     [[nodiscard]] bool has_editor() const override;
     editor_extent editor_size() override;
