@@ -116,6 +116,7 @@ enum clap_event_type : std::uint16_t {
     CLAP_EVENT_PARAM_VALUE = 5,
     CLAP_EVENT_PARAM_GESTURE_BEGIN = 7,
     CLAP_EVENT_PARAM_GESTURE_END = 8,
+    CLAP_EVENT_TRANSPORT = 9,
     CLAP_EVENT_MIDI = 10,
 };
 
@@ -185,7 +186,22 @@ struct clap_audio_buffer {
     std::uint64_t constant_mask; ///< bit n: channel n holds one value throughout
 };
 
-struct clap_event_transport; // not read
+struct clap_event_transport {
+    clap_event_header header;
+    std::uint32_t flags;
+    std::int64_t song_pos_beats; ///< beats and seconds: fixed point
+    std::int64_t song_pos_seconds;
+    double tempo; ///< beats a minute
+    double tempo_inc;
+    std::int64_t loop_start_beats;
+    std::int64_t loop_end_beats;
+    std::int64_t loop_start_seconds;
+    std::int64_t loop_end_seconds;
+    std::int64_t bar_start;
+    std::int32_t bar_number;
+    std::uint16_t tsig_num;
+    std::uint16_t tsig_denom;
+};
 
 struct clap_process {
     std::int64_t steady_time;
@@ -500,6 +516,8 @@ static_assert(sizeof(clap_plugin) == 96 && offsetof(clap_plugin, init) == 16);
 static_assert(sizeof(clap_plugin_factory) == 24);
 static_assert(sizeof(clap_plugin_entry) == 40 && offsetof(clap_plugin_entry, init) == 16);
 static_assert(sizeof(clap_event_header) == 16);
+static_assert(sizeof(clap_event_transport) == 104
+              && offsetof(clap_event_transport, song_pos_beats) == 24);
 static_assert(sizeof(clap_event_note) == 40 && offsetof(clap_event_note, velocity) == 32);
 static_assert(sizeof(clap_event_param_value) == 56);
 static_assert(offsetof(clap_event_param_value, cookie) == 24);

@@ -31,7 +31,7 @@ void destroy(const clap_plugin* plugin) { delete &clap_instrument_of(plugin); }
 
 void reset(const clap_plugin* plugin) noexcept NONBLOCKING {
     clap_instrument& self = clap_instrument_of(plugin);
-    player_panic(&self.played.playing());
+    player_silence(&self.played.playing());
     self.sounding.clear();
 }
 

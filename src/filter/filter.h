@@ -2,6 +2,8 @@
 /// A filter, recursive (IIR) or not (FIR), with one coefficient set and one state for each of a
 /// short list of sample rates: all sets are designed ahead, and a change of rate selects one.
 
+#include "realtime/nonblocking.h"
+
 #include <functional>
 #include <span>
 #include <string>
@@ -44,8 +46,8 @@ void filter_set_block_size(filter* p_filter, int block_size);
 /// Copies order + 1 values into the selected set; without one, nothing. [setup]
 void filter_set_b_coeffs(filter* p_filter, const float* b_coeffs);
 
-/// Zeroes the selected state. [setup]
-void filter_reset_z_buff(filter* p_filter) noexcept;
+/// Zeroes the selected state. [audio]
+void filter_reset_z_buff(filter* p_filter) noexcept NONBLOCKING;
 
 /// An anchor for diagnostics; does nothing. [setup]
 void filter_dump(const filter* p_filter);

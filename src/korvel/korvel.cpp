@@ -29,6 +29,7 @@ void install_callbacks(korvel* p_korvel) {
     p_organ->process_callback = [=](organ*, std::span<float> out_r, std::span<float> out_l) {
         korvel_process_callback(p_korvel, out_r, out_l);
     };
+    p_organ->silence_callback = [=] { vibrato_clear(p_korvel->p_vibrato.get()); };
     p_organ->rest_callback = [=](unsigned nframes) {
         return korvel_rest_callback(p_korvel, nframes);
     };

@@ -48,7 +48,7 @@ void lv2_organ::connect_port(std::uint32_t port, void* memory) noexcept {
         parameter_ports[port - port_first_parameter].p_value = static_cast<const float*>(memory);
 }
 
-void lv2_organ::activate() { player_panic(&played.playing()); }
+void lv2_organ::activate() { player_silence(&played.playing()); }
 
 void lv2_organ::run(std::uint32_t nb_frames) noexcept {
     player& playing = played.playing();

@@ -149,6 +149,14 @@ void organ_panic(organ* p_organ) noexcept {
         keybed_reset(p_keybed.get());
 }
 
+void organ_silence(organ* p_organ) noexcept {
+    organ_panic(p_organ);
+    for (const auto& p_filter : p_organ->p_filters)
+        filter_reset_z_buff(p_filter.get());
+    if (p_organ->silence_callback)
+        p_organ->silence_callback();
+}
+
 void organ_set_output_mode(organ* p_organ, int mode) {
     if (p_organ->set_output_mode_callback)
         p_organ->set_output_mode_callback(p_organ, mode);

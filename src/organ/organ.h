@@ -54,7 +54,8 @@ struct organ {
     /// Asked at rest: goes on by so many frames of silence, or returns false, and they are
     /// rendered.
     closure<bool(unsigned nframes)> rest_callback{};
-    std::uint32_t rested_frames = 0; ///< that the keybeds' counts do not have yet
+    closure<void()> silence_callback{}; ///< empties what the instrument has beside its filters
+    std::uint32_t rested_frames = 0;    ///< that the keybeds' counts do not have yet
     std::function<void(int block_size)> set_block_size_callback{};
     std::function<void(int sampling_rate)> set_sampling_rate_callback{};
     std::unique_ptr<dsp_stack> p_dsp_stack{};
@@ -98,6 +99,9 @@ void organ_receive_midi_event(organ* p_organ, const char* midi_data,
 
 /// Silences every key at once. [audio]
 void organ_panic(organ* p_organ) noexcept NONBLOCKING;
+
+/// The same, and nothing rings on. [audio]
+void organ_silence(organ* p_organ) noexcept NONBLOCKING;
 
 void organ_set_output_mode(organ* p_organ, int mode); ///< [any], as far as the callback is
 

@@ -129,6 +129,12 @@ void player_panic(player* p_player) noexcept {
     p_player->panic_asked.store(true, std::memory_order_relaxed);
 }
 
+void player_silence(player* p_player) noexcept {
+    p_player->panic_asked.store(false, std::memory_order_relaxed);
+    p_player->notes.clear();
+    organ_silence(p_player->p_organ.get());
+}
+
 bool player_take_activity(player* p_player) noexcept {
     return p_player->has_heard.exchange(false, std::memory_order_relaxed);
 }

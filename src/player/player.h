@@ -55,6 +55,9 @@ void player_process(player* p_player, std::span<float> out_r,
 /// Silences what was played so far; whatever comes after the call sounds. [any]
 void player_panic(player* p_player) noexcept NONBLOCKING;
 
+/// Silences what was played so far, and what waits, and what rings on. [audio]
+void player_silence(player* p_player) noexcept NONBLOCKING;
+
 /// Whether messages have come since the last time. [any]
 bool player_take_activity(player* p_player) noexcept NONBLOCKING;
 

@@ -93,6 +93,11 @@ void vibrato_process_silence(vibrato* p_vibrato, std::span<float> out) noexcept 
     p_vibrato->nb_silent = nb_silent + out.size();
 }
 
+void vibrato_clear(vibrato* p_vibrato) noexcept {
+    p_vibrato->p_internal_buffer.fill(0.0f);
+    p_vibrato->nb_silent = vibrato_ring_long;
+}
+
 void vibrato_skip(vibrato* p_vibrato, std::size_t nb_frames) noexcept {
     const auto steps = static_cast<std::uint32_t>(nb_frames);
     p_vibrato->stator = (p_vibrato->stator + steps * p_vibrato->stator_increment) & stator_mask;

@@ -59,6 +59,9 @@ void vibrato_process(vibrato* p_vibrato, std::span<const float> in,
 /// The same for a block of zeros. [audio]
 void vibrato_process_silence(vibrato* p_vibrato, std::span<float> out) noexcept NONBLOCKING;
 
+/// Empties the ring. [audio]
+void vibrato_clear(vibrato* p_vibrato) noexcept NONBLOCKING;
+
 /// Whether zeros come out as long as zeros go in. [audio]
 inline bool vibrato_is_empty(const vibrato* p_vibrato) noexcept NONBLOCKING {
     return p_vibrato->nb_silent >= vibrato_ring_long;

@@ -226,12 +226,11 @@ TEST(Clap, ControllersTellOfWhatTheyMove) {
 TEST(Clap, NullQueuesAndRatesThatNobodyHasAreBorne) {
     hosted clap;
     clap.process(4000, {note_at(0, CLAP_EVENT_NOTE_ON, 60)});
-    const float held = clap.peak();
+    EXPECT_GT(clap.peak(), 0);
     clap.plugin->reset(clap.plugin);
     clap.process(1000);
     EXPECT_TRUE(clap.sent.empty());
-    clap.process(1000);
-    EXPECT_LT(clap.peak(), held / 20) << "after a reset";
+    EXPECT_EQ(clap.peak(), 0) << "after a reset";
 
     float* no_channels[] = {nullptr, nullptr};
     clap_audio_buffer buffers[] = {{no_channels, nullptr, 2, 0, 0}, {nullptr, nullptr, 2, 0, 0}};
@@ -241,7 +240,7 @@ TEST(Clap, NullQueuesAndRatesThatNobodyHasAreBorne) {
         for (const events* in : {&moved, static_cast<const events*>(nullptr)})
             EXPECT_EQ(clap.process_into(buffer, 64, in), CLAP_PROCESS_ERROR);
     EXPECT_EQ(clap.value(volume), 0.25);
-    EXPECT_EQ(clap.process(0, moved), CLAP_PROCESS_CONTINUE) << "no frames";
+    EXPECT_EQ(clap.process(0, moved), CLAP_PROCESS_SLEEP) << "no frames";
     clap.params().flush(clap.plugin, nullptr, nullptr);
 
     for (const double rate : {not_a_number, -1.0, 0.0, 1e300, 999.0, 1e6 + 1, 1000.0, 1e6}) {
