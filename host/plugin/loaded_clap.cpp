@@ -15,17 +15,6 @@ constexpr double no_setting = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t nb_events_of_a_block = 4096; // more take memory
 constexpr std::uint32_t max_parameters = 65536;    // a count of more is none
 
-template <typename Event>
-Event make_event(std::uint16_t type, int frame) {
-    Event made{};
-    made.header = {.size = sizeof made,
-                   .time = static_cast<std::uint32_t>(std::max(frame, 0)),
-                   .space_id = CLAP_CORE_EVENT_SPACE_ID,
-                   .type = type,
-                   .flags = 0};
-    return made;
-}
-
 /// From 0 to 1.
 float share(const clap_param_info& info, double value) noexcept NONBLOCKING {
     const double range = info.max_value - info.min_value;
@@ -182,7 +171,7 @@ void loaded_clap::take_settings() {
         const double value = settings_[i].exchange(no_setting, std::memory_order_relaxed);
         if (std::isnan(value))
             continue;
-        auto setting = make_event<clap_event_param_value>(CLAP_EVENT_PARAM_VALUE, 0);
+        auto setting = clap_make_event<clap_event_param_value>(CLAP_EVENT_PARAM_VALUE, 0);
         setting.param_id = infos_[i].id;
         setting.cookie = infos_[i].cookie;
         setting.note_id = setting.port_index = setting.channel = setting.key = -1;
@@ -315,32 +304,31 @@ void loaded_clap::idle_editor() {
 }
 
 void loaded_clap::send(event_list& events) {
-    events.for_each_message([this](message_view message, int frame) { add(message, frame); });
+    events.for_each_message([this](message_view message, int frame) { send(message, frame); });
 }
 
-/// Behind those of its frame.
-void loaded_clap::add(const event& added) {
+void loaded_clap::send(const event& sent) {
     const auto time = [](const event& each) { return each.header.time; };
-    events_.insert(std::ranges::upper_bound(events_, added.header.time, {}, time), added);
+    events_.insert(std::ranges::upper_bound(events_, sent.header.time, {}, time), sent);
 }
 
 /// Notes as the interface's own where they are understood. What is not is left out.
-void loaded_clap::add(message_view message, int frame) {
+void loaded_clap::send(message_view message, int frame) {
     if (message.size() > 3)
         return;
     const bool is_stroke = message_is_stroke(message);
     if (dialects_ & CLAP_NOTE_DIALECT_CLAP && (is_stroke || message_is_release(message))) {
-        auto note = make_event<clap_event_note>(
+        auto note = clap_make_event<clap_event_note>(
             is_stroke ? CLAP_EVENT_NOTE_ON : CLAP_EVENT_NOTE_OFF, frame);
         note.note_id = -1;
         note.channel = static_cast<std::int16_t>(message_channel(message));
         note.key = message[1];
         note.velocity = message[2] / 127.0;
-        add({.note = note});
+        send({.note = note});
     } else if (dialects_ & CLAP_NOTE_DIALECT_MIDI) {
-        auto midi = make_event<clap_event_midi>(CLAP_EVENT_MIDI, frame);
+        auto midi = clap_make_event<clap_event_midi>(CLAP_EVENT_MIDI, frame);
         std::ranges::copy(message, midi.data);
-        add({.midi = midi});
+        send({.midi = midi});
     }
 }
 
@@ -355,14 +343,15 @@ void loaded_clap::process(channel_memory, channel_memory outputs, int nb_frames)
                              .constant_mask = 0};
     const clap_process block{.steady_time = -1,
                              .frames_count = static_cast<std::uint32_t>(nb_frames),
-                             .transport = nullptr,
+                             .transport = transport_,
                              .audio_inputs = nullptr,
                              .audio_outputs = &output,
                              .audio_inputs_count = 0,
                              .audio_outputs_count = 1,
                              .in_events = &in,
                              .out_events = &out};
-    if (plugin_->process(plugin_, &block) == CLAP_PROCESS_ERROR)
+    status_ = plugin_->process(plugin_, &block);
+    if (status_ == CLAP_PROCESS_ERROR)
         for (float* const channel : outputs)
             std::fill_n(channel, nb_frames, 0.0f);
     events_.clear();

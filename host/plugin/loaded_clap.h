@@ -8,11 +8,31 @@
 #include "plugin/plugin.h"
 #include "realtime/ring.h"
 
+#include <algorithm>
 #include <atomic>
 #include <limits>
 
+/// At a frame of the block; all else of it is zero.
+template <typename Event>
+Event clap_make_event(clap_event_type type, int frame) {
+    Event made{};
+    made.header = {.size = sizeof made,
+                   .time = static_cast<std::uint32_t>(std::max(frame, 0)),
+                   .space_id = CLAP_CORE_EVENT_SPACE_ID,
+                   .type = type,
+                   .flags = 0};
+    return made;
+}
+
 class loaded_clap final : public plugin {
 public:
+    union event { ///< each begins with its header
+        clap_event_header header;
+        clap_event_param_value setting;
+        clap_event_note note;
+        clap_event_midi midi;
+    };
+
     /// Takes the first plug-in of the library. Throws a failure that names the file and the reason.
     explicit loaded_clap(const std::filesystem::path& file,
                          library::in_the_end then = library::in_the_end::stays);
@@ -40,6 +60,14 @@ public:
     std::optional<std::string> save() override;
     bool load(std::string_view state) override;
 
+    /// Hands an event over with those of the next block, behind those of its frame.
+    void send(const event& sent);
+
+    /// The song's position from the next block on, in the caller's memory; null: none.
+    void set_transport(const clap_event_transport* transport) { transport_ = transport; }
+
+    [[nodiscard]] clap_process_status status() const { return status_; } ///< the last block's
+
     /// Streams hand out and take no more than so many bytes at once.
     void set_stream_piece(std::size_t nb_bytes) { stream_piece_ = nb_bytes; }
 
@@ -64,20 +92,12 @@ protected:
     void suspend() override;
 
 private:
-    union event { ///< each begins with its header
-        clap_event_header header;
-        clap_event_param_value setting;
-        clap_event_note note;
-        clap_event_midi midi;
-    };
-
     static bool hear(const clap_output_events* told,
                      const clap_event_header* event) noexcept NONBLOCKING;
 
     void create();
     void find_ports();
-    void add(const event& added);
-    void add(message_view message, int frame);
+    void send(message_view message, int frame);
     void take_settings();
     void hand_over_settings();
     [[nodiscard]] std::string value_text(clap_id id, double value) const;
@@ -93,6 +113,8 @@ private:
     std::uint32_t nb_channels_ = 0;               ///< of the first output port
     std::uint32_t dialects_ = 0;                  ///< of the first note port
     std::vector<event> events_{};                 ///< of the next block
+    const clap_event_transport* transport_ = nullptr;
+    clap_process_status status_ = CLAP_PROCESS_CONTINUE;
     clap_editor editor_{};
     ring<panel_edit> edits_{}; ///< on their way from the block that told of them
     std::function<void(const panel_edit&)> listener_{};
