@@ -29,6 +29,9 @@ panel_shown::panel_shown(trial& running)
     if (!p_window_->handle())
         running.skip("no window can be shown; run it where there is a display");
     p_window_->take_keys();
+    plays_ = plugin_.tested().why_silent().empty();
+    if (plays_)
+        plugin_.make_room(usual_block);
     open();
 }
 
@@ -56,6 +59,8 @@ void panel_shown::idle(int nb_times) {
         p_window_->handle_messages();
         if (is_open_)
             plugin_.tested().idle_editor();
+        if (plays_ && !plugin_.is_closed())
+            plugin_.run(usual_block);
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
 }

@@ -39,4 +39,5 @@ private:
     int height_ = 0;
     std::unique_ptr<editor_window> p_window_{};
     bool is_open_ = false;
+    bool plays_ = false; ///< silence, but some panels tell of edits in a block
 };

@@ -63,6 +63,8 @@ void size(trial& running) {
     const subject asked(running, library::in_the_end::stays);
     if (!asked.tested().has_editor())
         running.skip("it has no panel");
+    if (plugin_format_of(running.file) == plugin_format::lv2)
+        running.skip("panels of its format tell their size as they open");
     running.prefer(!asked.tested().editor_size().is_empty(),
                    "it tells no size before it opens, or an empty one");
 }

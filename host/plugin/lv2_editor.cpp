@@ -1,42 +1,31 @@
 #include "plugin/lv2_editor.h"
 
 #include "platform/window_size.h"
+#include "plugin/lilv_owned.h"
 
 #include <lv2/instance-access/instance-access.h>
 
 #include <limits>
-#include <memory>
 #include <utility>
 
 namespace {
 
 constexpr float nothing_shown = std::numeric_limits<float>::quiet_NaN();
 
-std::string path_of(const LilvNode* uri) {
-    struct free_by_lilv {
-        void operator()(char* p) const { lilv_free(p); }
-    };
-    const std::unique_ptr<char, free_by_lilv> path{lilv_node_get_path(uri, nullptr)};
-    return path ? path.get() : "";
-}
-
 } // namespace
 
 void lv2_editor::attach(LilvWorld* world, const LilvPlugin* plugin) {
     plugin_uri_ = lilv_node_as_uri(lilv_plugin_get_uri(plugin));
-    LilvNode* const x11 = lilv_new_uri(world, LV2_UI__X11UI);
-    LilvUIs* const found = lilv_plugin_get_uis(plugin);
-    for (LilvIter* i = lilv_uis_begin(found); !exists() && !lilv_uis_is_end(found, i);
-         i = lilv_uis_next(found, i)) {
-        const LilvUI* const ui = lilv_uis_get(found, i);
-        if (!lilv_ui_is_a(ui, x11))
+    const owned_node x11{lilv_new_uri(world, LV2_UI__X11UI)};
+    const owned_uis found{lilv_plugin_get_uis(plugin)};
+    LILV_FOREACH(uis, i, found.get()) {
+        const LilvUI* const ui = lilv_uis_get(found.get(), i);
+        if (exists() || !lilv_ui_is_a(ui, x11.get()))
             continue;
         uri_ = lilv_node_as_uri(lilv_ui_get_uri(ui));
-        folder_ = path_of(lilv_ui_get_bundle_uri(ui));
-        binary_ = path_of(lilv_ui_get_binary_uri(ui));
+        folder_ = lilv_path(lilv_ui_get_bundle_uri(ui));
+        binary_ = lilv_path(lilv_ui_get_binary_uri(ui));
     }
-    lilv_uis_free(found);
-    lilv_node_free(x11);
 }
 
 const LV2UI_Descriptor* lv2_editor::load() {

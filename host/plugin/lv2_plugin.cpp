@@ -41,7 +41,7 @@ lv2_plugin::lv2_plugin(const std::filesystem::path& bundle)
       schedule_{this, [](LV2_Worker_Schedule_Handle handle, std::uint32_t size, const void* data) {
                     return static_cast<lv2_plugin*>(handle)->work(size, data);
                 }} {
-    const lilv_owned<LilvNode> uri{lilv_new_file_uri(world_.get(), nullptr, folder_.c_str())};
+    const owned_node uri{lilv_new_file_uri(world_.get(), nullptr, folder_.c_str())};
     lilv_world_load_bundle(world_.get(), uri.get());
     const LilvPlugins* const found = lilv_world_get_all_plugins(world_.get());
     for (LilvIter* i = lilv_plugins_begin(found); !lilv_plugins_is_end(found, i);
@@ -61,12 +61,12 @@ lv2_plugin::~lv2_plugin() {
     stop();
 }
 
-lv2_plugin::lilv_owned<LilvNode> lv2_plugin::node(const char* uri) const {
-    return lilv_owned<LilvNode>{lilv_new_uri(world_.get(), uri)};
+owned_node lv2_plugin::node(const char* uri) const {
+    return owned_node{lilv_new_uri(world_.get(), uri)};
 }
 
 std::string lv2_plugin::text(LilvNode* said) {
-    const lilv_owned<LilvNode> owned{said};
+    const owned_node owned{said};
     return owned ? printable(lilv_node_as_string(owned.get())) : "";
 }
 
@@ -101,7 +101,7 @@ bool lv2_plugin::describe_ports() {
         added.is_input = is(LV2_CORE__InputPort);
         added.is_control = is(LV2_CORE__ControlPort);
         if (is(LV2_ATOM__AtomPort)) {
-            const lilv_owned<LilvNode> asked{
+            const owned_node asked{
                 lilv_port_get(plugin_, described, node(LV2_RESIZE_PORT__minimumSize).get())};
             const int nb_bytes =
                 std::max(asked ? lilv_node_as_int(asked.get()) : 0, least_atom_bytes);
@@ -130,7 +130,7 @@ std::string lv2_plugin::id() { return printable(lilv_node_as_uri(lilv_plugin_get
 
 std::vector<plugin_fact> lv2_plugin::facts() {
     const auto value = [this](const char* predicate) {
-        const lilv_owned<LilvNode> subject{lilv_node_duplicate(lilv_plugin_get_uri(plugin_))};
+        const owned_node subject{lilv_node_duplicate(lilv_plugin_get_uri(plugin_))};
         return text(lilv_world_get(world_.get(), subject.get(), node(predicate).get(), nullptr));
     };
     return {
@@ -155,7 +155,7 @@ std::string lv2_plugin::parameter_name(int index) {
 std::string lv2_plugin::parameter_text(int index) {
     port& told = ports_[parameters_[static_cast<std::size_t>(index)].number];
     const float value = told.value();
-    const lilv_owned<LilvScalePoints> points{lilv_port_get_scale_points(plugin_, told.described)};
+    const owned_scale_points points{lilv_port_get_scale_points(plugin_, told.described)};
     for (LilvIter* i = lilv_scale_points_begin(points.get());
          !lilv_scale_points_is_end(points.get(), i); i = lilv_scale_points_next(points.get(), i)) {
         const LilvScalePoint* point = lilv_scale_points_get(points.get(), i);
@@ -164,8 +164,7 @@ std::string lv2_plugin::parameter_text(int index) {
     }
     std::array<char, 32> number{};
     std::snprintf(number.data(), number.size(), "%.6g", static_cast<double>(value));
-    const lilv_owned<LilvNode> unit{
-        lilv_port_get(plugin_, told.described, node(LV2_UNITS__unit).get())};
+    const owned_node unit{lilv_port_get(plugin_, told.described, node(LV2_UNITS__unit).get())};
     const std::string symbol =
         unit
             ? text(lilv_world_get(world_.get(), unit.get(), node(LV2_UNITS__symbol).get(), nullptr))
@@ -184,9 +183,7 @@ void lv2_plugin::set_parameter(int index, float value) {
 }
 
 std::filesystem::path lv2_plugin::library_file() const {
-    const char* const uri = lilv_node_as_uri(lilv_plugin_get_library_uri(plugin_));
-    const std::unique_ptr<char, void (*)(void*)> path{lilv_file_uri_parse(uri, nullptr), lilv_free};
-    return path.get();
+    return lilv_path(lilv_plugin_get_library_uri(plugin_));
 }
 
 void lv2_plugin::set_up() {

@@ -3,10 +3,10 @@
 /// interface. One thread at a time may use it; what the plug-in wants done outside of its blocks is
 /// done between them, at once. The editor may set parameters meanwhile.
 
+#include "plugin/lilv_owned.h"
 #include "plugin/lv2_editor.h"
 #include "plugin/plugin.h"
 
-#include <lilv/lilv.h>
 #include <lv2/atom/atom.h>
 #include <lv2/urid/urid.h>
 #include <lv2/worker/worker.h>
@@ -34,6 +34,11 @@ public:
     float parameter(int index) override;
     void set_parameter(int index, float value) override;
 
+    [[nodiscard]] LilvWorld* world() const { return world_.get(); }
+    [[nodiscard]] const LilvPlugin* described() const { return plugin_; }
+    [[nodiscard]] const LilvInstance* instance() const { return instance_.get(); } ///< or null
+    [[nodiscard]] LV2_URID_Map& map() { return map_; }
+
     std::optional<std::string> save() override; ///< as Turtle; only after prepare, as load
     bool load(std::string_view state) override;
     [[nodiscard]] std::filesystem::path library_file() const override;
@@ -60,16 +65,6 @@ protected:
     void suspend() override;
 
 private:
-    struct free_by_lilv {
-        void operator()(LilvWorld* p) const { lilv_world_free(p); }
-        void operator()(LilvNode* p) const { lilv_node_free(p); }
-        void operator()(LilvInstance* p) const { lilv_instance_free(p); }
-        void operator()(LilvState* p) const { lilv_state_free(p); }
-        void operator()(LilvScalePoints* p) const { lilv_scale_points_free(p); }
-    };
-    template <typename Type>
-    using lilv_owned = std::unique_ptr<Type, free_by_lilv>;
-
     /// Its buffer is a control's value, a block of sound, or atoms, which are aligned to 8 bytes.
     /// An audio port is connected to each block's own memory.
     struct port {
@@ -95,7 +90,7 @@ private:
         float least, most;
     };
 
-    [[nodiscard]] lilv_owned<LilvNode> node(const char* uri) const;
+    [[nodiscard]] owned_node node(const char* uri) const;
     /// What a node says, as text; "" where there is none. Takes the node.
     static std::string text(LilvNode* said);
     LV2_URID number(const char* uri);    ///< from 1 on; plug-ins may ask on any thread
@@ -108,7 +103,7 @@ private:
     LV2_Worker_Status work(std::uint32_t size, const void* data);
 
     std::string folder_;
-    lilv_owned<LilvWorld> world_{lilv_world_new()};
+    owned_world world_{lilv_world_new()};
     const LilvPlugin* plugin_ = nullptr;
     std::mutex mutex_{};
     std::unordered_map<std::string, LV2_URID> numbers_{};
@@ -122,7 +117,7 @@ private:
     port* midi_input_ = nullptr;
     std::vector<std::vector<std::byte>> responses_{}; ///< the worker's, until the block ends
     const LV2_Worker_Interface* worker_ = nullptr;
-    lilv_owned<LilvInstance> instance_{};
+    owned_instance instance_{};
     lv2_editor editor_{};
     void* window_ = nullptr; ///< that the editor is open in
     std::function<void(const panel_edit&)> listener_{};

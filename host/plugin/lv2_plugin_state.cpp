@@ -11,7 +11,7 @@ constexpr const char* state_uri = "urn:tindelwax:state"; // any would do
 } // namespace
 
 float* lv2_plugin::value_of(const char* symbol) {
-    const lilv_owned<LilvNode> named{lilv_new_string(world_.get(), symbol)};
+    const owned_node named{lilv_new_string(world_.get(), symbol)};
     const LilvPort* const described = lilv_plugin_get_port_by_symbol(plugin_, named.get());
     const auto found = std::ranges::find(ports_, described, &port::described);
     return found != ports_.end() && found->is_control ? found->values.data() : nullptr;
@@ -25,19 +25,18 @@ std::optional<std::string> lv2_plugin::save() {
         *type = saved.number(LV2_ATOM__Float);
         return saved.value_of(symbol);
     };
-    const lilv_owned<LilvState> state{lilv_state_new_from_instance(
+    const owned_state state{lilv_state_new_from_instance(
         plugin_, instance_.get(), &map_, nullptr, nullptr, nullptr, nullptr, tell, this,
         LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE, nullptr)};
-    const std::unique_ptr<char, void (*)(void*)> text{
-        lilv_state_to_string(world_.get(), &map_, &unmap_, state.get(), state_uri, nullptr),
-        lilv_free};
+    const owned_text text{
+        lilv_state_to_string(world_.get(), &map_, &unmap_, state.get(), state_uri, nullptr)};
     if (!text)
         fail("refuses to save its state");
     return text.get();
 }
 
 bool lv2_plugin::load(std::string_view bytes) {
-    const lilv_owned<LilvState> state{
+    const owned_state state{
         lilv_state_new_from_string(world_.get(), &map_, std::string{bytes}.c_str())};
     if (!state)
         return false;
