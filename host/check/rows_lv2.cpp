@@ -86,17 +86,26 @@ void ports(trial& running) {
 struct preset_reader {
     trial& running;
     const std::map<std::string, port_range>& ranges;
+    LV2_URID_Map& map;
 
-    static void take(const char* symbol, void* self, const void* value, std::uint32_t size,
-                     std::uint32_t) {
-        const auto& [running, ranges] = *static_cast<preset_reader*>(self);
+    /// Whole numbers are written without a point.
+    [[nodiscard]] double number(const void* value, std::uint32_t type) const {
+        if (type == map.map(map.handle, LV2_ATOM__Int))
+            return *static_cast<const std::int32_t*>(value);
+        running.expect(type == map.map(map.handle, LV2_ATOM__Float), "a value is no number");
+        return static_cast<double>(*static_cast<const float*>(value));
+    }
+
+    static void take(const char* symbol, void* self, const void* value, std::uint32_t,
+                     std::uint32_t type) {
+        const auto& reader = *static_cast<preset_reader*>(self);
+        const auto& [running, ranges, map] = reader;
         const auto found = ranges.find(symbol);
         running.expect(found != ranges.end(),
                        std::string{"it sets "} + symbol + ", which is no port");
-        if (size != sizeof(float))
-            return;
-        const float number = *static_cast<const float*>(value);
-        running.expect(found->second.least <= number && number <= found->second.most,
+        const double number = reader.number(value, type);
+        running.expect(static_cast<double>(found->second.least) <= number
+                           && number <= static_cast<double>(found->second.most),
                        std::string{"it sets "} + symbol + " out of its range");
     }
 };
@@ -116,7 +125,7 @@ void presets(trial& running) {
                        "its file cannot be read");
         const owned_state state{lilv_state_new_from_world(plugin.world(), &plugin.map(), preset)};
         running.expect(state && lilv_state_get_label(state.get()), "it has no name");
-        preset_reader reader{running, ranges};
+        preset_reader reader{running, ranges, plugin.map()};
         lilv_state_emit_port_values(state.get(), preset_reader::take, &reader);
     }
     running.doing("");

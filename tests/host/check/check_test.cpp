@@ -1,6 +1,9 @@
 #include "tests/host/process.h"
+#include "tests/temporary_folder.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -31,6 +34,13 @@ struct fault_case {
     std::string limit = "60"; ///< seconds
 };
 
+void expect_noticed(const std::string& file, const fault_case& planted) {
+    const auto& [name, result, row, limit] = planted;
+    const process_result judged = judge({"--limit", limit, "--only", row, file}, name);
+    EXPECT_EQ(judged.status, result == "FAILED") << name << "\n" << judged.out << judged.err;
+    EXPECT_EQ(std::ranges::count(rows(judged, result), row), 1) << name << "\n" << judged.out;
+}
+
 const fault_case faults[]{{"crash", "FAILED", "texts/vendor"},
                           {"hang", "FAILED", "texts/product", "1"},
                           {"no_number", "FAILED", "rates/88200"},
@@ -55,10 +65,62 @@ const fault_case faults[]{{"crash", "FAILED", "texts/vendor"},
                           {"opens_file", "FAILED", "audio-thread/files and mappings"}};
 
 TEST(Check, FaultsAreNoticedByTheirRows) {
-    for (const auto& [name, result, row, limit] : faults) {
-        const process_result judged = judge({"--limit", limit, "--only", row, TEST_FAULTY}, name);
-        EXPECT_EQ(judged.status, result == "FAILED") << name << "\n" << judged.out << judged.err;
-        EXPECT_EQ(std::ranges::count(rows(judged, result), row), 1) << name << "\n" << judged.out;
+    for (const fault_case& planted : faults)
+        expect_noticed(TEST_FAULTY, planted);
+}
+
+const fault_case clap_faults[]{{"any_extension", "FAILED", "clap/descriptor"},
+                               {"any_id", "FAILED", "clap/host without extensions"},
+                               {"no_wildcards", "FAILED", "clap/wildcards"},
+                               {"default", "FAILED", "clap/parameters within bounds"},
+                               {"texts", "FAILED", "clap/parameters as texts"},
+                               {"no_automation", "FAILED", "clap/automation at any frame"},
+                               {"deaf_flush", "FAILED", "clap/flushed parameters"},
+                               {"no_reset", "FAILED", "clap/reset"},
+                               {"early_sleep", "FAILED", "clap/sleep"},
+                               {"transport", "FAILED", "clap/transport"},
+                               {"odd_rates", "warning", "clap/odd rates"},
+                               {"any_state", "warning", "clap/damaged states"},
+                               {"large_reads", "FAILED", "clap/states in pieces"}};
+
+TEST(Check, FaultsOfClapPluginsAreNoticed) {
+    for (const fault_case& planted : clap_faults)
+        expect_noticed(TEST_FAULTY_CLAP, planted);
+}
+
+/// Of a bundle in which one text stands for another.
+const struct {
+    std::string text, instead;
+    fault_case planted;
+} bundle_faults[]{{"lv2:requiredFeature urid:map",
+                   "lv2:requiredFeature urid:map , <urn:none>",
+                   {"feature", "warning", "lv2/required features"}},
+                  {"lv2:default 1.0", "lv2:default 2.0", {"default", "FAILED", "lv2/ports"}},
+                  {"\"flute\" ; pset", "\"oboe\" ; pset", {"preset", "FAILED", "lv2/presets"}},
+                  {"pset:value 0.13", "pset:value 13", {"value", "FAILED", "lv2/presets"}},
+                  {"lv2:extensionData state:interface",
+                   "lv2:extensionData state:interface , <urn:none>",
+                   {"extension", "FAILED", "lv2/extension data"}},
+                  {"optionalFeature lv2:hardRTCapable",
+                   "optionalFeature <urn:none>",
+                   {"real_time", "warning", "lv2/fit for real time"}},
+                  {"a ui:X11UI ;\n    lv2:binary <tindelwax.so>",
+                   "a ui:X11UI ;\n    lv2:binary <none.so>",
+                   {"panel", "FAILED", "lv2/libraries of panels"}}};
+
+TEST(Check, FaultsOfBundlesAreNoticed) {
+    for (const auto& [text, instead, planted] : bundle_faults) {
+        const temporary_folder folder;
+        int nb_places = 0;
+        for (const auto& file : std::filesystem::directory_iterator{TEST_BUNDLE}) {
+            std::ifstream whole{file.path(), std::ios::binary};
+            std::string bytes{std::istreambuf_iterator{whole}, {}};
+            for (auto at = bytes.find(text); at != bytes.npos; at = bytes.find(text, at + 1))
+                ++nb_places, bytes.replace(at, text.size(), instead);
+            std::ofstream{folder / file.path().filename().string(), std::ios::binary} << bytes;
+        }
+        EXPECT_GT(nb_places, 0) << planted.name;
+        expect_noticed(folder.path, planted);
     }
 }
 
@@ -69,11 +131,15 @@ TEST(Check, InstrumentWithoutFaultsFailsNoRow) {
 }
 
 TEST(Check, OwnInstrumentDoesWhatAnyHostExpects) {
-    const process_result judged = judge({TEST_INSTRUMENT});
-    EXPECT_EQ(judged.status, 0) << judged.out;
-    EXPECT_EQ(rows(judged, "warning"), (lines{"texts/parameter names", "texts/parameter displays",
-                                              "processor/control registers"}))
-        << judged.out;
+    for (const auto& [file, warnings] :
+         {std::pair{TEST_INSTRUMENT, lines{"texts/parameter names", "texts/parameter displays",
+                                           "processor/control registers"}},
+          {TEST_CLAP, {"processor/control registers"}},
+          {TEST_BUNDLE, {"processor/control registers"}}}) {
+        const process_result judged = judge({file});
+        EXPECT_EQ(judged.status, 0) << judged.out << judged.err;
+        EXPECT_EQ(rows(judged, "warning"), warnings) << judged.out;
+    }
 }
 
 TEST(Check, VerboseShowsWhatAPluginPrintsAndTheRowsPlace) {
