@@ -60,6 +60,17 @@ std::string line_text(const row& judged, const finding& found) {
     return text + judged.name + (found.seen.empty() ? "" : ": ") + printable(found.seen) + "\n";
 }
 
+/// What the list tells of a row beside its name.
+std::string remark(const row& listed) {
+    constexpr std::array formats{"VST 2", "CLAP", "LV2"};
+    std::string text;
+    if (listed.of)
+        text = std::string{formats[static_cast<std::size_t>(*listed.of)]} + " alone";
+    if (listed.by == demand::hosts)
+        text += (text.empty() ? "" : ", ") + std::string{"a warning at most"};
+    return text.empty() ? "" : " (" + text + ")";
+}
+
 bool is_picked(const row& judged, const std::vector<std::string>& starts) {
     return starts.empty() || std::ranges::any_of(starts, [&](const std::string& start) {
                return judged.name.starts_with(start);
@@ -134,8 +145,7 @@ int check_run(const check_request& request, std::FILE* p_output) {
         throw failure{exit_misused, "no row's name starts so; --list tells them all"};
     if (request.lists) {
         for (const row& listed : rows)
-            print(p_output,
-                  listed.name + (listed.by == demand::hosts ? " (a warning at most)\n" : "\n"));
+            print(p_output, listed.name + remark(listed) + "\n");
         return exit_success;
     }
     int status = exit_success;

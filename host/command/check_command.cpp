@@ -12,7 +12,7 @@ void add_check_options(CLI::App& app, check_request& request) {
                for (const std::string& name : names)
                    request.files.emplace_back(std::u8string(name.begin(), name.end()));
            },
-           "VST 2 plug-ins for this system")
+           "plug-ins for this system: VST 2 or CLAP files, LV2\nfolders")
         ->option_text("FILE...");
     app.add_option("--only", request.starts,
                    "judge only rows whose names start so; may be\nrepeated")

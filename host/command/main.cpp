@@ -181,7 +181,7 @@ CLI::App* add_panel(CLI::App& app, panel_request& request) {
 }
 
 CLI::App* add_check(CLI::App& app, check_request& request) {
-    CLI::App* check = app.add_subcommand("check", "Judge any VST 2.4 plug-in");
+    CLI::App* check = app.add_subcommand("check", "Judge any plug-in: VST 2.4, CLAP or LV2");
     add_check_options(*check, request);
     return check;
 }
