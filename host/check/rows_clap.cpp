@@ -34,8 +34,8 @@ void descriptor(trial& running) {
     std::set<std::string> ids;
     for (std::uint32_t i = 0; i < factory->get_plugin_count(factory); ++i) {
         const clap_plugin_descriptor* const described = factory->get_plugin_descriptor(factory, i);
-        running.expect(described && says(described->id) && says(described->name),
-                       "a descriptor has no id or no name");
+        if (!described || !says(described->id) || !says(described->name))
+            throw row_end{verdict::failed, "a descriptor has no id or no name"};
         running.expect(ids.insert(described->id).second, "two plug-ins have one id");
         running.expect(described->features && described->features[0], "it has no features");
     }
@@ -67,7 +67,8 @@ void bare_host(trial& running) {
                    "it makes a plug-in that does not exist");
     const clap_plugin* const made =
         factory->create_plugin(factory, &host, clap_of(kept).raw().desc->id);
-    running.expect(made && made->init(made), "it is not made in a host without extensions");
+    if (!made || !made->init(made))
+        throw row_end{verdict::failed, "it is not made in a host without extensions"};
     running.expect(made->activate(made, usual_rate, 1, usual_block), "it refuses to be activated");
     made->deactivate(made);
     made->destroy(made);

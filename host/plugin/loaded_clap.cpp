@@ -248,11 +248,11 @@ std::optional<std::string> loaded_clap::save() {
     return saved.bytes;
 }
 
-bool loaded_clap::load(std::string_view bytes) {
-    const auto* state = extension<clap_plugin_state>(clap_state_id);
-    state_stream loaded{std::string{bytes}, stream_piece_};
+bool loaded_clap::load(std::string_view state) {
+    const auto* saving = extension<clap_plugin_state>(clap_state_id);
+    state_stream loaded{std::string{state}, stream_piece_};
     const clap_istream stream{&loaded, state_stream::read};
-    return state && state->load(plugin_, &stream);
+    return saving && saving->load(plugin_, &stream);
 }
 
 void loaded_clap::resume(host_activity) {

@@ -35,10 +35,10 @@ std::optional<std::string> lv2_plugin::save() {
     return text.get();
 }
 
-bool lv2_plugin::load(std::string_view bytes) {
-    const owned_state state{
-        lilv_state_new_from_string(world_.get(), &map_, std::string{bytes}.c_str())};
-    if (!state)
+bool lv2_plugin::load(std::string_view state) {
+    const owned_state read{
+        lilv_state_new_from_string(world_.get(), &map_, std::string{state}.c_str())};
+    if (!read)
         return false;
     const auto set = [](const char* symbol, void* self, const void* value, std::uint32_t size,
                         std::uint32_t type) {
@@ -48,6 +48,6 @@ bool lv2_plugin::load(std::string_view bytes) {
             std::atomic_ref{*to}.store(*static_cast<const float*>(value),
                                        std::memory_order_relaxed);
     };
-    lilv_state_restore(state.get(), instance_.get(), set, this, 0, nullptr);
+    lilv_state_restore(read.get(), instance_.get(), set, this, 0, nullptr);
     return true;
 }
