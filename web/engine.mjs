@@ -18,7 +18,8 @@ export class Engine {
     #left = this.#right;
 
     // Of a WebAssembly.Module of the engine, for blocks of at most so many frames. A seed is one
-    // instrument: its tolerances, and with them each sample, are drawn from it.
+    // instrument: its tolerances, and with them each sample, are drawn from it. At the rate 0 it is
+    // made in no time, and silent.
     constructor(module, {seed, rate, block = 128}) {
         this.#engine = new WebAssembly.Instance(module, withoutSystem(module)).exports;
         this.#engine._initialize();
@@ -34,8 +35,37 @@ export class Engine {
         return this.#engine.engine_get_parameter(this.#self, index);
     }
 
+    get values() {
+        return this.parameters.map((_, index) => this.get(index));
+    }
+
     set(index, value) {
         this.#engine.engine_set_parameter(this.#self, index, value);
+    }
+
+    isSwitch(index) {
+        return this.#engine.engine_is_switch(this.#self, index) !== 0;
+    }
+
+    // The controller that moves a parameter, and its channel, from 1, or 0 for none.
+    binding(index) {
+        const {engine_controller, engine_channel} = this.#engine;
+        return {number: engine_controller(this.#self, index), channel: engine_channel(this.#self, index)};
+    }
+
+    bind(index, {number, channel}) {
+        this.#engine.engine_bind(this.#self, index, number, channel);
+    }
+
+    // The next controller that comes is the parameter's, or that of one which is set before; -1 ends
+    // that.
+    learn(index) {
+        this.#engine.engine_learn(this.#self, index);
+    }
+
+    // The index of the parameter that learns, or -1.
+    get learning() {
+        return this.#engine.engine_learning(this.#self);
     }
 
     // A value in the words of its parameter.
@@ -59,6 +89,17 @@ export class Engine {
         }
         right.set(this.#right);
         left.set(this.#left);
+    }
+
+    // Looks which notes sound. Returns whether they are others than the last time.
+    followNotes() {
+        return this.#engine.engine_follow_notes(this.#self) !== 0;
+    }
+
+    // The notes that it found.
+    get notes() {
+        const sounding = new Uint8Array(this.#engine.memory.buffer, this.#engine.engine_notes(this.#self), 128);
+        return Array.from(sounding.keys()).filter((note) => sounding[note]);
     }
 
     // Whether nothing sounds or rings on.

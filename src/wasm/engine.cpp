@@ -8,8 +8,12 @@
 
 namespace {
 
-const parameter& parameter_of(engine* p_engine, int index) {
-    return *player_find_parameter(&p_engine->played.shown(), index);
+parameter& parameter_of(engine* p_engine, int index) noexcept {
+    return *p_engine->played.shown().p_control->parameters[static_cast<std::size_t>(index)];
+}
+
+control_update& update_of(engine* p_engine) noexcept {
+    return *p_engine->played.shown().p_control->p_control_update;
 }
 
 const char* keep(engine* p_engine, std::string text) {
@@ -38,6 +42,38 @@ void engine_set_parameter(engine* p_engine, int index, float value) noexcept {
     player_set_parameter(&p_engine->played.shown(), index, value);
 }
 
+bool engine_is_switch(engine* p_engine, int index) noexcept {
+    return parameter_is_switch(parameter_of(p_engine, index));
+}
+
+std::uint32_t engine_controller(engine* p_engine, int index) noexcept {
+    return parameter_of(p_engine, index).midi_cc.load(std::memory_order_relaxed);
+}
+
+std::uint32_t engine_channel(engine* p_engine, int index) noexcept {
+    return parameter_of(p_engine, index).midi_channel.load(std::memory_order_relaxed);
+}
+
+void engine_bind(engine* p_engine, int index, std::uint32_t controller,
+                 std::uint32_t channel) noexcept {
+    parameter& bound = parameter_of(p_engine, index);
+    bound.midi_cc.store(controller, std::memory_order_relaxed);
+    bound.midi_channel.store(channel, std::memory_order_relaxed);
+}
+
+void engine_learn(engine* p_engine, int index) noexcept {
+    control_update& update = update_of(p_engine);
+    update.last_ui_control_changed_index.store(index, std::memory_order_relaxed);
+    update.midi_learning.store(index >= 0 ? 1 : 0, std::memory_order_relaxed);
+}
+
+int engine_learning(engine* p_engine) noexcept {
+    const control_update& update = update_of(p_engine);
+    return update.midi_learning.load(std::memory_order_relaxed) > 0
+               ? update.last_ui_control_changed_index.load(std::memory_order_relaxed)
+               : -1;
+}
+
 const char* engine_parameter_name(engine* p_engine, int index) {
     return parameter_of(p_engine, index).name.c_str();
 }
@@ -61,6 +97,18 @@ void engine_process(engine* p_engine, std::uint32_t nb_frames) noexcept {
 const float* engine_output(engine* p_engine, std::uint32_t channel) {
     return p_engine->outputs[channel].data();
 }
+
+bool engine_follow_notes(engine* p_engine) noexcept {
+    bool has_changed = false;
+    for (std::size_t note = 0; note < nb_midi_notes; ++note) {
+        const bool sounds = player_sounds(&p_engine->played.playing(), static_cast<int>(note));
+        has_changed |= sounds != p_engine->sounding[note];
+        p_engine->sounding[note] = sounds;
+    }
+    return has_changed;
+}
+
+const bool* engine_notes(engine* p_engine) { return p_engine->sounding.data(); }
 
 bool engine_is_resting(engine* p_engine) noexcept {
     return p_engine->played.playing().p_organ->is_resting;

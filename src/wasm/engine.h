@@ -8,14 +8,18 @@
 #include "realtime/nonblocking.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
+
+constexpr std::size_t nb_midi_notes = 128;
 
 struct engine {
     instrument played;
     std::array<std::vector<float>, 2> outputs; ///< right, left; as long as the longest block
     std::string text{};
+    std::array<bool, nb_midi_notes> sounding{}; ///< when somebody last asked
 };
 
 extern "C" {
@@ -28,6 +32,19 @@ std::uint32_t engine_nb_parameters(engine* p_engine);
 float engine_get_parameter(engine* p_engine, int index) noexcept NONBLOCKING;
 void engine_set_parameter(engine* p_engine, int index, float value) noexcept NONBLOCKING;
 
+bool engine_is_switch(engine* p_engine, int index) noexcept NONBLOCKING;
+
+/// The controller that moves a parameter, and its channel, 1 to 16, or 0 for none.
+std::uint32_t engine_controller(engine* p_engine, int index) noexcept NONBLOCKING;
+std::uint32_t engine_channel(engine* p_engine, int index) noexcept NONBLOCKING;
+void engine_bind(engine* p_engine, int index, std::uint32_t controller,
+                 std::uint32_t channel) noexcept NONBLOCKING;
+
+/// The next controller that comes is the parameter's, or that of one which is set before; -1 ends
+/// that. Returns, asked, the index of the parameter that learns, or -1.
+void engine_learn(engine* p_engine, int index) noexcept NONBLOCKING;
+int engine_learning(engine* p_engine) noexcept NONBLOCKING;
+
 const char* engine_parameter_name(engine* p_engine, int index);              ///< [setup]
 const char* engine_parameter_text(engine* p_engine, int index, float value); ///< [setup]
 
@@ -38,6 +55,11 @@ bool engine_receive(engine* p_engine, int status, int first, int second,
 /// Plays a block into the outputs, 0 right and 1 left, which stay where they are. [audio]
 void engine_process(engine* p_engine, std::uint32_t nb_frames) noexcept NONBLOCKING;
 const float* engine_output(engine* p_engine, std::uint32_t channel); ///< [setup]
+
+/// Looks which MIDI notes have a key that sounds, its release included. Returns whether they are
+/// others than the last time. What was found is true or false for each of nb_midi_notes. [audio]
+bool engine_follow_notes(engine* p_engine) noexcept NONBLOCKING;
+const bool* engine_notes(engine* p_engine); ///< [setup]
 
 bool engine_is_resting(engine* p_engine) noexcept NONBLOCKING; ///< [audio]
 void engine_panic(engine* p_engine) noexcept NONBLOCKING;      ///< [any]
