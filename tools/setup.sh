@@ -41,6 +41,7 @@ clang_packages=(clang-22 libclang-rt-22-dev llvm-22)
 wasm_packages=(
     clang-22 llvm-22 lld-22 libc++-22-dev-wasm32 libc++abi-22-dev-wasm32 libclang-rt-22-dev-wasm32
     wasi-libc nodejs)
+browser_packages=(chromium-headless-shell)
 windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
 package_packages=(nsis dpkg-dev file fakeroot)
 wine_packages=(wine wine64 wine32:i386)
