@@ -31,8 +31,9 @@ function overhear() {
 // Waits until what the page plays is heard, or else until nothing is.
 export async function waitForSound(page, sounds = true) {
     await page.waitForFunction((wanted) => {
-        const samples = new Float32Array(overheard.fftSize);
-        overheard.getFloatTimeDomainData(samples);
+        const {overheard} = globalThis;
+        const samples = new Float32Array(overheard?.fftSize ?? 0);
+        overheard?.getFloatTimeDomainData(samples);
         return samples.some((sample) => Math.abs(sample) > 1e-4) === wanted;
     }, {timeout: 5000, polling: 20}, sounds);
 }

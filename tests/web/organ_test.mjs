@@ -94,6 +94,17 @@ test("a page plays it, and hears of all that moves", async (t) => {
     await tells("organ.noteOn(64, organ.node.context.currentTime + 0.2)", ["notes", [64]]);
 });
 
+test("the manual's example plays", async (t) => {
+    const manual = readFileSync(new URL("../../docs/manual.md", import.meta.url), "utf8");
+    const [, example] = manual.match(/```html\n([^]*?)```/);
+    writeFileSync(new URL("example.html", folder), example);
+    writeFileSync(new URL("tindelwax.js", folder), built);
+    const page = await open(t, `${await serve(t, folder)}example.html`);
+    await page.click("button");
+    await waitForSound(page);
+    await waitForSound(page, false);
+});
+
 for (const [lack, prepare] of [
     ["AudioWorklet", () => delete BaseAudioContext.prototype.audioWorklet],
     ["WebAssembly with SIMD", () => WebAssembly.compile = () => Promise.reject(new WebAssembly.CompileError())],
