@@ -91,12 +91,12 @@ export class Engine {
         left.set(this.#left);
     }
 
-    // Looks which notes sound. Returns whether they are others than the last time.
-    followNotes() {
-        return this.#engine.engine_follow_notes(this.#self) !== 0;
+    // Whether other keys sound than the last time.
+    followKeys() {
+        return this.#engine.engine_follow_keys(this.#self) !== 0;
     }
 
-    // The notes that it found.
+    // The notes that sound, releases included.
     get notes() {
         const sounding = new Uint8Array(this.#engine.memory.buffer, this.#engine.engine_notes(this.#self), 128);
         return Array.from(sounding.keys()).filter((note) => sounding[note]);

@@ -52,7 +52,7 @@ class Processor extends AudioWorkletProcessor {
             else
                 this.#engine.process(first.subarray(start, end), second.subarray(start, end));
         }
-        if (this.#engine.followNotes())
+        if (this.#engine.followKeys())
             this.port.postMessage(["notes", this.#engine.notes]);
         return this.#isOpen;
     }

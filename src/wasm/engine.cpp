@@ -4,6 +4,7 @@
 #include "instrument/registration.h"
 #include "player/parameter_text.h"
 
+#include <algorithm>
 #include <span>
 
 namespace {
@@ -27,6 +28,8 @@ engine* engine_create(std::uint32_t seed, float sampling_rate, std::uint32_t blo
     const std::vector<float> silence(block);
     auto* const p_engine = new engine{.played{seed}, .outputs{silence, silence}};
     p_engine->played.set_sampling_rate(static_cast<double>(sampling_rate));
+    for (const auto& p_keybed : p_engine->played.playing().p_organ->p_keybeds)
+        p_engine->active_keys.push_back(p_keybed->p_key_list->active);
     return p_engine;
 }
 
@@ -98,17 +101,24 @@ const float* engine_output(engine* p_engine, std::uint32_t channel) {
     return p_engine->outputs[channel].data();
 }
 
-bool engine_follow_notes(engine* p_engine) noexcept {
+bool engine_follow_keys(engine* p_engine) noexcept {
     bool has_changed = false;
-    for (std::size_t note = 0; note < nb_midi_notes; ++note) {
-        const bool sounds = player_sounds(&p_engine->played.playing(), static_cast<int>(note));
-        has_changed |= sounds != p_engine->sounding[note];
-        p_engine->sounding[note] = sounds;
+    auto known = p_engine->active_keys.begin();
+    for (const auto& p_keybed : p_engine->played.playing().p_organ->p_keybeds) {
+        const auto& active = p_keybed->p_key_list->active;
+        has_changed |= *known != active;
+        std::ranges::copy(active, known->begin());
+        ++known;
     }
     return has_changed;
 }
 
-const bool* engine_notes(engine* p_engine) { return p_engine->sounding.data(); }
+const bool* engine_notes(engine* p_engine) {
+    const player& playing = p_engine->played.playing();
+    for (std::size_t note = 0; note < nb_midi_notes; ++note)
+        p_engine->sounding[note] = player_sounds(&playing, static_cast<int>(note));
+    return p_engine->sounding.data();
+}
 
 bool engine_is_resting(engine* p_engine) noexcept {
     return p_engine->played.playing().p_organ->is_resting;

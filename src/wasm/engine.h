@@ -19,7 +19,8 @@ struct engine {
     instrument played;
     std::array<std::vector<float>, 2> outputs; ///< right, left; as long as the longest block
     std::string text{};
-    std::array<bool, nb_midi_notes> sounding{}; ///< when somebody last asked
+    std::vector<std::vector<unsigned char>> active_keys{}; ///< of each keybed, last followed
+    std::array<bool, nb_midi_notes> sounding{};            ///< when somebody last asked
 };
 
 extern "C" {
@@ -56,10 +57,11 @@ bool engine_receive(engine* p_engine, int status, int first, int second,
 void engine_process(engine* p_engine, std::uint32_t nb_frames) noexcept NONBLOCKING;
 const float* engine_output(engine* p_engine, std::uint32_t channel); ///< [setup]
 
-/// Looks which MIDI notes have a key that sounds, its release included. Returns whether they are
-/// others than the last time. What was found is true or false for each of nb_midi_notes. [audio]
-bool engine_follow_notes(engine* p_engine) noexcept NONBLOCKING;
-const bool* engine_notes(engine* p_engine); ///< [setup]
+/// Returns whether other keys sound than the last time, releases included. [audio]
+bool engine_follow_keys(engine* p_engine) noexcept NONBLOCKING;
+
+/// Returns for each of nb_midi_notes whether a key of it sounds. [setup]
+const bool* engine_notes(engine* p_engine);
 
 bool engine_is_resting(engine* p_engine) noexcept NONBLOCKING; ///< [audio]
 void engine_panic(engine* p_engine) noexcept NONBLOCKING;      ///< [any]
