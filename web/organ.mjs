@@ -194,7 +194,8 @@ class Organ extends EventTarget {
 
 const waiting = new WeakMap(); // the organs of each OfflineAudioContext
 
-// Rendering would begin before what an organ was told has arrived: it waits at its first frame.
+// Rendering would begin before what an organ was told has arrived: it waits at its first frame. The
+// browsers where it cannot wait there are those where it need not.
 async function waitAtStart(context, organ) {
     if (waiting.has(context)) {
         waiting.get(context).push(organ);
@@ -226,7 +227,7 @@ export async function createOrgan(context, {seed, registration, state} = {}) {
     await context.audioWorklet.addModule(`data:text/javascript,${encodeURIComponent(processor)}`);
     seed ??= crypto.getRandomValues(new Uint32Array(1))[0];
     const organ = new Organ(context, await module, seed);
-    if (context instanceof OfflineAudioContext)
+    if (context instanceof OfflineAudioContext && context.suspend)
         waitAtStart(context, organ);
     if (state !== undefined)
         await organ.load(state);
