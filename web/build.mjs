@@ -1,9 +1,10 @@
-// Builds dist/web/tindelwax.js, the organ as a module that needs nothing beside it, from what
-// build/wasm has.
+// Builds, from what build/wasm has, what needs nothing beside it: dist/web/tindelwax.js, the organ as a
+// module, and dist/tindelwax.html, the page.
 
 import {mkdirSync, writeFileSync} from "node:fs";
 
 import {bundle} from "./bundle.mjs";
+import {assemblePage} from "./page/assemble.mjs";
 
 const dist = new URL("../dist/", import.meta.url);
 
@@ -14,4 +15,7 @@ function write(name, text) {
     console.log(`dist/${name}: ${Math.ceil(text.length / 1000)} kB`);
 }
 
-write("web/tindelwax.js", bundle(new URL("organ.mjs", import.meta.url)));
+const bundled = (name) => bundle(new URL(name, import.meta.url));
+
+write("web/tindelwax.js", bundled("organ.mjs"));
+write("tindelwax.html", assemblePage(bundled("page/page.mjs")));
