@@ -3,6 +3,7 @@
 import {createOrgan} from "../organ.mjs";
 import {ComputerKeys} from "./computer_keys.mjs";
 import {HeldNotes} from "./held_notes.mjs";
+import {Manual} from "./manual.mjs";
 
 const firstRegistration = "fairground";
 
@@ -18,6 +19,16 @@ async function attempt(action) {
     }
 }
 
+// What each key of the computer's is labelled with, where the browser tells; else as on most.
+async function labelKeys(manual, computerKeys) {
+    const layout = await navigator.keyboard?.getLayoutMap?.().catch(() => undefined);
+    const labelOf = (code) => (layout?.get(code) ?? code.replace(/^(Key|Digit)/, "")).toUpperCase();
+    const show = () =>
+        manual.label(new Map(Array.from(computerKeys.codes, ([note, code]) => [note, labelOf(code)])));
+    computerKeys.addEventListener("shift", show);
+    show();
+}
+
 function releaseWhereNobodyLooks(...hands) {
     const releaseAll = () => hands.forEach((hand) => hand.releaseAll());
     addEventListener("blur", releaseAll);
@@ -31,9 +42,11 @@ async function start() {
     organ.node.connect(context.destination);
 
     const held = new HeldNotes(organ);
+    const manual = new Manual(find(".manual"), held);
     const computerKeys = new ComputerKeys(held);
-    releaseWhereNobodyLooks(computerKeys);
-
+    releaseWhereNobodyLooks(manual, computerKeys);
+    organ.addEventListener("notes", ({detail}) => manual.light(detail));
+    await labelKeys(manual, computerKeys);
     computerKeys.addEventListener("panic", () => {
         held.forget();
         organ.panic();
