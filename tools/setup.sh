@@ -35,7 +35,7 @@ build_packages=(
     liblilv-dev lv2-dev)
 test_packages=(
     libgtest-dev libbenchmark-dev clang-format clang-tidy-22 xvfb
-    jackd2 pipewire pipewire-jack pulseaudio libasound2-plugins sox sordi valgrind)
+    jackd2 pipewire pipewire-jack pulseaudio libasound2-plugins python3 sox sordi valgrind)
 peer_packages=(setbfree yoshimi)
 clang_packages=(clang-22 libclang-rt-22-dev llvm-22)
 wasm_packages=(
