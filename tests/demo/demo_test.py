@@ -13,6 +13,7 @@ DEMO = pathlib.Path(__file__).resolve().parents[2] / "demo"
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(DEMO))
 import make_canon
+import make_phrase
 import make_song
 from song_file import BAR, QUARTER
 
@@ -49,7 +50,8 @@ class Demo(unittest.TestCase):
         cls.left, cls.right = cls.samples[::2], cls.samples[1::2]
 
     def test_scripts_write_the_songs(self):
-        for script, name in (make_song, "song.mid"), (make_canon, "canon.mid"):
+        for script in make_song, make_canon, make_phrase:
+            name = script.__name__.removeprefix("make_") + ".mid"
             self.assertEqual(script.compose(), (DEMO / name).read_bytes(), name)
 
     def test_opens_loud_on_small_speakers_too_and_ends_in_silence(self):
