@@ -22,10 +22,10 @@ class Processor extends AudioWorkletProcessor {
         this.port.onmessage = ({data: [asked, ...things]}) => this[asked](...things);
     }
 
-    // Tells the engine something at a frame. What is late counts as coming now, so that it stays
-    // behind what came before.
+    // Tells the engine something at a frame. What is late, or has no time at all, counts as coming
+    // now, so that it stays behind what came before.
     tell(frame, method, ...things) {
-        this.#schedule.add({frame: Math.max(frame, currentFrame), method, things});
+        this.#schedule.add({frame: frame > currentFrame ? frame : currentFrame, method, things});
     }
 
     panic() {
