@@ -67,15 +67,14 @@ const hands = {
         await waitForLit(page);
         await page.mouse.move(...await placeOf(page, 62));
     }, (page) => page.mouse.up()],
-    "the mouse and a key together": [[48, 50], async (page) => {
+    "the mouse and a key together": [[48], async (page) => {
         await page.mouse.move(...await placeOf(page, 48));
         await page.mouse.down();
         await page.keyboard.press("KeyQ"); // the same
         await page.keyboard.down("KeyW");
-    }, async (page) => {
-        await page.mouse.up();
+        await waitForLit(page, 48, 50);
         await page.keyboard.up("KeyW");
-    }],
+    }, (page) => page.mouse.up()],
     "two fingers": [[62, 66], async (page) => {
         await page.touchscreen.touchStart(...await placeOf(page, 62));
         const second = await page.touchscreen.touchStart(...await placeOf(page, 64));
@@ -100,5 +99,45 @@ test("every hand plays, and lets go", async (t) => {
             await release(page);
             await waitForLit(page);
             await waitForSound(page, false);
+        });
+});
+
+async function centreOf(control) {
+    const {x, y, width, height} = await control.boundingBox();
+    return [x + width / 2, y + height / 2];
+}
+
+async function drag(page, control, pixels) {
+    const [x, y] = await centreOf(control);
+    await page.mouse.move(x, y);
+    await page.mouse.down();
+    await page.mouse.move(x, y - pixels);
+    await page.mouse.up();
+}
+
+const fairground = {Contour: "0.5 of 10", Volume: "1.0 of 10, -19.9 decibels"};
+
+const moves = [
+    ["a click", "Vibrato", "true", "false", (page, tab) => tab.click()],
+    ["the enter key", "Bass chords", "true", "false", (page, tab) => tab.press("Enter")],
+    ["an arrow key", "Contour", fairground.Contour, "0.7 of 10", (page, knob) => knob.press("ArrowUp")],
+    ["the home key", "Volume", fairground.Volume, "0.0 of 10, silent", (page, knob) => knob.press("Home")],
+    ["a drag", "Contour", "0.7 of 10", "5.7 of 10", (page, knob) => drag(page, knob, 100)],
+    ["a drag beyond the end", "Volume", "0.0 of 10, silent", "10.0 of 10, 0.0 decibels",
+        (page, knob) => drag(page, knob, 300)],
+    ["the wheel", "Contour", "5.7 of 10", "5.4 of 10", (page) => page.mouse.wheel({deltaY: 100})],
+    ["two clicks", "Contour", "5.4 of 10", "1.0 of 10", (page, knob) => knob.click({count: 2})],
+];
+
+test("controls move the organ, and tell it in words", async (t) => {
+    const page = await openPage(t);
+    for (const [by, name, before, after, move] of moves)
+        await t.test(`${name} by ${by}`, async () => {
+            const control = await page.$(`aria/${name}`);
+            const told = () => control.evaluate((element) => element.ariaValueText ?? element.ariaChecked);
+            await page.mouse.move(...await centreOf(control));
+            assert.equal(await told(), before);
+            await move(page, control);
+            assert.equal(await told(), after);
         });
 });

@@ -4,6 +4,7 @@ import {createOrgan} from "../organ.mjs";
 import {ComputerKeys} from "./computer_keys.mjs";
 import {HeldNotes} from "./held_notes.mjs";
 import {Manual} from "./manual.mjs";
+import {Panel} from "./panel.mjs";
 
 const firstRegistration = "fairground";
 
@@ -42,15 +43,18 @@ async function start() {
     organ.node.connect(context.destination);
 
     const held = new HeldNotes(organ);
+    const panel = new Panel(organ, find(".panel"));
     const manual = new Manual(find(".manual"), held);
     const computerKeys = new ComputerKeys(held);
     releaseWhereNobodyLooks(manual, computerKeys);
     organ.addEventListener("notes", ({detail}) => manual.light(detail));
     await labelKeys(manual, computerKeys);
-    computerKeys.addEventListener("panic", () => {
-        held.forget();
-        organ.panic();
-    });
+    for (const source of [panel, computerKeys])
+        source.addEventListener("panic", () => {
+            held.forget();
+            organ.panic();
+        });
+    panel.addEventListener("say", ({detail}) => say(detail));
     document.body.classList.add("ready");
 }
 
