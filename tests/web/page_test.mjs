@@ -126,6 +126,10 @@ const moves = [
     ["a drag beyond the end", "Volume", "0.0 of 10, silent", "10.0 of 10, 0.0 decibels",
         (page, knob) => drag(page, knob, 300)],
     ["the wheel", "Contour", "5.7 of 10", "5.4 of 10", (page) => page.mouse.wheel({deltaY: 100})],
+    ["an arrow key", "Split", "bass and manual on both sides", "bass right, manual left",
+        (page, slide) => slide.press("ArrowLeft")],
+    ["a click", "Split", "bass right, manual left", "bass left, manual right",
+        async (page, slide) => page.mouse.click(...await centreOf(await slide.$("span")))],
     ["two clicks", "Contour", "5.4 of 10", "1.0 of 10", (page, knob) => knob.click({count: 2})],
 ];
 

@@ -43,7 +43,7 @@ async function start() {
     organ.node.connect(context.destination);
 
     const held = new HeldNotes(organ);
-    const panel = new Panel(organ, find(".panel"));
+    const panel = new Panel(organ, {panel: find(".panel"), split: find(".split")});
     const manual = new Manual(find(".manual"), held);
     const computerKeys = new ComputerKeys(held);
     releaseWhereNobodyLooks(manual, computerKeys);

@@ -1,8 +1,9 @@
-// The panel's controls over its drawing: they show what the organ's parameters are and move them, and
-// choose what MIDI learn is to teach.
+// The panel's controls over its drawing, and the split, which has no place there: they show what the
+// organ's parameters are and move them, and choose what MIDI learn is to teach.
 
 import {drawing, element} from "./element.mjs";
 import {Knob} from "./knob.mjs";
+import {Split} from "./split.mjs";
 import {wordsOf} from "./words.mjs";
 
 const width = 480, height = 350; // of the drawing, without the manual
@@ -35,7 +36,7 @@ export class Panel extends EventTarget {
     #lamp = element("div", {className: "lamp", role: "img", ariaLabel: "MIDI lamp"}, drawing("lamp"));
     #lampTimer;
 
-    constructor(organ, panel) {
+    constructor(organ, {panel, split}) {
         super();
         this.#organ = organ;
         const panic = element("button", {className: "panic", ariaLabel: "Panic: silence everything"},
@@ -48,6 +49,7 @@ export class Panel extends EventTarget {
             panel.append(place(this.#makeTab(name), where));
         for (const [name, where] of Object.entries(knobs))
             panel.append(place(this.#makeSlider(name, new Knob(labelOf(name))), where));
+        split.append(this.#makeSlider("Split", new Split()));
         for (const name of this.#controls.keys())
             this.#show(name);
         organ.addEventListener("change", ({detail}) => this.#show(detail.name));
@@ -90,7 +92,7 @@ export class Panel extends EventTarget {
 
     #show(name) {
         const value = this.#organ.get(name);
-        this.#controls.get(name)?.(value, wordsOf(name, value, this.#organ.text(name)));
+        this.#controls.get(name)(value, wordsOf(name, value, this.#organ.text(name)));
     }
 
     get #isLearning() {
