@@ -145,3 +145,33 @@ test("controls move the organ, and tell it in words", async (t) => {
             assert.equal(await told(), after);
         });
 });
+
+const toldBy = (page, names) => Promise.all(names.map((name) =>
+    page.$eval(`aria/${name}`, (element) => element.ariaValueText ?? element.ariaChecked ?? String(element.checked))));
+const waitForWords = (page, words) => page.waitForFunction((wanted) =>
+    document.querySelector("#status").textContent.includes(wanted), {timeout: 5000}, words);
+
+test("an address brings the organ that it was copied from", async (t) => {
+    const controls = ["Flute", "Vibrato", "Contour", "Split", "Late night"];
+    const page = await openPage(t);
+    await page.click("aria/Late night");
+    assert.deepEqual(await toldBy(page, controls), ["true", "true", "5.5 of 10", "bass and manual on both sides", "true"]);
+    await page.click("aria/Vibrato");
+    await (await page.$("aria/Split")).press("Home");
+    await page.click("#link");
+    await waitForWords(page, "The link is");
+    const changed = ["true", "false", "5.5 of 10", "bass left, manual right", "false"];
+    assert.deepEqual(await toldBy(page, controls), changed);
+
+    const fragment = new URL(page.url()).hash;
+    const opened = await openPage(t, {fragment});
+    assert.deepEqual(await toldBy(opened, controls), changed);
+    await opened.click("#link");
+    await waitForWords(opened, "The link is");
+    assert.equal(new URL(opened.url()).hash, fragment); // of the same seed, too
+    await opened.evaluate(() => location.hash = "Flute=0&Volume=loud");
+    await waitForWords(opened, "no registration");
+    await opened.evaluate(() => location.hash = "Flute=0&Contour=1");
+    await opened.waitForFunction(() => document.querySelector(".flute").ariaChecked === "false");
+    assert.deepEqual(await toldBy(opened, controls), ["false", "false", "10.0 of 10", ...changed.slice(3)]);
+});

@@ -6,7 +6,7 @@ import {readFileSync} from "node:fs";
 
 import {drawings} from "./drawings.mjs";
 
-const styles = ["console", "panel", "rail", "manual"];
+const styles = ["console", "panel", "plates", "rail", "manual"];
 
 const read = (name) => readFileSync(new URL(name, import.meta.url), "utf8");
 const hashOf = (text) => `'sha256-${createHash("sha256").update(text).digest("base64")}'`;

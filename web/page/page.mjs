@@ -3,8 +3,10 @@
 import {createOrgan} from "../organ.mjs";
 import {ComputerKeys} from "./computer_keys.mjs";
 import {HeldNotes} from "./held_notes.mjs";
+import {Link} from "./link.mjs";
 import {Manual} from "./manual.mjs";
 import {Panel} from "./panel.mjs";
+import {Registrations} from "./registrations.mjs";
 
 const firstRegistration = "fairground";
 
@@ -37,13 +39,27 @@ function releaseWhereNobodyLooks(...hands) {
     document.addEventListener("visibilitychange", () => document.hidden && releaseAll());
 }
 
+function offerLink(organ, panel) {
+    const link = new Link(organ);
+    for (const [target, type] of [[organ, "change"], [panel, "edit"]])
+        target.addEventListener(type, () => link.follow());
+    addEventListener("hashchange", () => attempt(() => link.open()));
+    find("#link").addEventListener("click", () => attempt(async () => {
+        const address = await link.write();
+        const isCopied = await navigator.clipboard?.writeText(address).then(() => true, () => false);
+        say(`The link ${isCopied ? "is copied" : "is in the address line"}: it brings this very registration.`);
+    }));
+    return link;
+}
+
 async function start() {
     const context = new AudioContext({latencyHint: "interactive"});
-    const organ = await createOrgan(context, {registration: firstRegistration});
+    const organ = await createOrgan(context);
     organ.node.connect(context.destination);
 
     const held = new HeldNotes(organ);
     const panel = new Panel(organ, {panel: find(".panel"), split: find(".split")});
+    const registrations = new Registrations(organ, find(".registrations"));
     const manual = new Manual(find(".manual"), held);
     const computerKeys = new ComputerKeys(held);
     releaseWhereNobodyLooks(manual, computerKeys);
@@ -54,7 +70,13 @@ async function start() {
             held.forget();
             organ.panic();
         });
-    panel.addEventListener("say", ({detail}) => say(detail));
+    for (const source of [panel, registrations])
+        source.addEventListener("say", ({detail}) => say(detail));
+    panel.addEventListener("edit", () => registrations.unmark());
+
+    const link = offerLink(organ, panel);
+    registrations.draw(firstRegistration);
+    await attempt(() => link.open());
     document.body.classList.add("ready");
 }
 
