@@ -14,7 +14,9 @@ constexpr double linear_travel = 200;                    ///< pixels upwards fro
 constexpr double blind_radius = 2; ///< pixels; nearer to the axis a pixel is too large an angle
 constexpr float wheel_step = 0.01f;
 
-float fineness(int buttons) { return (buttons & kShift) != 0 ? 0.25f : 1.0f; }
+bool is_fine(int buttons) { return (buttons & kShift) != 0; }
+
+float fineness(int buttons) { return is_fine(buttons) ? 0.25f : 1.0f; }
 
 } // namespace
 
@@ -31,7 +33,7 @@ void CAnimKnob::onMouseDown(CPoint where, int buttons) {
     last = where;
     lastAngle = angleOf(where);
     beginEdit(); // which may end the drag, and the editor
-    if (dragging && owner()->getKnobMode() == kCircularMode)
+    if (dragging && owner()->getKnobMode() == kCircularMode && !is_fine(buttons))
         turnTo(static_cast<float>(0.5 + lastAngle / sweep));
 }
 
@@ -47,17 +49,16 @@ void CAnimKnob::onMouseMoved(CPoint where, int buttons) {
 
 double CAnimKnob::follow(CPoint where, double angle, int buttons) const {
     const double now = getValue();
-    switch (owner()->getKnobMode()) {
-    case kLinearMode:
+    const CKnobMode mode = owner()->getKnobMode();
+    if (mode == kLinearMode)
         return now + (last.y - where.y) / linear_travel * fineness(buttons);
-    case kCircularMode: {
+    if (mode == kCircularMode && !is_fine(buttons)) {
         const double under = std::clamp(0.5 + angle / sweep, 0.0, 1.0);
         // Across the gap at 6 o'clock the knob stays at the end where it is.
         return std::abs(under - now) > 0.5 ? std::round(now) : under;
     }
-    default:
-        return now + std::remainder(angle - lastAngle, 2 * std::numbers::pi) / sweep;
-    }
+    return now
+           + std::remainder(angle - lastAngle, 2 * std::numbers::pi) / sweep * fineness(buttons);
 }
 
 void CAnimKnob::onMouseUp() {

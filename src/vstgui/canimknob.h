@@ -1,7 +1,7 @@
 #pragma once
-/// A knob. A drag turns it as the owner's knob mode says; the wheel turns it by a hundredth a
-/// notch, a quarter of that with Shift; a double click or a click with Ctrl brings its default
-/// back. All is [ui].
+/// A knob. A drag turns it as the owner's knob mode says, and the wheel by a hundredth a notch;
+/// with Shift both turn it by a quarter of that, from where it is. A double click or a click with
+/// Ctrl brings its default back. All is [ui].
 
 #include "vstgui/ccontrol.h"
 

@@ -27,6 +27,8 @@ TEST_F(Knob, ADragTurnsItAsItsModeSays) {
           row{"pressed only", kRelativeCircularMode, 0.5f, 0.5f, {left}},
           row{"pointing to the press", kCircularMode, 0.1f, 0.8f, {right}},
           row{"pointing to the mouse", kCircularMode, 0.1f, 0.2f, {top, left}},
+          row{"finely with the mouse", kRelativeCircularMode, 0.5f, 0.575f, {top, right}, kShift},
+          row{"finely from where it is", kCircularMode, 0.5f, 0.425f, {right, top}, kShift},
           row{"held at its end", kCircularMode, 0.9f, 1, {right, {4, 100}, {-6, 100}}},
           row{"up", kLinearMode, 0.25f, 0.5f, {right, {100, -50}}},
           row{"down finely", kLinearMode, 0.25f, 0.2f, {right, {100, 40}}, kShift}}) {
@@ -34,7 +36,7 @@ TEST_F(Knob, ADragTurnsItAsItsModeSays) {
         host.idle();
         EXPECT_EQ(host.ask(effSetEditKnobMode, r.mode), 1);
         const CPoint first = r.path.front(); // pressed on the knob, in line with it
-        press(beside_axis({first.x / 10, first.y / 10}));
+        press(beside_axis({first.x / 10, first.y / 10}), kLButton | r.keys);
         for (const CPoint point : r.path)
             move(beside_axis(point), r.keys);
         release(beside_axis(r.path.back()));
