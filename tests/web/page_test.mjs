@@ -175,3 +175,67 @@ test("an address brings the organ that it was copied from", async (t) => {
     await opened.waitForFunction(() => document.querySelector(".flute").ariaChecked === "false");
     assert.deepEqual(await toldBy(opened, controls), ["false", "false", "10.0 of 10", ...changed.slice(3)]);
 });
+
+// In the page: a browser with MIDI inputs that come and go.
+function fakeMidi() {
+    const inputs = new Map();
+    const access = {inputs, onstatechange: null};
+    navigator.requestMIDIAccess = async () => access;
+    const change = (port, state) => {
+        port.state = state;
+        access.onstatechange?.({port});
+    };
+    globalThis.plug = (name) => {
+        inputs.set(name, inputs.get(name) ?? {type: "input", name, onmidimessage: null});
+        change(inputs.get(name), "connected");
+    };
+    globalThis.unplug = (name) => change(inputs.get(name), "disconnected");
+    globalThis.send = (name, ...data) => inputs.get(name).onmidimessage?.({data: Uint8Array.from(data)});
+    plug("one");
+}
+
+test("MIDI keyboards play, teach and go", async (t) => {
+    const page = await openPage(t, {prepare: fakeMidi});
+    const send = (name, ...bytes) => page.evaluate((...message) => send(...message), name, ...bytes);
+    await page.click("#midi");
+    await waitForWords(page, "one plays");
+    await send("one", 0x90, 60, 100);
+    await waitForLit(page, 60);
+    assert(await page.evaluate(() => {
+        send("one", 0x80, 10, 0);
+        return document.querySelector(".lamp").matches(".lit");
+    }));
+    await page.evaluate(() => plug("two"));
+    await waitForWords(page, "one, two play");
+    await send("two", 0x95, 62, 100);
+    await send("one", 0x90, 60, 0);
+    await waitForLit(page, 62);
+    await waitForSound(page);
+    await page.evaluate(() => unplug("two"));
+    await waitForWords(page, "one plays");
+    await waitForLit(page);
+    await waitForSound(page, false);
+
+    await send("one", 0xC0, 5); // the sixth registration
+    assert.deepEqual(await toldBy(page, ["Full organ", "Contour"]), ["true", "1.0 of 10"]);
+    await page.click("aria/MIDI learn");
+    await (await page.$("aria/Contour")).press("End");
+    await send("one", 0xB2, 20, 127);
+    await waitForWords(page, "Contour follows controller 20 on channel 3");
+    assert.deepEqual(await toldBy(page, ["MIDI learn"]), ["false"]);
+    await page.reload();
+    await page.waitForSelector(".ready");
+    await page.click("#midi");
+    await send("one", 0xB2, 20, 0);
+    await page.waitForFunction(() => document.querySelector("[aria-label=Contour]").ariaValueText === "0.0 of 10");
+});
+
+for (const [why, prepare, words] of [
+    ["without MIDI", () => delete Navigator.prototype.requestMIDIAccess, "has no MIDI"],
+    ["whose user refuses", () => navigator.requestMIDIAccess = () => Promise.reject(new DOMException("no")), "not allowed"],
+])
+    test(`a browser ${why} says so`, async (t) => {
+        const page = await openPage(t, {prepare});
+        await page.click("#midi");
+        await waitForWords(page, words);
+    });

@@ -3,8 +3,10 @@
 import {createOrgan} from "../organ.mjs";
 import {ComputerKeys} from "./computer_keys.mjs";
 import {HeldNotes} from "./held_notes.mjs";
+import {followLearning} from "./learned.mjs";
 import {Link} from "./link.mjs";
 import {Manual} from "./manual.mjs";
+import {connectMidi} from "./midi_button.mjs";
 import {Panel} from "./panel.mjs";
 import {Registrations} from "./registrations.mjs";
 
@@ -64,6 +66,7 @@ async function start() {
     const computerKeys = new ComputerKeys(held);
     releaseWhereNobodyLooks(manual, computerKeys);
     organ.addEventListener("notes", ({detail}) => manual.light(detail));
+    followLearning(organ);
     await labelKeys(manual, computerKeys);
     for (const source of [panel, computerKeys])
         source.addEventListener("panic", () => {
@@ -73,6 +76,7 @@ async function start() {
     for (const source of [panel, registrations])
         source.addEventListener("say", ({detail}) => say(detail));
     panel.addEventListener("edit", () => registrations.unmark());
+    connectMidi({organ, held, panel, registrations, button: find("#midi"), attempt, say});
 
     const link = offerLink(organ, panel);
     registrations.draw(firstRegistration);

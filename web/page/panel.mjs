@@ -53,7 +53,6 @@ export class Panel extends EventTarget {
         for (const name of this.#controls.keys())
             this.#show(name);
         organ.addEventListener("change", ({detail}) => this.#show(detail.name));
-        organ.addEventListener("activity", () => this.flash());
         organ.addEventListener("learned", ({detail}) => this.#endLearning(detail));
     }
 
