@@ -55,7 +55,7 @@ void saved_state_put(const saved_state& state, control& registry) {
         const int index = control_find_parameter(&registry, saved.name.c_str());
         if (index < 0)
             continue;
-        control_set_parameter(&registry, index, saved.value);
+        control_set_parameter(&registry, index, std::min(std::max(0.0f, saved.value), 1.0f));
         parameter& param = *registry.parameters[static_cast<std::size_t>(index)];
         param.midi_cc.store(saved.midi_cc, std::memory_order_relaxed);
         param.midi_channel.store(saved.midi_channel, std::memory_order_relaxed);

@@ -31,7 +31,8 @@ struct saved_state {
 /// Returns the registry's values and assignments.
 [[nodiscard]] saved_state saved_state_take(const control& registry, std::uint32_t seed);
 
-/// Puts a registry where the state has it. What only one of the two knows is left alone.
+/// Puts a registry where the state has it, values beyond their range at its end. What only one of
+/// the two knows is left alone.
 void saved_state_put(const saved_state& state, control& registry);
 
 [[nodiscard]] std::string saved_state_write(const saved_state& state);

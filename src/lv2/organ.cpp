@@ -65,7 +65,7 @@ void lv2_organ::follow_ports(player& playing) noexcept {
             || std::abs(*p_value - said.load(std::memory_order_relaxed)) <= rounding)
             continue;
         said.store(*p_value, std::memory_order_relaxed);
-        player_set_parameter(&playing, static_cast<int>(i), *p_value);
+        player_set_parameter(&playing, static_cast<int>(i), std::min(*p_value, 1.0f));
     }
 }
 

@@ -2,8 +2,9 @@
 /// The plug-in that an LV2 host talks to: it adapts the host's calls to the instrument.
 ///
 /// A port's value is taken when it is another than the port last said, so that what MIDI moved
-/// stays until the host moves it too. The state keeps beside the instrument what the ports said:
-/// a project that is loaded again says the same, and what MIDI moved is there again.
+/// stays until the host moves it too; beyond its range it counts as the range's end. The state
+/// keeps beside the instrument what the ports said: a project that is loaded again says the same,
+/// and what MIDI moved is there again.
 
 #include "instrument/instrument.h"
 #include "realtime/nonblocking.h"

@@ -58,6 +58,8 @@ TEST_F(Instrument, AStateIsTakenWholeOrNotAtAll) {
     const std::pair<std::string, bool> rows[] = {
         {start + "end\n", true},
         {start + "Volume 0.5 7 1\nNoSuch name 1 2 3\nend\n", true},
+        {start + "Bass -1 2 3\nend\n", true},
+        {start + "Bass 1e30 2 3\nend\n", true},
         {start, false},
         {start + "end\nend\n", false},
         {start + "Bass\nend\n", false},
@@ -78,6 +80,10 @@ TEST_F(Instrument, AStateIsTakenWholeOrNotAtAll) {
         const std::string before = played.save();
         EXPECT_EQ(played.load(text), is_taken) << text;
         EXPECT_EQ(played.save() == before, !is_taken) << text;
+        for (int i = 0; i < 10; ++i) {
+            const float value = player_get_parameter(&played.shown(), i);
+            EXPECT_TRUE(value >= 0 && value <= 1) << text;
+        }
     }
 }
 

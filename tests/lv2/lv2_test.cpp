@@ -132,6 +132,7 @@ TEST_F(Lv2, WhatMidiMovedStaysUntilThePortMoves) {
     EXPECT_EQ(volume_after(std::numeric_limits<float>::infinity()), "1");
     EXPECT_EQ(volume_after(0.25f), "1") << "it has said nothing else";
     EXPECT_EQ(volume_after(-3), "0");
+    EXPECT_EQ(volume_after(1e30f), "1");
     EXPECT_EQ(volume_after(0.0123f), "0.0123");
     host.run(64, loudest);
     const kept_state kept = host.save();
