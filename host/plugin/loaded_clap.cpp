@@ -97,11 +97,8 @@ void loaded_clap::create() {
 
 void loaded_clap::find_ports() {
     params_ = extension<clap_plugin_params>(clap_params_id);
-    clap_audio_port_info audio{};
-    const auto* audio_ports = extension<clap_plugin_audio_ports>(clap_audio_ports_id);
-    if (audio_ports && audio_ports->count(plugin_, false) > 0
-        && audio_ports->get(plugin_, 0, false, &audio))
-        nb_channels_ = audio.channel_count;
+    inputs_.attach(plugin_, true);
+    outputs_.attach(plugin_, false);
     clap_note_port_info notes{};
     const auto* note_ports = extension<clap_plugin_note_ports>(clap_note_ports_id);
     if (note_ports && note_ports->count(plugin_, true) > 0
@@ -257,6 +254,8 @@ bool loaded_clap::load(std::string_view state) {
 
 void loaded_clap::resume(host_activity) {
     events_.reserve(nb_events_of_a_block);
+    inputs_.make_room(block_frames_);
+    outputs_.make_room(block_frames_);
     if (!plugin_->activate(plugin_, rate_hz_, 1, static_cast<std::uint32_t>(block_frames_)))
         fail("refuses a rate of " + std::to_string(rate_hz_) + " Hz");
     if (plugin_->start_processing(plugin_))
@@ -336,18 +335,14 @@ void loaded_clap::process(channel_memory, channel_memory outputs, int nb_frames)
     take_settings();
     const clap_input_events in = list_of(events_);
     const clap_output_events out{.ctx = this, .try_push = hear};
-    clap_audio_buffer output{.data32 = const_cast<float**>(outputs.data()),
-                             .data64 = nullptr,
-                             .channel_count = nb_channels_,
-                             .latency = 0,
-                             .constant_mask = 0};
+    outputs_.connect(outputs);
     const clap_process block{.steady_time = -1,
                              .frames_count = static_cast<std::uint32_t>(nb_frames),
                              .transport = transport_,
-                             .audio_inputs = nullptr,
-                             .audio_outputs = &output,
-                             .audio_inputs_count = 0,
-                             .audio_outputs_count = 1,
+                             .audio_inputs = inputs_.records(),
+                             .audio_outputs = outputs_.records(),
+                             .audio_inputs_count = inputs_.size(),
+                             .audio_outputs_count = outputs_.size(),
                              .in_events = &in,
                              .out_events = &out};
     status_ = plugin_->process(plugin_, &block);

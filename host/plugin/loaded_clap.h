@@ -4,6 +4,7 @@
 
 #include "clap/interface.h"
 #include "platform/library.h"
+#include "plugin/clap_buffers.h"
 #include "plugin/clap_editor.h"
 #include "plugin/plugin.h"
 #include "realtime/ring.h"
@@ -72,7 +73,7 @@ public:
     void set_stream_piece(std::size_t nb_bytes) { stream_piece_ = nb_bytes; }
 
     [[nodiscard]] bool is_instrument() const override { return dialects_ != 0; }
-    [[nodiscard]] int nb_outputs() const override { return static_cast<int>(nb_channels_); }
+    [[nodiscard]] int nb_outputs() const override { return outputs_.nb_channels(); }
     void send(event_list& events) override;
     using plugin::process;
     void process(channel_memory inputs, channel_memory outputs, int nb_frames) override;
@@ -110,7 +111,7 @@ private:
     const clap_plugin_params* params_ = nullptr;
     std::vector<clap_param_info> infos_{};
     std::vector<std::atomic<double>> settings_{}; ///< by parameter: on its way; NaN: none
-    std::uint32_t nb_channels_ = 0;               ///< of the first output port
+    clap_buffers inputs_{}, outputs_{};           ///< the first output's is listened to
     std::uint32_t dialects_ = 0;                  ///< of the first note port
     std::vector<event> events_{};                 ///< of the next block
     const clap_event_transport* transport_ = nullptr;

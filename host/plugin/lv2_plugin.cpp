@@ -200,6 +200,7 @@ void lv2_plugin::set_up() {
         {}};
     const LV2_Feature features[] = {
         {LV2_URID__map, &map_},
+        {LV2_URID__unmap, &unmap_},
         {LV2_WORKER__schedule, &schedule_},
         {LV2_OPTIONS__options, const_cast<LV2_Options_Option*>(options)},
         {LV2_BUF_SIZE__boundedBlockLength, nullptr}};

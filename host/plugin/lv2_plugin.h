@@ -1,7 +1,7 @@
 #pragma once
 /// An LV2 instrument as the command's, known by nothing but what its bundle says and its binary
-/// interface. One thread at a time may use it; what the plug-in wants done outside of its blocks is
-/// done between them, at once. The editor may set parameters meanwhile.
+/// interface. One thread at a time may use it; what the plug-in leaves to a worker is done at once,
+/// within the block, and answered behind it. The editor may set parameters meanwhile.
 
 #include "plugin/lilv_owned.h"
 #include "plugin/lv2_editor.h"

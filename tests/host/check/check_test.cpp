@@ -128,6 +128,7 @@ TEST(Check, InstrumentWithoutFaultsFailsNoRow) {
     const process_result judged = judge({TEST_FAULTY});
     EXPECT_EQ(judged.status, 0) << judged.out << judged.err;
     EXPECT_EQ(rows(judged, "warning"), (lines{"record/pointers", "panel/opens"})) << judged.out;
+    EXPECT_EQ(judge({"--only", "blocks", TEST_FAULTY_CLAP}).status, 0) << "ports of any number";
 }
 
 TEST(Check, OwnInstrumentDoesWhatAnyHostExpects) {

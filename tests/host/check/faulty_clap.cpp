@@ -1,7 +1,9 @@
-// The organ as a CLAP plug-in, without faults but for the one that TINDELWAX_TEST_FAULT names.
+// The organ as a CLAP plug-in with a port more each way, without faults but for the one that
+// TINDELWAX_TEST_FAULT names.
 
 #include "clap/interface.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -40,6 +42,23 @@ bool get_info(const clap_plugin* plugin, std::uint32_t index, clap_param_info* i
     return is_there;
 }
 
+bool get_port(const clap_plugin* plugin, std::uint32_t index, bool is_input,
+              clap_audio_port_info* info) {
+    const std::uint32_t nb_own = is_input ? 0 : 1;
+    *info = {.id = 9,
+             .name = "More",
+             .flags = 0,
+             .channel_count = 1,
+             .port_type = nullptr,
+             .in_place_pair = CLAP_INVALID_ID};
+    return index == nb_own
+           || whole_extension<clap_plugin_audio_ports>(plugin, clap_audio_ports_id)
+                  ->get(plugin, index, is_input, info);
+}
+
+constexpr clap_plugin_audio_ports ports{
+    .count = [](const clap_plugin*, bool is_input) { return is_input ? 1u : 2u; }, .get = get_port};
+
 bool load_at_once(const clap_plugin* plugin, const clap_istream* stream) {
     static char bytes[4096];
     static std::int64_t nb_bytes;
@@ -65,6 +84,8 @@ const void* get_extension(const clap_plugin* plugin, const char* id) {
                               const clap_output_events*) noexcept NONBLOCKING {};
         return &params;
     }
+    if (std::strcmp(id, clap_audio_ports_id) == 0)
+        return &ports;
     if (std::strcmp(id, clap_state_id) == 0) {
         state = *whole_extension<clap_plugin_state>(plugin, id);
         if (fault == "large_reads")
@@ -79,6 +100,8 @@ const void* get_extension(const clap_plugin* plugin, const char* id) {
 clap_process_status process(const clap_plugin* plugin,
                             const clap_process* block) noexcept NONBLOCKING {
     clap_process seen = *block;
+    std::copy_n(block->audio_inputs[0].data32[0], block->frames_count,
+                block->audio_outputs[1].data32[0]);
     const clap_input_events none{nullptr,
                                  [](const clap_input_events*) noexcept NONBLOCKING { return 0u; },
                                  block->in_events->get};
