@@ -41,11 +41,11 @@ void required_features(trial& running) {
     });
 }
 
-/// A host keeps what it saves by symbols, and begins with the defaults.
 struct port_range {
     float least, most;
 };
 
+/// A host keeps what it saves by symbols, and begins with the defaults.
 std::map<std::string, port_range> ranges_of(trial& running, const lv2_plugin& plugin) {
     const LilvPlugin* const described = plugin.described();
     const std::uint32_t nb_ports = lilv_plugin_get_num_ports(described);

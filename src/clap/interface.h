@@ -259,6 +259,7 @@ constexpr char clap_params_id[] = "clap.params";
 
 using clap_param_info_flags = std::uint32_t;
 constexpr clap_param_info_flags CLAP_PARAM_IS_STEPPED = 1;
+constexpr clap_param_info_flags CLAP_PARAM_IS_READONLY = 8; ///< for the host
 constexpr clap_param_info_flags CLAP_PARAM_IS_AUTOMATABLE = 32;
 constexpr clap_param_info_flags CLAP_PARAM_IS_ENUM = 65536;
 
