@@ -9,6 +9,7 @@ import {Manual} from "./manual.mjs";
 import {connectMidi} from "./midi_button.mjs";
 import {Panel} from "./panel.mjs";
 import {Registrations} from "./registrations.mjs";
+import {offerSongs} from "./songs.mjs";
 
 const firstRegistration = "fairground";
 
@@ -68,8 +69,11 @@ async function start() {
     organ.addEventListener("notes", ({detail}) => manual.light(detail));
     followLearning(organ);
     await labelKeys(manual, computerKeys);
+
+    const songs = offerSongs(organ, {demo: find("#demo"), song: find("#song"), file: find("#file")}, attempt, say);
     for (const source of [panel, computerKeys])
         source.addEventListener("panic", () => {
+            songs.stop();
             held.forget();
             organ.panic();
         });
