@@ -57,14 +57,12 @@ def draw_keys():
         whites += not is_black[key]
     picture = Picture(2 * left + whites * white, 262)
     end = left + whites * white
-    split, double = place[BASS_KEYS[0] + OCTAVE], place[BASS_KEYS[0] + 2 * OCTAVE]
+    split = place[BASS_KEYS[0] + OCTAVE]
 
     picture.bracket(left + 2, split - 2, 22, "bass: lowest key alone", WARM)
     picture.bracket(split + 2, end - 2, 22, "manual: every key, an octave above its note", COOL)
-    picture.bracket(left + 2, split - 2, 52, "with BassChords,", COOL)
-    picture.bracket(split + 2, double - 2, 52, "at the same pitch", COOL)
-    picture.text((left + split) / 2, 74, "manual too", COOL)
-    picture.text((split + double) / 2, 74, "as these keys", COOL)
+    picture.bracket(left + 2, split - 2, 52, "BassChords: manual too,", COOL)
+    picture.text((left + split) / 2, 72, "at the pitch of the next octave", COOL, 11)
     for key in sorted(KEYS, key=is_black.get):
         tint = "#f6ddd8" if key in BASS_KEYS else "#fff"
         if is_black[key]:
