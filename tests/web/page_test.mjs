@@ -277,3 +277,32 @@ test("songs play on the keys, and what is none says so", async (t) => {
     await page.waitForSelector("aria/Play the demo");
     await waitForSound(page, false);
 });
+
+test("a recording is a WAV file of what was heard", async (t) => {
+    const page = await openPage(t, {prepare: () => {
+        const {createObjectURL} = URL;
+        URL.createObjectURL = (file) => {
+            globalThis.saved = file;
+            return createObjectURL(file);
+        };
+    }});
+    await (await page.$("aria/Split")).press("Home");
+    await page.click("aria/Record");
+    await waitForWords(page, "being recorded");
+    await page.keyboard.down("KeyZ");
+    await waitForSound(page);
+    await page.click("aria/Save the recording");
+    await waitForWords(page, "tindelwax.wav");
+    const file = Buffer.from(await page.evaluate(async () => Array.from(new Uint8Array(await saved.arrayBuffer()))));
+    const rate = await page.evaluate(() => overheard.context.sampleRate);
+    const headerBytes = 58;
+    const nbFrames = (file.length - headerBytes) / 8;
+    assert.equal(file.toString("latin1", 0, 4) + file.toString("latin1", 8, 16), "RIFFWAVEfmt ");
+    assert.deepEqual([4, 16, 24, 28, 46, 54].map((at) => file.readUInt32LE(at)),
+        [file.length - 8, 18, rate, rate * 8, nbFrames, nbFrames * 8]);
+    assert.deepEqual([20, 22, 32, 34].map((at) => file.readUInt16LE(at)), [3, 2, 8, 32]);
+    const peakOf = (channel) => Math.max(...Array.from({length: nbFrames}, (_, frame) =>
+        Math.abs(file.readFloatLE(headerBytes + 8 * frame + 4 * channel))));
+    assert.equal(peakOf(0), 0); // the bass alone is there, which nobody played
+    assert(peakOf(1) > 1e-3);
+});

@@ -8,6 +8,7 @@ import {Link} from "./link.mjs";
 import {Manual} from "./manual.mjs";
 import {connectMidi} from "./midi_button.mjs";
 import {Panel} from "./panel.mjs";
+import {offerRecording} from "./record_button.mjs";
 import {Registrations} from "./registrations.mjs";
 import {offerSongs} from "./songs.mjs";
 
@@ -80,6 +81,7 @@ async function start() {
     for (const source of [panel, registrations])
         source.addEventListener("say", ({detail}) => say(detail));
     panel.addEventListener("edit", () => registrations.unmark());
+    offerRecording(organ, find("#record"), attempt, say);
     connectMidi({organ, held, panel, registrations, button: find("#midi"), attempt, say});
 
     const link = offerLink(organ, panel);
