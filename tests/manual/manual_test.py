@@ -30,7 +30,6 @@ def furnish(folder):
     for plugin in folder / "plugin.so", home / ".vst/tindelwax.so":
         plugin.symlink_to(PROGRAMS / "tindelwax.so")
     (folder / "run").symlink_to(PROGRAMS / "tindelwax") # as run hands its arguments on
-    shutil.copytree(ROOT / "registrations", folder / "registrations")
     wiring = folder / "wiring"
     shutil.copytree(ROOT / "src/harpmatrix", wiring / "harpmatrix")
     shutil.copytree(ROOT / "src/control", wiring / "control")
