@@ -246,7 +246,7 @@ const song = [..."MThd\0\0\0\x06\0\0\0\x01\0\x60MTrk\0\0\0\x0c\x60\x90\x40\x64\x
 // In the page: returns which keys were lit together until the song ends.
 async function watchSong() {
     const seen = new Set();
-    while (document.querySelector("#demo").ariaPressed === "true") {
+    while (document.querySelector("#demo").matches(".on")) {
         seen.add(Array.from(document.querySelectorAll(".key.lit"), ({dataset}) => dataset.note).join());
         await new Promise(requestAnimationFrame);
     }
@@ -305,4 +305,54 @@ test("a recording is a WAV file of what was heard", async (t) => {
         Math.abs(file.readFloatLE(headerBytes + 8 * frame + 4 * channel))));
     assert.equal(peakOf(0), 0); // the bass alone is there, which nobody played
     assert(peakOf(1) > 1e-3);
+});
+
+const panelControls = [
+    "switch MIDI learn", "button Panic: silence everything", "switch Vibrato", "switch Bass chords", "switch Flute",
+    "switch Bright", "switch Brass", "switch Mellow", "slider Contour", "slider Bass volume", "slider Volume",
+];
+const deskControls = [
+    "button Play the demo", "button Open a song…", "button Record", "button MIDI keyboard", "button Copy a link",
+];
+const otherControls = [...panelControls, ...deskControls, "slider Split"];
+
+test("every control has a name, and the keyboard reaches it visibly", async (t) => {
+    const page = await openPage(t);
+    const flat = (node) => [node, ...(node.children ?? []).flatMap(flat)];
+    const named = flat(await page.accessibility.snapshot())
+        .filter(({role}) => ["button", "radio", "slider", "switch"].includes(role))
+        .map(({role, name}) => `${role} ${name}`);
+    assert.deepEqual(named.slice(12, -49), otherControls);
+    assert(named.slice(0, 12).every((name) => /^radio \w/.test(name)));
+    assert.deepEqual([12, 13, 48].map((key) => named.slice(-49)[key]), ["button C 2", "button C sharp 2", "button C 5"]);
+
+    const reached = [];
+    for (let stop; stop !== "body"; reached.push(stop)) {
+        await page.keyboard.press("Tab");
+        stop = await page.evaluate(() => {
+            const {activeElement: element, body} = document;
+            const isSeen = getComputedStyle(element.closest("label") ?? element).outlineStyle === "solid";
+            return element === body ? "body" : `${isSeen} ${element.ariaLabel ?? (element.textContent || element.value)}`;
+        });
+    }
+    const wanted = ["fairground", ...otherControls.map((name) => name.replace(/^\w+ /, "")), "C 3"];
+    assert.deepEqual(reached.slice(0, -1), wanted.map((name) => `true ${name}`));
+});
+
+test("all that is played is in sight, from a phone to a wall", async (t) => {
+    const page = await openPage(t);
+    for (const [width, height] of [[360, 640], [640, 360], [1280, 800], [3840, 2160]])
+        await t.test(`${width} by ${height}`, async () => {
+            await page.setViewport({width, height});
+            const covered = await page.evaluate(() => {
+                const isOnTop = (element) => {
+                    const {left, right, bottom, height} = element.getBoundingClientRect();
+                    return element.contains(document.elementFromPoint((left + right) / 2, bottom - height / 8));
+                };
+                return Array.from(document.querySelectorAll(".key, .panel > :not(svg), .slide, .desk button"))
+                    .filter((element) => !isOnTop(element)).map((element) => element.ariaLabel ?? element.textContent);
+            });
+            assert.deepEqual(covered, []);
+            assert(await page.evaluate(() => document.documentElement.scrollHeight <= innerHeight));
+        });
 });

@@ -8,7 +8,7 @@ const wordsOf = (names) => names.length === 0 ? "No MIDI keyboard is there yet: 
 export function connectMidi({organ, held, panel, registrations, button, attempt, say}) {
     const inputs = new MidiInputs(organ, held);
     const show = () => {
-        button.setAttribute("aria-pressed", String(inputs.names.length !== 0));
+        button.classList.toggle("on", inputs.names.length !== 0);
         say(wordsOf(inputs.names));
     };
     button.addEventListener("click", () => attempt(async () => {

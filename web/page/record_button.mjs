@@ -12,7 +12,7 @@ function save(file, name) {
 export function offerRecording(organ, button, attempt, say) {
     const recorder = new Recorder(organ.node);
     const show = () => {
-        button.setAttribute("aria-pressed", String(recorder.isRunning));
+        button.classList.toggle("on", recorder.isRunning);
         button.textContent = recorder.isRunning ? "Save the recording" : "Record";
     };
     button.addEventListener("click", () => attempt(async () => {

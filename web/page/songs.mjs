@@ -28,7 +28,7 @@ export function offerSongs(organ, {demo, song, file: chooser}, attempt, say) {
     });
     player.addEventListener("change", () => {
         demo.textContent = player.isPlaying ? "Stop the song" : "Play the demo";
-        demo.setAttribute("aria-pressed", String(player.isPlaying));
+        demo.classList.toggle("on", player.isPlaying);
     });
     song.addEventListener("click", () => chooser.click());
     chooser.addEventListener("change", () => {
