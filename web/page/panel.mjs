@@ -65,7 +65,7 @@ export class Panel extends EventTarget {
 
     #makeTab(name) {
         const tab = element("button", {className: `tab ${name.toLowerCase()}`, role: "switch",
-            ariaLabel: labelOf(name)}, drawing("tab"), element("span", {className: "light"}));
+            ariaLabel: labelOf(name)}, drawing("tab"));
         tab.addEventListener("click", () => this.#edit(name, this.#organ.get(name) < 0.5 ? 1 : 0));
         this.#controls.set(name, (value) => tab.setAttribute("aria-checked", String(value >= 0.5)));
         return tab;
