@@ -135,6 +135,7 @@ const moves = [
 
 test("controls move the organ, and tell it in words", async (t) => {
     const page = await openPage(t);
+    await page.evaluate(() => overheard.context.suspend());
     for (const [by, name, before, after, move] of moves)
         await t.test(`${name} by ${by}`, async () => {
             const control = await page.$(`aria/${name}`);
@@ -144,6 +145,7 @@ test("controls move the organ, and tell it in words", async (t) => {
             await move(page, control);
             assert.equal(await told(), after);
         });
+    assert.equal(await page.evaluate(() => overheard.context.state), "running"); // as a gesture came
 });
 
 const toldBy = (page, names) => Promise.all(names.map((name) =>
@@ -231,12 +233,16 @@ test("MIDI keyboards play, teach and go", async (t) => {
 });
 
 for (const [why, prepare, words] of [
-    ["without MIDI", () => delete Navigator.prototype.requestMIDIAccess, "has no MIDI"],
-    ["whose user refuses", () => navigator.requestMIDIAccess = () => Promise.reject(new DOMException("no")), "not allowed"],
+    ["has no MIDI", () => delete Navigator.prototype.requestMIDIAccess, "has no MIDI"],
+    ["is not to have MIDI", () => navigator.requestMIDIAccess = async () => {
+        throw new DOMException();
+    }, "not allowed"],
+    ["has no AudioWorklet", () => delete BaseAudioContext.prototype.audioWorklet, "AudioWorklet"],
 ])
-    test(`a browser ${why} says so`, async (t) => {
-        const page = await openPage(t, {prepare});
-        await page.click("#midi");
+    test(`a browser that ${why} is told so`, async (t) => {
+        const page = await open(t, address, {prepare});
+        if (why.includes("MIDI"))
+            await (await page.waitForSelector("#midi", {visible: true})).click();
         await waitForWords(page, words);
     });
 

@@ -16,7 +16,7 @@ export class Link {
     // Takes over what the address says, if it says anything. Throws in words where that is no state.
     async open() {
         const wanted = new URLSearchParams(location.hash.slice(1));
-        if (wanted.size === 0)
+        if (wanted.toString() === "")
             return;
         const state = (await this.#organ.save()).replace(stateLine, (line, name, before, rest) =>
             wanted.has(name) ? `${name} ${wanted.get(name)}${rest}` : line);

@@ -36,6 +36,15 @@ async function labelKeys(manual, computerKeys) {
     show();
 }
 
+// Where the first gesture is a touch, a key begins too early for browsers that wait for its end.
+function wakeWithGestures(context) {
+    for (const gesture of ["pointerup", "keydown"])
+        addEventListener(gesture, () => {
+            if (context.state !== "running")
+                context.resume();
+        });
+}
+
 function releaseWhereNobodyLooks(...hands) {
     const releaseAll = () => hands.forEach((hand) => hand.releaseAll());
     addEventListener("blur", releaseAll);
@@ -60,6 +69,7 @@ async function start() {
     const context = new AudioContext({latencyHint: "interactive"});
     const organ = await createOrgan(context);
     organ.node.connect(context.destination);
+    wakeWithGestures(context);
 
     const held = new HeldNotes(organ);
     const panel = new Panel(organ, {panel: find(".panel"), split: find(".split")});
