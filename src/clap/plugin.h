@@ -29,8 +29,11 @@ struct clap_instrument {
     voices sounding{};           ///< the audio thread's
     std::uint32_t tail_long = 0; ///< frames at the rate that is set
 
-    std::unique_ptr<clap_panel_window> window{}; ///< the main thread's; null while there is none
-    ring<clap_edit> edits{};                     ///< made on it, for the host
+    ring<clap_edit> edits{}; ///< made on the panel, for the host
+
+    /// The main thread's; null while there is none. The last: as it goes, it may still tell of
+    /// edits.
+    std::unique_ptr<clap_panel_window> window{};
 };
 
 /// [any]
