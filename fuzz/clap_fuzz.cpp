@@ -4,6 +4,7 @@
 
 #include "clap/interface.h"
 #include "fuzz/fuzzed.h"
+#include "plugin/clap_stream.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,26 +15,6 @@
 extern "C" const clap_plugin_entry clap_entry;
 
 namespace {
-
-struct stream {
-    std::string bytes;
-    std::size_t nb_at_once;
-    std::size_t position = 0;
-
-    static std::int64_t read(const clap_istream* in, void* bytes, std::uint64_t size) {
-        auto& self = *static_cast<stream*>(in->ctx);
-        const std::size_t nb_read = self.bytes.copy(static_cast<char*>(bytes),
-                                                    std::min(size, self.nb_at_once), self.position);
-        self.position += nb_read;
-        return static_cast<std::int64_t>(nb_read);
-    }
-    static std::int64_t write(const clap_ostream* out, const void* bytes, std::uint64_t size) {
-        auto& self = *static_cast<stream*>(out->ctx);
-        const std::size_t nb_written = std::min(size, self.nb_at_once);
-        self.bytes.append(static_cast<const char*>(bytes), nb_written);
-        return static_cast<std::int64_t>(nb_written);
-    }
-};
 
 class hosted {
 public:
@@ -56,14 +37,14 @@ public:
     hosted& operator=(const hosted&) = delete;
 
     [[nodiscard]] std::string save() const {
-        stream saved{.bytes{}, .nb_at_once = 7};
-        const clap_ostream out{&saved, stream::write};
+        clap_stream saved{.piece = 7};
+        const clap_ostream out = saved.output();
         require(state->save(plugin, &out));
         return saved.bytes;
     }
     [[nodiscard]] bool load(const std::string& bytes, std::size_t nb_at_once) const {
-        stream loaded{bytes, nb_at_once};
-        const clap_istream in{&loaded, stream::read};
+        clap_stream loaded{.bytes = bytes, .piece = nb_at_once};
+        const clap_istream in = loaded.input();
         return state->load(plugin, &in);
     }
 

@@ -1,6 +1,7 @@
 #include "plugin/loaded_clap.h"
 
 #include "failure/printable.h"
+#include "plugin/clap_stream.h"
 
 #include <algorithm>
 #include <array>
@@ -208,48 +209,22 @@ void loaded_clap::hand_over_settings() {
     events_ = std::move(waiting);
 }
 
-namespace {
-
-/// A state on its way, some bytes at a time.
-struct state_stream {
-    std::string bytes;
-    std::size_t piece;
-    std::size_t done = 0;
-
-    static std::int64_t read(const clap_istream* stream, void* buffer, std::uint64_t size) {
-        auto& [bytes, piece, done] = *static_cast<state_stream*>(stream->ctx);
-        const std::size_t nb = std::min({bytes.size() - done, piece, std::size_t{size}});
-        std::copy_n(bytes.data() + done, nb, static_cast<char*>(buffer));
-        done += nb;
-        return static_cast<std::int64_t>(nb);
-    }
-
-    static std::int64_t write(const clap_ostream* stream, const void* buffer, std::uint64_t size) {
-        auto& self = *static_cast<state_stream*>(stream->ctx);
-        const std::size_t nb = std::min(self.piece, std::size_t{size});
-        self.bytes.append(static_cast<const char*>(buffer), nb);
-        return static_cast<std::int64_t>(nb);
-    }
-};
-
-} // namespace
-
 std::optional<std::string> loaded_clap::save() {
     const auto* state = extension<clap_plugin_state>(clap_state_id);
     if (!state)
         return {};
-    state_stream saved{"", stream_piece_};
-    const clap_ostream stream{&saved, state_stream::write};
-    if (!state->save(plugin_, &stream))
+    clap_stream saved{.piece = stream_piece_};
+    const clap_ostream out = saved.output();
+    if (!state->save(plugin_, &out))
         fail("refuses to save its state");
     return saved.bytes;
 }
 
 bool loaded_clap::load(std::string_view state) {
     const auto* saving = extension<clap_plugin_state>(clap_state_id);
-    state_stream loaded{std::string{state}, stream_piece_};
-    const clap_istream stream{&loaded, state_stream::read};
-    return saving && saving->load(plugin_, &stream);
+    clap_stream loaded{.bytes = std::string{state}, .piece = stream_piece_};
+    const clap_istream in = loaded.input();
+    return saving && saving->load(plugin_, &in);
 }
 
 void loaded_clap::resume(host_activity) {

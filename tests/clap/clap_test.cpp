@@ -303,20 +303,21 @@ TEST(Clap, ParametersAreToldOfAndTextsReadBack) {
 TEST(Clap, StatesComeBackWhole) {
     hosted first, second(48000, "2");
     const auto& state = first.extension<clap_plugin_state>(clap_state_id);
-    const auto load = [&](stream from) {
-        const clap_istream in{&from, stream::read};
+    const auto load = [&](clap_stream from) {
+        const clap_istream in = from.input();
         return state.load(second.plugin, &in);
     };
     first.process(64, {value_at(0, volume, 0.123), value_at(0, vibrato, 1)});
-    stream saved, failing{.text{}, .fails_at = 9};
-    const clap_ostream out{&saved, stream::write}, broken{&failing, stream::write};
+    clap_stream saved = stream_of(""), failing = stream_of("", 9);
+    const clap_ostream out = saved.output(), broken = failing.output();
     ASSERT_TRUE(state.save(first.plugin, &out));
     EXPECT_FALSE(state.save(first.plugin, &broken));
 
-    for (const stream& damaged :
-         {stream{""}, stream{saved.text.substr(1)}, stream{saved.text, saved.text.size() / 2},
-          stream{saved.text, saved.text.size()}, stream{std::string(1 << 20, 'x')}})
-        EXPECT_FALSE(load(damaged)) << damaged.text;
+    const std::string& text = saved.bytes;
+    for (const clap_stream& damaged :
+         {stream_of(""), stream_of(text.substr(1)), stream_of(text, text.size() / 2),
+          stream_of(text, text.size()), stream_of(std::string(1 << 20, 'x'))})
+        EXPECT_FALSE(load(damaged)) << damaged.bytes;
     EXPECT_EQ(second.value(volume), 0.5);
     EXPECT_EQ(second.nb_rescans, 0);
     second.process(64, {note_at(0, CLAP_EVENT_NOTE_ON, 60)});
@@ -327,10 +328,10 @@ TEST(Clap, StatesComeBackWhole) {
     ASSERT_EQ(second.sent.size(), 1u) << "another instrument, whose keys are up";
     EXPECT_EQ(second.sent[0].header.type, CLAP_EVENT_NOTE_END);
 
-    stream again;
-    const clap_ostream copy{&again, stream::write};
+    clap_stream again = stream_of("");
+    const clap_ostream copy = again.output();
     EXPECT_TRUE(state.save(second.plugin, &copy));
-    EXPECT_EQ(again.text, saved.text);
+    EXPECT_EQ(again.bytes, text);
 }
 
 /// Of each preset that the library lists its key, and how its text begins.

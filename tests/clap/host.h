@@ -5,6 +5,7 @@
 #include "clap/interface.h"
 #include "platform/library.h"
 #include "platform/process.h"
+#include "plugin/clap_stream.h"
 
 #include <algorithm>
 #include <array>
@@ -67,30 +68,10 @@ inline const clap_plugin_entry& clap_library() {
     return *entry;
 }
 
-/// A host's stream that moves three bytes at a time, and fails where it holds so many.
-struct stream {
-    std::string text;
-    std::size_t fails_at = std::string::npos;
-    std::size_t position = 0;
-
-    static std::int64_t write(const clap_ostream* out, const void* bytes, std::uint64_t size) {
-        auto& self = *static_cast<stream*>(out->ctx);
-        if (self.text.size() >= self.fails_at)
-            return -1;
-        const auto nb = std::min<std::size_t>(size, 3);
-        self.text.append(static_cast<const char*>(bytes), nb);
-        return static_cast<std::int64_t>(nb);
-    }
-    static std::int64_t read(const clap_istream* in, void* bytes, std::uint64_t size) {
-        auto& self = *static_cast<stream*>(in->ctx);
-        if (self.position >= self.fails_at)
-            return -1;
-        const auto nb = self.text.copy(static_cast<char*>(bytes), std::min<std::size_t>(size, 3),
-                                       self.position);
-        self.position += nb;
-        return static_cast<std::int64_t>(nb);
-    }
-};
+/// A host's stream that moves three bytes at a time, and fails where it has moved so many.
+inline clap_stream stream_of(std::string bytes, std::size_t fails_at = std::string::npos) {
+    return {.bytes = std::move(bytes), .piece = 3, .fails_at = fails_at};
+}
 
 class hosted {
 public:

@@ -107,14 +107,14 @@ TEST_F(ClapPanel, ShowsTheInstrumentAndTellsTheHostOfItsUser) {
 TEST_F(ClapPanel, FollowsAStateAndARate) {
     hosted other{48000, "2"};
     other.process(64, {value_at(0, volume, 0.25), value_at(0, flute, 0)});
-    stream saved;
-    const clap_ostream out{&saved, stream::write};
+    clap_stream saved;
+    const clap_ostream out = saved.output();
     ASSERT_TRUE(other.extension<clap_plugin_state>(clap_state_id).save(other.plugin, &out));
     ASSERT_TRUE(create(clap_system_window_api, false) && set_parent(clap_system_window_api)
                 && gui.show(clap.plugin));
     for (int i = 0; i < 3; ++i) {
-        stream from{saved.text};
-        const clap_istream in{&from, stream::read};
+        clap_stream from{.bytes = saved.bytes};
+        const clap_istream in = from.input();
         ASSERT_TRUE(clap.extension<clap_plugin_state>(clap_state_id).load(clap.plugin, &in));
         EXPECT_EQ(differs(), "");
         click(control_places[flute]);
