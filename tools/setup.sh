@@ -60,6 +60,12 @@ runs_32_bit_programs() {
     exit 1
 }
 
+# Installs a browser without windows and what drives it.
+have_browser() {
+    need "${browser_packages[@]}" && { command -v npm >/dev/null || need npm; } &&
+        npm ci --silent --prefer-offline --no-audit --no-fund
+}
+
 # Configures and builds a preset, quietly unless it fails: build PRESET [cmake options]
 build() {
     local preset=$1 log

@@ -18,7 +18,8 @@ const songs = {
         [...header(1, 2, 0, 96), ...chunk("MTrk", 48, ...secondAQuarter, ...end),
             ...chunk("MTrk", 0, ...on, 96, ...off, 96, ...end.slice(1))], [[0, on], [0.75, off]], 1.75],
     "a status runs on, past what no organ hears": [
-        [...header(0, 1, 0, 96), ...chunk("MTrk", 0, ...on, 0, 0xF0, 2, 1, 0xF7, 0, 0xC0, 5, 0, ...on, 0x81, 0x40, 60, 0, ...end)],
+        [...header(0, 1, 0, 96),
+            ...chunk("MTrk", 0, ...on, 0, 0xF0, 2, 1, 0xF7, 0, 0xC0, 5, 0, ...on, 0x81, 0x40, 60, 0, ...end)],
         [[0, on], [0, on], [1, [0x90, 60, 0]]], 1],
     "frames keep their time": [
         [...header(0, 1, 0xE7, 40), ...chunk("MTrk", 0, ...secondAQuarter, 100, ...on, ...end)], [[0.1, on]], 0.1],
@@ -32,7 +33,8 @@ for (const [name, [bytes, events, seconds]] of Object.entries(songs))
 
 const noSongs = {
     "is no MIDI file": [[], [...Buffer.from("A letter to the organist")]],
-    "breaks off": [header(0, 1, 0, 96).slice(0, 10).concat(1, 2, 3, 4, 5), [...header(0, 1, 0, 96), ...chunk("MTrk", 0, 0x90)],
+    "breaks off": [header(0, 1, 0, 96).slice(0, 10).concat(1, 2, 3, 4, 5),
+        [...header(0, 1, 0, 96), ...chunk("MTrk", 0, 0x90)],
         [...header(0, 1, 0, 96), ...chunk("MTrk", 0, ...on, ...end).slice(0, -2)]],
     "no track": [header(0, 1, 0, 96)],
     "no single song": [header(2, 1, 0, 96)],

@@ -19,7 +19,7 @@ export class MidiInputs extends EventTarget {
         if (!navigator.requestMIDIAccess)
             throw new Error("This browser has no MIDI. The mouse, fingers and computer keys play.");
         this.#access ??= await navigator.requestMIDIAccess().catch(() => {
-            throw new Error("The browser was not allowed to use MIDI. Its settings for this page can change that.");
+            throw new Error("The browser is not allowed to use MIDI: its settings for this page say so.");
         });
         this.#access.onstatechange = ({port}) => this.#follow(port);
         for (const input of this.#access.inputs.values())
