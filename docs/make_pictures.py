@@ -129,7 +129,7 @@ def draw_stop(command, stop):
 def draw_panel():
     """Numbers beside the panel's parts, in the manual's order."""
     spots = [(99, 228), (155, 228), (212, 228), (268, 228), (325, 228), (382, 228),
-             (66, 322), (192, 322), (318, 322), (296, 20), (340, 20), (386, 20)]
+             (62, 296), (188, 296), (314, 296), (296, 20), (340, 20), (386, 20)]
     panel = base64.b64encode((DOCS / "panel.png").read_bytes()).decode()
     picture = Picture(480, 400)
     picture.parts.append(f'<image width="480" height="400" href="data:image/png;base64,{panel}"/>')

@@ -6,6 +6,7 @@ What a test cannot run has the line "<!-- not run: REASON -->" above its fence. 
 commands run one after the other in one folder, which holds what they speak of.
 """
 
+import base64
 import doctest
 import os
 import pathlib
@@ -58,6 +59,11 @@ class Documents(unittest.TestCase):
         if shown:
             check = doctest.OutputChecker().check_output
             self.assertTrue(check("".join(shown), result.stdout, doctest.ELLIPSIS), result.stdout)
+
+    def test_numbers_are_on_the_panel_as_it_is(self):
+        panel = base64.b64encode((ROOT / "docs/panel.png").read_bytes()).decode()
+        self.assertTrue(panel in (ROOT / "docs/panel-numbers.svg").read_text(),
+                        "./run pictures makes them anew")
 
     def test_manual(self):
         self.run_all("docs/manual.md")
