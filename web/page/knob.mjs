@@ -12,7 +12,7 @@ export class Knob extends Slider {
     #last; // place of the pointer that drags
 
     constructor(label) {
-        super(element("div", {className: "knob", ariaLabel: label}, drawing("knob")), keyStep);
+        super(element("div", {class: "knob", "aria-label": label}, drawing("knob")), keyStep);
         const {element: dial} = this;
         dial.addEventListener("pointerdown", (event) => this.#grasp(event));
         dial.addEventListener("pointermove", (event) => this.#drag(event));

@@ -4,7 +4,7 @@
 
 import {element} from "./element.mjs";
 
-export const lowestNote = 24, highestNote = 72;
+const lowestNote = 24, highestNote = 72;
 const firstOfUpperHalf = 48;
 const highestBassNote = 35;
 const letters = ["C", "C sharp", "D", "D sharp", "E", "F", "F sharp", "G", "G sharp", "A", "A sharp", "B"];
@@ -30,9 +30,9 @@ export class Manual {
     constructor(root, held) {
         this.#root = root;
         this.#held = held;
-        for (const [className, notes] of [["lower", range(lowestNote, firstOfUpperHalf)],
+        for (const [name, notes] of [["lower", range(lowestNote, firstOfUpperHalf)],
             ["upper", range(firstOfUpperHalf, highestNote + 1)]])
-            root.append(this.#makeHalf(className, notes));
+            root.append(this.#makeHalf(name, notes));
         root.addEventListener("pointerdown", (event) => this.#touch(event));
         addEventListener("pointermove", (event) => this.#move(event));
         for (const end of ["pointerup", "pointercancel"])
@@ -54,9 +54,9 @@ export class Manual {
     }
 
     // Letters on the keys, by their notes.
-    label(letters) {
+    label(lettering) {
         for (const [note, key] of this.#keys)
-            key.dataset.letter = letters.get(note) ?? "";
+            key.dataset.letter = lettering.get(note) ?? "";
     }
 
     releaseAll() {
@@ -65,14 +65,14 @@ export class Manual {
         this.#releaseSpace();
     }
 
-    #makeHalf(className, notes) {
+    #makeHalf(name, notes) {
         const naturals = notes.filter((note) => !isSharp(note));
-        const half = element("div", {className: `half ${className}`});
+        const half = element("div", {class: `half ${name}`});
         half.style.setProperty("--naturals", naturals.length);
         for (const note of notes) {
             const before = naturals.filter((natural) => natural < note).length;
-            const key = element("div", {className: `key ${isSharp(note) ? "sharp" : "natural"}`, role: "button",
-                tabIndex: -1, ariaLabel: nameOf(note), ariaPressed: "false"});
+            const key = element("div", {class: `key ${isSharp(note) ? "sharp" : "natural"}`, role: "button",
+                tabindex: -1, "aria-label": nameOf(note), "aria-pressed": "false"});
             key.classList.toggle("bass", isBass(note));
             key.dataset.note = note;
             const left = isSharp(note) ? before - sharpWidth / 2 + sharpShifts[note % 12] : before;
@@ -85,7 +85,7 @@ export class Manual {
 
     #noteAt({clientX, clientY}) {
         const key = document.elementFromPoint(clientX, clientY)?.closest(".key");
-        return key && Number(key.dataset.note);
+        return key ? Number(key.dataset.note) : undefined;
     }
 
     #touch(event) {
@@ -102,7 +102,7 @@ export class Manual {
             return;
         if (buttons === 0) // it was let go of where nobody told
             return this.#lift(pointer);
-        const before = this.#pointers.get(pointer), note = this.#noteAt(event) ?? undefined;
+        const before = this.#pointers.get(pointer), note = this.#noteAt(event);
         if (note === before)
             return;
         this.#pointers.set(pointer, note);

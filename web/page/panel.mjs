@@ -31,15 +31,15 @@ function place(control, [x, y]) {
 export class Panel extends EventTarget {
     #organ;
     #controls = new Map(); // what shows a value, by the parameter's name
-    #learn = element("button", {className: "learn", role: "switch", ariaLabel: "MIDI learn", ariaChecked: "false"},
+    #learn = element("button", {class: "learn", role: "switch", "aria-label": "MIDI learn", "aria-checked": "false"},
         drawing("toggle"));
-    #lamp = element("div", {className: "lamp", role: "img", ariaLabel: "MIDI lamp"}, drawing("lamp"));
+    #lamp = element("div", {class: "lamp", role: "img", "aria-label": "MIDI lamp"}, drawing("lamp"));
     #lampTimer;
 
     constructor(organ, {panel, split}) {
         super();
         this.#organ = organ;
-        const panic = element("button", {className: "panic", ariaLabel: "Panic: silence everything"},
+        const panic = element("button", {class: "panic", "aria-label": "Panic: silence everything"},
             drawing("button"));
         panic.addEventListener("click", () => this.dispatchEvent(new Event("panic")));
         this.#learn.addEventListener("click", () =>
@@ -64,8 +64,8 @@ export class Panel extends EventTarget {
     }
 
     #makeTab(name) {
-        const tab = element("button", {className: `tab ${name.toLowerCase()}`, role: "switch",
-            ariaLabel: labelOf(name)}, drawing("tab"));
+        const tab = element("button", {class: `tab ${name.toLowerCase()}`, role: "switch",
+            "aria-label": labelOf(name)}, drawing("tab"));
         tab.addEventListener("click", () => this.#edit(name, this.#organ.get(name) < 0.5 ? 1 : 0));
         this.#controls.set(name, (value) => tab.setAttribute("aria-checked", String(value >= 0.5)));
         return tab;

@@ -12,7 +12,7 @@ export class Split extends Slider {
 
     constructor() {
         const labels = splitPositions.map(({label}) => element("span", {}, label));
-        super(element("div", {className: "slide", ariaLabel: "Split"}, ...labels), step);
+        super(element("div", {class: "slide", "aria-label": "Split"}, ...labels), step);
         this.#labels = labels;
         for (const [position, label] of labels.entries())
             label.addEventListener("click", () => this.move(splitPositions[position].value));
