@@ -1,5 +1,5 @@
 ; The installer for Windows. makensis -DVERSION=... -DSTAGE=FOLDER -DOUTPUT=FILE; the folder holds
-; win32 and win64 with the plug-ins and their judge, and the texts. Per user: it needs no administrator.
+; win32 and win64 with the plug-ins and their judge, the page and the texts. Per user: it needs no administrator.
 
 Unicode true
 SetCompressor /SOLID lzma
@@ -53,6 +53,7 @@ Function ${un}remove
     ${If} ${Errors}
         !insertmacro give_up "Tindelwax is in use. Close your host, then run this again."
     ${EndIf}
+    Delete "$0\Tindelwax\tindelwax.html"
     Delete "$0\Tindelwax\manual.txt"
     Delete "$0\Tindelwax\license.txt"
     Delete "$0\Tindelwax\uninstall.exe"
