@@ -13,9 +13,9 @@ export class Link {
         this.#organ = organ;
     }
 
-    // Takes over what the address says, if it says anything. Throws in words where that is no state.
-    async open() {
-        const wanted = new URLSearchParams(location.hash.slice(1));
+    // Takes over what an address says, if it says anything. Throws in words where that is no state.
+    async open(address) {
+        const wanted = new URLSearchParams(new URL(address).hash.slice(1));
         if (wanted.toString() === "")
             return;
         const state = (await this.#organ.save()).replace(stateLine, (line, name, before, rest) =>

@@ -56,7 +56,7 @@ function offerLink(organ, panel) {
     const link = new Link(organ);
     for (const [target, type] of [[organ, "change"], [panel, "edit"]])
         target.addEventListener(type, () => link.follow());
-    addEventListener("hashchange", () => attempt(() => link.open()));
+    addEventListener("hashchange", ({newURL}) => attempt(() => link.open(newURL)));
     find("#link").addEventListener("click", () => attempt(async () => {
         const address = await link.write();
         const isCopied = await navigator.clipboard?.writeText(address).then(() => true, () => false);
@@ -96,7 +96,7 @@ async function start() {
 
     const link = offerLink(organ, panel);
     registrations.draw(firstRegistration);
-    await attempt(() => link.open());
+    await attempt(() => link.open(location.href));
     document.body.classList.add("ready");
 }
 
