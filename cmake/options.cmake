@@ -38,6 +38,7 @@ if(WIN32)
         tindelwax_options
         INTERFACE
         -fstack-protector-strong
+        LINKER:--no-insert-timestamp # one source, one library
         LINKER:--dynamicbase
         LINKER:--nxcompat
         $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},8>:LINKER:--high-entropy-va>)

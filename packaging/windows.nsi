@@ -3,6 +3,7 @@
 
 Unicode true
 SetCompressor /SOLID lzma
+SetDateSave off ; one source, one installer
 !include FileFunc.nsh
 !include LogicLib.nsh
 !include MUI2.nsh
@@ -55,6 +56,8 @@ Function ${un}remove
     ${EndIf}
     Delete "$0\Tindelwax\tindelwax.html"
     Delete "$0\Tindelwax\manual.txt"
+    Delete "$0\Tindelwax\bill_of_materials.spdx"
+    RMDir /r "$0\Tindelwax\licenses"
     Delete "$0\Tindelwax\license.txt"
     Delete "$0\Tindelwax\uninstall.exe"
     Delete "$0\Tindelwax\wiring\harpmatrix\korvel.ini"

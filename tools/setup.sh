@@ -43,7 +43,8 @@ wasm_packages=(
     wasi-libc nodejs)
 browser_packages=(chromium-headless-shell)
 windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
-package_packages=(nsis dpkg-dev file fakeroot pandoc)
+package_packages=(
+    nsis dpkg-dev file fakeroot pandoc help2man man-db appstream desktop-file-utils)
 wine_packages=(wine wine64 wine32:i386)
 emulation_packages=(g++-multilib qemu-user libxcb1-dev:i386 libxcb-xtest0-dev:i386)
 

@@ -211,8 +211,8 @@ std::filesystem::path own_plugin_file() {
 
 /// Returns the exit status.
 int run(std::vector<std::string> arguments, std::FILE* p_output) {
-    CLI::App app{"Plays Tindelwax or any other VST 2.4 instrument, live or songs into files, and\n"
-                 "pictures its editor.\n"
+    CLI::App app{"Plays Tindelwax or any other VST 2.4, CLAP or LV2 instrument, live or songs\n"
+                 "into files, and pictures its editor.\n"
                  "tindelwax COMMAND --help tells all about a command.",
                  "tindelwax"};
     app.set_version_flag("--version", "tindelwax " TINDELWAX_VERSION);
