@@ -1,5 +1,6 @@
 ; The installer for Windows. makensis -DVERSION=... -DSTAGE=FOLDER -DOUTPUT=FILE; the folder holds
-; win32 and win64 with the plug-ins and their judge, the page and the texts. Per user: it needs no administrator.
+; win32 and win64 with the plug-ins and their judge, the page and the texts. Per user: it needs no
+; administrator.
 
 Unicode true
 SetCompressor /SOLID lzma
@@ -7,129 +8,339 @@ SetDateSave off ; one source, one installer
 !include FileFunc.nsh
 !include LogicLib.nsh
 !include MUI2.nsh
+!include nsDialogs.nsh
+!include x64.nsh
 
-; Where hosts look for CLAP plug-ins of one user.
-!define CLAP "$LOCALAPPDATA\Programs\Common\CLAP"
 !define ENTRY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Tindelwax"
 
 Name "Tindelwax ${VERSION}"
+BrandingText "Tindelwax ${VERSION}"
 OutFile "${OUTPUT}"
 RequestExecutionLevel user
-; Without the last backslash, the page would put a folder VST2 into whatever one chooses.
-InstallDir "$LOCALAPPDATA\Programs\Common\VST2\"
-InstallDirRegKey HKCU "${ENTRY}" "VstFolder"
 
-!define MUI_DIRECTORYPAGE_TEXT_TOP "Choose the folder that your host scans for VST 2 plug-ins. \
-    Tindelwax gets a folder of its own in it, with the plug-in for 32-bit and for 64-bit hosts. \
-    CLAP hosts find theirs by themselves."
-!define MUI_DIRECTORYPAGE_TEXT_DESTINATION "VST folder"
+; $INSTDIR is the folder for the VST plug-in of 64-bit hosts; empty where these get none.
+Var GivenFolder ; what the command line says of it
+Var Vst32Folder ; the same for 32-bit hosts; empty where these get none
+Var With32      ; whether they shall get one, as the state of a check box
+Var ClapFolder
+Var OwnFolder   ; for the judges, the texts and the uninstaller
+Var For32       ; that check box
+
+Page custom showWidths leaveWidths
+!define FOLDER_TEXT "Choose the folder that your host scans for VST 2 plug-ins. \
+    Tindelwax gets a folder of its own in it."
+!define MUI_PAGE_HEADER_TEXT "VST 2 plug-in for 64-bit hosts"
+!define MUI_PAGE_HEADER_SUBTEXT "Most hosts are 64-bit. CLAP hosts find their plug-in by themselves."
+!define MUI_DIRECTORYPAGE_TEXT_TOP "${FOLDER_TEXT}"
+!define MUI_DIRECTORYPAGE_TEXT_DESTINATION "VST folder of 64-bit hosts"
+!define MUI_PAGE_CUSTOMFUNCTION_PRE skipWithout64
+!define MUI_PAGE_CUSTOMFUNCTION_LEAVE need64
+!insertmacro MUI_PAGE_DIRECTORY
+!define MUI_PAGE_HEADER_TEXT "VST 2 plug-in for 32-bit hosts"
+!define MUI_PAGE_HEADER_SUBTEXT "It needs another folder than the one for 64-bit hosts."
+!define MUI_DIRECTORYPAGE_TEXT_TOP "${FOLDER_TEXT}"
+!define MUI_DIRECTORYPAGE_TEXT_DESTINATION "VST folder of 32-bit hosts"
+!define MUI_DIRECTORYPAGE_VARIABLE $Vst32Folder
+!define MUI_PAGE_CUSTOMFUNCTION_PRE skipWithout32
+!define MUI_PAGE_CUSTOMFUNCTION_LEAVE need32
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
+!define MUI_FINISHPAGE_TITLE "Tindelwax is installed"
+!define MUI_FINISHPAGE_TEXT "Let your host scan for new plug-ins, and look for Tindelwax among \
+    the instruments.$\r$\n$\r$\nThe manual is here:$\r$\n$OwnFolder\manual.txt$\r$\n$\r$\n\
+    To remove all of it, open Settings, Apps."
+!insertmacro MUI_PAGE_FINISH
 !insertmacro MUI_UNPAGE_CONFIRM
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE English
 
-!macro give_up sentence
+; Stays on the page, or ends the installation with level 2.
+!macro refuse sentence
     MessageBox MB_OK|MB_ICONSTOP "${sentence}" /SD IDOK
-    SetErrorLevel 2 ; as when NSIS itself gives up
-    Quit
+    Abort
 !macroend
 
-; Removes what the registry says is installed, and the folders that were made for it. The installer
-; does so too: nothing is left of an older version, or of one in another folder.
-!macro remove un
-Function ${un}remove
-    ReadRegStr $0 HKCU "${ENTRY}" "VstFolder"
-    ReadRegStr $1 HKCU "${ENTRY}" "KeptFolder"
-    ${If} $0 == ""
-        Return
+!macro delete folder file
+    ${If} ${folder} != ""
+        Delete "${folder}\${file}"
     ${EndIf}
+!macroend
 
-    ClearErrors
-    Delete "$0\Tindelwax\win32\tindelwax-check.exe"
-    Delete "$0\Tindelwax\win32\tindelwax.dll"
-    Delete "$0\Tindelwax\win64\tindelwax-check.exe"
-    Delete "$0\Tindelwax\win64\tindelwax.dll"
-    Delete "${CLAP}\tindelwax.clap"
-    ${If} ${Errors}
-        !insertmacro give_up "Tindelwax is in use. Close your host, then run this again."
-    ${EndIf}
-    Delete "$0\Tindelwax\tindelwax.html"
-    Delete "$0\Tindelwax\manual.txt"
-    Delete "$0\Tindelwax\bill_of_materials.spdx"
-    RMDir /r "$0\Tindelwax\licenses"
-    Delete "$0\Tindelwax\license.txt"
-    Delete "$0\Tindelwax\uninstall.exe"
-    Delete "$0\Tindelwax\wiring\harpmatrix\korvel.ini"
-    Delete "$0\Tindelwax\wiring\control\confs\korvel.ini"
-    RMDir "$0\Tindelwax\wiring\harpmatrix"
-    RMDir "$0\Tindelwax\wiring\control\confs"
-    RMDir "$0\Tindelwax\wiring\control"
-    RMDir "$0\Tindelwax\wiring"
-    RMDir "$0\Tindelwax\win32"
-    RMDir "$0\Tindelwax\win64"
-    RMDir "$0\Tindelwax"
-    RMDir "${CLAP}"
-    DeleteRegKey HKCU "${ENTRY}"
+; The macros delete_staged and remove_staged: what would lie in the folder in $0 if the stage lay
+; there, the inner before the outer.
+!tempfile STAGED
+!system `cd "${STAGE}" && list() { \
+    echo "!macro $1"; \
+    find * -type $2 | LC_ALL=C sort -r | sed "s,.*,!insertmacro for_staged $3 '&',"; \
+    echo "!macroend"; \
+}; { list delete_staged f Delete; list remove_staged d RMDir; } >"${STAGED}"`
+!include "${STAGED}"
+!delfile "${STAGED}"
 
-    ; A folder that holds other files stays, and with it those around it.
+!macro for_staged command path
+    !searchreplace WINDOWS_PATH "${path}" "/" "\"
+    ${command} "$0\${WINDOWS_PATH}"
+    !undef WINDOWS_PATH
+!macroend
+
+; Removes a folder and those around it, up to the one that was there before. A folder that holds
+; other files stays, and with it those around it.
+!macro remove_folders value kept
+    ReadRegStr $0 HKCU "${ENTRY}" "${value}"
+    ReadRegStr $1 HKCU "${ENTRY}" "${kept}"
     ${DoUntil} $0 == $1
         RMDir "$0"
         ${GetParent} $0 $0
     ${LoopUntil} $0 == ""
+!macroend
+
+; What the installer and the uninstaller share.
+!macro define_shared un
+; Removes what the registry says is installed, and the folders that were made for it.
+; The installer does so too: nothing is left of an older version, or of one in another folder.
+Function ${un}remove
+    ReadRegStr $0 HKCU "${ENTRY}" "InstallLocation"
+    ReadRegStr $1 HKCU "${ENTRY}" "Plugin64Folder"
+    ReadRegStr $2 HKCU "${ENTRY}" "Plugin32Folder"
+    ReadRegStr $3 HKCU "${ENTRY}" "ClapFolder"
+    ${If} $0 == ""
+        Return
+    ${EndIf}
+    ${If} $3 == "" ; an older version, which knew one only
+        StrCpy $3 "$LOCALAPPDATA\Programs\Common\CLAP"
+        WriteRegStr HKCU "${ENTRY}" "ClapFolder" $3
+        WriteRegStr HKCU "${ENTRY}" "KeptClapFolder" $LOCALAPPDATA
+    ${EndIf}
+
+    ClearErrors
+    !insertmacro delete $1 "tindelwax.dll"
+    !insertmacro delete $2 "tindelwax.dll"
+    !insertmacro delete $3 "tindelwax.clap"
+    !insertmacro delete_staged ; and with that an older version's plug-ins
+    ${If} ${Errors}
+        !insertmacro refuse "Tindelwax is in use. Close your host, then run this again."
+    ${EndIf}
+    Delete "$0\uninstall.exe"
+    !insertmacro remove_staged
+
+    ; In the other order than they were made.
+    !insertmacro remove_folders "ClapFolder" "KeptClapFolder"
+    !insertmacro remove_folders "Plugin32Folder" "KeptPlugin32Folder"
+    !insertmacro remove_folders "Plugin64Folder" "KeptPlugin64Folder"
+    !insertmacro remove_folders "InstallLocation" "KeptFolder"
+    DeleteRegKey HKCU "${ENTRY}"
 FunctionEnd
 !macroend
 
-!insertmacro remove ""
-!insertmacro remove "un."
+!insertmacro define_shared ""
+!insertmacro define_shared "un."
 
-!macro refuse_folder
-    !insertmacro give_up "Cannot write to $INSTDIR. Choose a folder that is yours."
-!macroend
-
-; The chosen folder, or as much of its path as there is: in $1.
+; The folder in $0, or as much of its path as there is: in $1.
 Function findFolder
-    StrCpy $1 $INSTDIR
+    StrCpy $1 $0
     ${DoUntil} ${FileExists} "$1\*.*"
         ${GetParent} $1 $1
     ${Loop}
 FunctionEnd
 
-Section
-    ; While an older version is there still.
+; Sets the error flag unless the folder in $0 can be made and written to.
+Function needFolder
     Call findFolder
     ClearErrors
     GetTempFileName $2 $1
     FileOpen $3 $2 w
     ${If} ${Errors}
-        !insertmacro refuse_folder
+        SetErrors ; which the question took away
+    ${Else}
+        FileClose $3
+        Delete $2
     ${EndIf}
-    FileClose $3
-    Delete $2
+FunctionEnd
 
-    Call remove
+; Sets the error flag if hosts that scan the folder in $0 or the one for 64-bit hosts scan both: they
+; would find the plug-in twice.
+Function needApart
+    ClearErrors
+    StrLen $1 "$0\"
+    StrCpy $1 "$INSTDIR\" $1
+    StrLen $2 "$INSTDIR\"
+    StrCpy $2 "$0\" $2
+    ${If} $INSTDIR == ""
+        Return
+    ${EndIf}
+    ${If} $1 == "$0\"
+    ${OrIf} $2 == "$INSTDIR\"
+        SetErrors
+    ${EndIf}
+FunctionEnd
+
+; Puts the folder in $0 into $9 if nothing better is there and the plug-in can go there.
+Function offer
+    ${If} $9 != ""
+    ${OrIf} $0 == ""
+    ${OrIfNot} ${FileExists} "$0\*.*"
+        Return
+    ${EndIf}
+    StrCpy $1 $0 1 -1
+    ${If} $1 == "\"
+        StrCpy $0 $0 -1
+    ${EndIf}
+    Call needFolder
+    ${IfNot} ${Errors}
+        Call needApart
+        ${IfNot} ${Errors}
+            StrCpy $9 $0
+        ${EndIf}
+    ${EndIf}
+FunctionEnd
+
+; The folder that hosts of one width scan, most likely: in $9, unless there is one already.
+!macro offer_folders width default
+    ReadRegStr $0 HKCU "${ENTRY}" "Plugin${width}Folder"
+    ${GetParent} $0 $0
+    Call offer
+    SetRegView ${width}
+    ReadRegStr $0 HKCU "Software\VST" "VSTPluginsPath"
+    SetRegView 32
+    Call offer
+    ${If} $9 == ""
+        StrCpy $9 "${default}"
+    ${EndIf}
+!macroend
+
+; Chooses the VST folders, whatever was chosen before.
+Function chooseFolders
+    StrCpy $INSTDIR ""
+    ${If} ${RunningX64}
+        StrCpy $9 $GivenFolder
+        ReadRegStr $0 HKCU "${ENTRY}" "VstFolder" ; an older version's
+        Call offer
+        !insertmacro offer_folders 64 "$LOCALAPPDATA\Programs\Common\VST2"
+        StrCpy $INSTDIR $9
+    ${EndIf}
+    StrCpy $9 ""
+    ${If} $With32 == ${BST_CHECKED}
+        !insertmacro offer_folders 32 "$LOCALAPPDATA\Programs\Common\VST2 (x86)"
+    ${EndIf}
+    StrCpy $Vst32Folder $9
+FunctionEnd
+
+Function .onInit
+    StrCpy $GivenFolder $INSTDIR
+    StrCpy $With32 ${BST_CHECKED}
+    StrCpy $OwnFolder "$LOCALAPPDATA\Programs\Tindelwax"
+    StrCpy $ClapFolder "$LOCALAPPDATA\Programs\Common\CLAP"
+    ${GetParameters} $1
+    ClearErrors
+    ${GetOptions} $1 "/No32" $0
+    ${IfNot} ${Errors}
+    ${AndIf} ${RunningX64}
+        StrCpy $With32 ${BST_UNCHECKED}
+    ${EndIf}
+    Call chooseFolders
+FunctionEnd
+
+Function showWidths
+    ${IfNot} ${RunningX64}
+        Abort
+    ${EndIf}
+    !insertmacro MUI_HEADER_TEXT "Which hosts play Tindelwax?" "It goes where they look for plug-ins."
+    nsDialogs::Create 1018
+    Pop $0
+    ${NSD_CreateLabel} 0 10u 100% 12u "The plug-in for 64-bit hosts"
+    Pop $0
+    ${NSD_CreateCheckBox} 0 26u 100% 12u "Also the plug-in for &32-bit hosts"
+    Pop $For32
+    ${NSD_SetState} $For32 $With32
+    nsDialogs::Show
+FunctionEnd
+
+Function leaveWidths
+    ${NSD_GetState} $For32 $With32
+    Call chooseFolders
+FunctionEnd
+
+Function skipWithout64
+    ${If} $INSTDIR == ""
+        Abort
+    ${EndIf}
+FunctionEnd
+
+Function skipWithout32
+    ${If} $Vst32Folder == ""
+        Abort
+    ${EndIf}
+FunctionEnd
+
+!macro need_folder folder
+    StrCpy $0 "${folder}"
+    Call needFolder
+    ${If} ${Errors}
+        !insertmacro refuse "Cannot write to ${folder}. Choose a folder that is yours."
+    ${EndIf}
+!macroend
+
+Function need64
+    !insertmacro need_folder $INSTDIR
+FunctionEnd
+
+Function need32
+    !insertmacro need_folder $Vst32Folder
+    Call needApart
+    ${If} ${Errors}
+        !insertmacro refuse "The plug-in for 32-bit hosts cannot go into $Vst32Folder: hosts that look \
+            there and in $INSTDIR would find two."
+    ${EndIf}
+FunctionEnd
+
+; Makes a folder for what comes next, and lets the uninstaller know.
+!macro make_folder folder value kept
+    StrCpy $0 "${folder}"
     Call findFolder
     ClearErrors
-    CreateDirectory "$INSTDIR\Tindelwax"
-    SetOutPath "$INSTDIR\Tindelwax"
-    WriteUninstaller "$INSTDIR\Tindelwax\uninstall.exe"
+    SetOutPath $0
     ${If} ${Errors}
-        !insertmacro refuse_folder
+        !insertmacro refuse "Cannot write to $0."
     ${EndIf}
-    WriteRegStr HKCU "${ENTRY}" "VstFolder" $INSTDIR
-    WriteRegStr HKCU "${ENTRY}" "KeptFolder" $1
-    WriteRegStr HKCU "${ENTRY}" "InstallLocation" "$INSTDIR\Tindelwax"
+    WriteRegStr HKCU "${ENTRY}" "${value}" $0
+    WriteRegStr HKCU "${ENTRY}" "${kept}" $1
+!macroend
+
+Section
+    ; While an older version is there still.
+    !insertmacro need_folder $OwnFolder
+    ${If} $INSTDIR != ""
+        Call need64
+    ${EndIf}
+    ${If} $Vst32Folder != ""
+        Call need32
+    ${EndIf}
+
+    Call remove
+
+    !insertmacro make_folder $OwnFolder "InstallLocation" "KeptFolder"
+    WriteUninstaller "$OwnFolder\uninstall.exe"
     WriteRegStr HKCU "${ENTRY}" "DisplayName" "Tindelwax"
     WriteRegStr HKCU "${ENTRY}" "DisplayVersion" "${VERSION}"
     WriteRegStr HKCU "${ENTRY}" "Publisher" "Quenmar"
-    WriteRegStr HKCU "${ENTRY}" "UninstallString" '"$INSTDIR\Tindelwax\uninstall.exe"'
-    WriteRegStr HKCU "${ENTRY}" "QuietUninstallString" '"$INSTDIR\Tindelwax\uninstall.exe" /S'
+    WriteRegStr HKCU "${ENTRY}" "UninstallString" '"$OwnFolder\uninstall.exe"'
+    WriteRegStr HKCU "${ENTRY}" "QuietUninstallString" '"$OwnFolder\uninstall.exe" /S'
     WriteRegDWORD HKCU "${ENTRY}" "NoModify" 1
     WriteRegDWORD HKCU "${ENTRY}" "NoRepair" 1
     ; After the entry, so that what a full disk leaves behind can be uninstalled.
-    File /r /x *.clap "${STAGE}/*"
-    SetOutPath "${CLAP}"
-    File "${STAGE}/win64/tindelwax.clap"
+    File /r /x *.clap /x *.dll "${STAGE}/*"
+    ${If} $INSTDIR != ""
+        !insertmacro make_folder "$INSTDIR\Tindelwax" "Plugin64Folder" "KeptPlugin64Folder"
+        File "${STAGE}/win64/tindelwax.dll"
+    ${EndIf}
+    ${If} $Vst32Folder != ""
+        !insertmacro make_folder "$Vst32Folder\Tindelwax" "Plugin32Folder" "KeptPlugin32Folder"
+        File "${STAGE}/win32/tindelwax.dll"
+    ${EndIf}
+    ${If} ${RunningX64}
+        !insertmacro make_folder $ClapFolder "ClapFolder" "KeptClapFolder"
+        File "${STAGE}/win64/tindelwax.clap"
+    ${EndIf}
 SectionEnd
 
 Section un.
