@@ -1,6 +1,6 @@
 ; The installer for Windows. makensis -DVERSION=... -DSTAGE=FOLDER -DOUTPUT=FILE; the folder holds
-; win32 and win64 with the plug-ins and their judge, the page and the texts. Per user: it needs no
-; administrator.
+; win32 and win64 with the plug-ins and their judge, the page and the texts. The shell's context tells
+; "for me" from "for everyone" throughout; with it goes the branch of the registry that SHCTX means.
 
 Unicode true
 SetCompressor /SOLID lzma
@@ -16,6 +16,7 @@ SetDateSave off ; one source, one installer
 Name "Tindelwax ${VERSION}"
 BrandingText "Tindelwax ${VERSION}"
 OutFile "${OUTPUT}"
+; Whoever installs for everyone is asked for an administrator's rights when that is chosen.
 RequestExecutionLevel user
 
 ; $INSTDIR is the folder for the VST plug-in of 64-bit hosts; empty where these get none.
@@ -24,9 +25,11 @@ Var Vst32Folder ; the same for 32-bit hosts; empty where these get none
 Var With32      ; whether they shall get one, as the state of a check box
 Var ClapFolder
 Var OwnFolder   ; for the judges, the texts and the uninstaller
-Var For32       ; that check box
+Var Everyone    ; buttons of the first page
+Var For32
+Var IsAnswered  ; whether the command line answers the first page
 
-Page custom showWidths leaveWidths
+Page custom showMode leaveMode
 !define FOLDER_TEXT "Choose the folder that your host scans for VST 2 plug-ins. \
     Tindelwax gets a folder of its own in it."
 !define MUI_PAGE_HEADER_TEXT "VST 2 plug-in for 64-bit hosts"
@@ -86,8 +89,8 @@ Page custom showWidths leaveWidths
 ; Removes a folder and those around it, up to the one that was there before. A folder that holds
 ; other files stays, and with it those around it.
 !macro remove_folders value kept
-    ReadRegStr $0 HKCU "${ENTRY}" "${value}"
-    ReadRegStr $1 HKCU "${ENTRY}" "${kept}"
+    ReadRegStr $0 SHCTX "${ENTRY}" "${value}"
+    ReadRegStr $1 SHCTX "${ENTRY}" "${kept}"
     ${DoUntil} $0 == $1
         RMDir "$0"
         ${GetParent} $0 $0
@@ -96,20 +99,30 @@ Page custom showWidths leaveWidths
 
 ; What the installer and the uninstaller share.
 !macro define_shared un
-; Removes what the registry says is installed, and the folders that were made for it.
+; Sets the error flag unless this process may change what belongs to everyone.
+Function ${un}needAdministrator
+    ClearErrors
+    UserInfo::GetAccountType
+    Pop $0
+    ${If} $0 != "Admin"
+        SetErrors
+    ${EndIf}
+FunctionEnd
+
+; Removes what the registry says is installed in this context, and the folders that were made for it.
 ; The installer does so too: nothing is left of an older version, or of one in another folder.
 Function ${un}remove
-    ReadRegStr $0 HKCU "${ENTRY}" "InstallLocation"
-    ReadRegStr $1 HKCU "${ENTRY}" "Plugin64Folder"
-    ReadRegStr $2 HKCU "${ENTRY}" "Plugin32Folder"
-    ReadRegStr $3 HKCU "${ENTRY}" "ClapFolder"
+    ReadRegStr $0 SHCTX "${ENTRY}" "InstallLocation"
+    ReadRegStr $1 SHCTX "${ENTRY}" "Plugin64Folder"
+    ReadRegStr $2 SHCTX "${ENTRY}" "Plugin32Folder"
+    ReadRegStr $3 SHCTX "${ENTRY}" "ClapFolder"
     ${If} $0 == ""
         Return
     ${EndIf}
     ${If} $3 == "" ; an older version, which knew one only
         StrCpy $3 "$LOCALAPPDATA\Programs\Common\CLAP"
-        WriteRegStr HKCU "${ENTRY}" "ClapFolder" $3
-        WriteRegStr HKCU "${ENTRY}" "KeptClapFolder" $LOCALAPPDATA
+        WriteRegStr SHCTX "${ENTRY}" "ClapFolder" $3
+        WriteRegStr SHCTX "${ENTRY}" "KeptClapFolder" $LOCALAPPDATA
     ${EndIf}
 
     ClearErrors
@@ -128,7 +141,7 @@ Function ${un}remove
     !insertmacro remove_folders "Plugin32Folder" "KeptPlugin32Folder"
     !insertmacro remove_folders "Plugin64Folder" "KeptPlugin64Folder"
     !insertmacro remove_folders "InstallLocation" "KeptFolder"
-    DeleteRegKey HKCU "${ENTRY}"
+    DeleteRegKey SHCTX "${ENTRY}"
 FunctionEnd
 !macroend
 
@@ -195,32 +208,50 @@ Function offer
 FunctionEnd
 
 ; The folder that hosts of one width scan, most likely: in $9, unless there is one already.
-!macro offer_folders width default
-    ReadRegStr $0 HKCU "${ENTRY}" "Plugin${width}Folder"
+!macro offer_folders width default program_files
+    ReadRegStr $0 SHCTX "${ENTRY}" "Plugin${width}Folder"
     ${GetParent} $0 $0
     Call offer
     SetRegView ${width}
-    ReadRegStr $0 HKCU "Software\VST" "VSTPluginsPath"
+    ReadRegStr $0 SHCTX "Software\VST" "VSTPluginsPath"
     SetRegView 32
     Call offer
+    StrCpy $0 "${default}"
+    Call offer
+    ${If} ${ShellVarContextAll}
+        StrCpy $0 "${program_files}\VSTPlugins"
+        Call offer
+    ${EndIf}
     ${If} $9 == ""
         StrCpy $9 "${default}"
     ${EndIf}
 !macroend
 
-; Chooses the VST folders, whatever was chosen before.
+; Chooses all folders, whatever was chosen before.
 Function chooseFolders
+    ${If} ${ShellVarContextAll}
+        StrCpy $OwnFolder "$PROGRAMFILES64\Tindelwax"
+        StrCpy $ClapFolder "$COMMONFILES64\CLAP"
+        StrCpy $R0 "$COMMONFILES64\VST2"
+        StrCpy $R1 "$COMMONFILES32\VST2"
+    ${Else}
+        StrCpy $OwnFolder "$LOCALAPPDATA\Programs\Tindelwax"
+        StrCpy $ClapFolder "$LOCALAPPDATA\Programs\Common\CLAP"
+        StrCpy $R0 "$LOCALAPPDATA\Programs\Common\VST2"
+        StrCpy $R1 "$LOCALAPPDATA\Programs\Common\VST2 (x86)"
+    ${EndIf}
+
     StrCpy $INSTDIR ""
     ${If} ${RunningX64}
         StrCpy $9 $GivenFolder
-        ReadRegStr $0 HKCU "${ENTRY}" "VstFolder" ; an older version's
+        ReadRegStr $0 SHCTX "${ENTRY}" "VstFolder" ; an older version's
         Call offer
-        !insertmacro offer_folders 64 "$LOCALAPPDATA\Programs\Common\VST2"
+        !insertmacro offer_folders 64 $R0 $PROGRAMFILES64
         StrCpy $INSTDIR $9
     ${EndIf}
     StrCpy $9 ""
     ${If} $With32 == ${BST_CHECKED}
-        !insertmacro offer_folders 32 "$LOCALAPPDATA\Programs\Common\VST2 (x86)"
+        !insertmacro offer_folders 32 $R1 $PROGRAMFILES32
     ${EndIf}
     StrCpy $Vst32Folder $9
 FunctionEnd
@@ -228,9 +259,16 @@ FunctionEnd
 Function .onInit
     StrCpy $GivenFolder $INSTDIR
     StrCpy $With32 ${BST_CHECKED}
-    StrCpy $OwnFolder "$LOCALAPPDATA\Programs\Tindelwax"
-    StrCpy $ClapFolder "$LOCALAPPDATA\Programs\Common\CLAP"
     ${GetParameters} $1
+    ClearErrors
+    ${GetOptions} $1 "/AllUsers" $0
+    ${IfNot} ${Errors}
+        SetShellVarContext all
+        Call needAdministrator
+        ${IfNot} ${Errors}
+            StrCpy $IsAnswered 1
+        ${EndIf}
+    ${EndIf}
     ClearErrors
     ${GetOptions} $1 "/No32" $0
     ${IfNot} ${Errors}
@@ -240,24 +278,77 @@ Function .onInit
     Call chooseFolders
 FunctionEnd
 
-Function showWidths
-    ${IfNot} ${RunningX64}
+Function showMode
+    ${If} $IsAnswered == 1
+        StrCpy $IsAnswered 0 ; the way back leads here
         Abort
     ${EndIf}
-    !insertmacro MUI_HEADER_TEXT "Which hosts play Tindelwax?" "It goes where they look for plug-ins."
+    !insertmacro MUI_HEADER_TEXT "Who plays Tindelwax?" "It goes where their hosts look for plug-ins."
     nsDialogs::Create 1018
     Pop $0
-    ${NSD_CreateLabel} 0 10u 100% 12u "The plug-in for 64-bit hosts"
+    ${NSD_CreateFirstRadioButton} 0 10u 100% 12u "Install for &me"
     Pop $0
-    ${NSD_CreateCheckBox} 0 26u 100% 12u "Also the plug-in for &32-bit hosts"
-    Pop $For32
-    ${NSD_SetState} $For32 $With32
+    ${NSD_CreateAdditionalRadioButton} 0 26u 100% 12u \
+        "Install for &everyone on this computer; Windows asks for an administrator"
+    Pop $Everyone
+    ${If} ${ShellVarContextAll}
+        StrCpy $0 $Everyone
+    ${EndIf}
+    ${NSD_Check} $0
+    ${If} ${RunningX64}
+        ${NSD_CreateCheckBox} 0 54u 100% 12u "Also the plug-in for &32-bit hosts"
+        Pop $For32
+        ${NSD_SetState} $For32 $With32
+    ${EndIf}
     nsDialogs::Show
 FunctionEnd
 
-Function leaveWidths
-    ${NSD_GetState} $For32 $With32
+!macro need_mode
+    ${If} ${ShellVarContextAll}
+        Call needAdministrator
+        ${If} ${Errors}
+            !insertmacro refuse "Only an administrator can install for everyone."
+        ${EndIf}
+    ${Else}
+        ReadRegStr $0 HKLM "${ENTRY}" "InstallLocation"
+        ${If} $0 != ""
+            !insertmacro refuse "Tindelwax is installed for everyone on this computer. Install this \
+                for everyone too, or remove the other first: hosts would find both."
+        ${EndIf}
+    ${EndIf}
+!macroend
+
+Function leaveMode
+    ${If} ${RunningX64}
+        ${NSD_GetState} $For32 $With32
+    ${EndIf}
+    SetShellVarContext current
+    ${NSD_GetState} $Everyone $0
+    ${If} $0 == ${BST_CHECKED}
+        SetShellVarContext all
+        Call needAdministrator
+        ${If} ${Errors}
+            Call startElevated
+        ${EndIf}
+    ${EndIf}
+    !insertmacro need_mode
     Call chooseFolders
+FunctionEnd
+
+; Starts the installer again as an administrator, in this one's place. Comes back if that is refused.
+Function startElevated
+    StrCpy $0 "/AllUsers"
+    ${If} $With32 != ${BST_CHECKED}
+        StrCpy $0 "$0 /No32"
+    ${EndIf}
+    ${If} $GivenFolder != ""
+        StrCpy $0 "$0 /D=$GivenFolder"
+    ${EndIf}
+    ClearErrors
+    ExecShell "runas" "$EXEPATH" $0
+    ${IfNot} ${Errors}
+        Quit
+    ${EndIf}
 FunctionEnd
 
 Function skipWithout64
@@ -302,12 +393,13 @@ FunctionEnd
     ${If} ${Errors}
         !insertmacro refuse "Cannot write to $0."
     ${EndIf}
-    WriteRegStr HKCU "${ENTRY}" "${value}" $0
-    WriteRegStr HKCU "${ENTRY}" "${kept}" $1
+    WriteRegStr SHCTX "${ENTRY}" "${value}" $0
+    WriteRegStr SHCTX "${ENTRY}" "${kept}" $1
 !macroend
 
 Section
     ; While an older version is there still.
+    !insertmacro need_mode
     !insertmacro need_folder $OwnFolder
     ${If} $INSTDIR != ""
         Call need64
@@ -316,17 +408,23 @@ Section
         Call need32
     ${EndIf}
 
+    ; Hosts would find one that is for this user alone too.
+    ${If} ${ShellVarContextAll}
+        SetShellVarContext current
+        Call remove
+        SetShellVarContext all
+    ${EndIf}
     Call remove
 
     !insertmacro make_folder $OwnFolder "InstallLocation" "KeptFolder"
     WriteUninstaller "$OwnFolder\uninstall.exe"
-    WriteRegStr HKCU "${ENTRY}" "DisplayName" "Tindelwax"
-    WriteRegStr HKCU "${ENTRY}" "DisplayVersion" "${VERSION}"
-    WriteRegStr HKCU "${ENTRY}" "Publisher" "Quenmar"
-    WriteRegStr HKCU "${ENTRY}" "UninstallString" '"$OwnFolder\uninstall.exe"'
-    WriteRegStr HKCU "${ENTRY}" "QuietUninstallString" '"$OwnFolder\uninstall.exe" /S'
-    WriteRegDWORD HKCU "${ENTRY}" "NoModify" 1
-    WriteRegDWORD HKCU "${ENTRY}" "NoRepair" 1
+    WriteRegStr SHCTX "${ENTRY}" "DisplayName" "Tindelwax"
+    WriteRegStr SHCTX "${ENTRY}" "DisplayVersion" "${VERSION}"
+    WriteRegStr SHCTX "${ENTRY}" "Publisher" "Quenmar"
+    WriteRegStr SHCTX "${ENTRY}" "UninstallString" '"$OwnFolder\uninstall.exe"'
+    WriteRegStr SHCTX "${ENTRY}" "QuietUninstallString" '"$OwnFolder\uninstall.exe" /S'
+    WriteRegDWORD SHCTX "${ENTRY}" "NoModify" 1
+    WriteRegDWORD SHCTX "${ENTRY}" "NoRepair" 1
     ; After the entry, so that what a full disk leaves behind can be uninstalled.
     File /r /x *.clap /x *.dll "${STAGE}/*"
     ${If} $INSTDIR != ""
@@ -342,6 +440,22 @@ Section
         File "${STAGE}/win64/tindelwax.clap"
     ${EndIf}
 SectionEnd
+
+Function un.onInit
+    ReadRegStr $0 HKLM "${ENTRY}" "InstallLocation"
+    ${If} $0 != $INSTDIR
+        Return
+    ${EndIf}
+    SetShellVarContext all
+    Call un.needAdministrator
+    ${If} ${Errors}
+        ${IfNot} ${Silent}
+            ExecShell "runas" "$INSTDIR\uninstall.exe"
+            Quit
+        ${EndIf}
+        !insertmacro refuse "Only an administrator can remove what everyone uses."
+    ${EndIf}
+FunctionEnd
 
 Section un.
     Call un.remove
