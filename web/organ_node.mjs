@@ -78,7 +78,7 @@ export class Organ extends EventTarget {
 
     get registrations() {
         return Array.from(this.#twin.registrations, ([key, text]) => {
-            const [name, ...description] = text.match(/(?<=^# ).*/gm);
+            const [name, ...description] = text.match(/^# .*/gm).map((line) => line.slice("# ".length));
             return {key, name, description: description.join(" ")};
         });
     }
