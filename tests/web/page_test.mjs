@@ -214,7 +214,9 @@ test("MIDI keyboards play, teach and go", async (t) => {
     await page.evaluate(() => plug("two"));
     await waitForWords(page, "one, two play");
     await send("two", 0x95, 62, 100);
-    await send("one", 0x90, 60, 0);
+    await send("one", 0xB0, 120, 0);
+    await waitForLit(page);
+    await send("two", 0x95, 62, 100);
     await waitForLit(page, 62);
     await waitForSound(page);
     await page.evaluate(() => unplug("two"));

@@ -1,7 +1,8 @@
 // Every MIDI input that the browser has, also those that come later. One that goes lets go of its keys.
 
 const systemMessage = 0xF0;
-const [noteOff, noteOn, programChange] = [0x80, 0x90, 0xC0];
+const [noteOff, noteOn, controlChange, programChange] = [0x80, 0x90, 0xB0, 0xC0];
+const allSoundOff = 120; // a controller, with the value 0
 
 export class MidiInputs extends EventTarget {
     #organ;
@@ -59,6 +60,8 @@ export class MidiInputs extends EventTarget {
             this.dispatchEvent(new CustomEvent("program", {detail: first}));
         else
             this.#organ.message([status, first, second]);
+        if (kind === controlChange && first === allSoundOff && second === 0)
+            this.#held.forget();
         this.dispatchEvent(new Event("activity"));
     }
 }
