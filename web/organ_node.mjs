@@ -12,6 +12,7 @@ export class Organ extends EventTarget {
     #nbSettings = 0; // that were told there
     #latest; // which of them was the latest of each parameter
     #arrivals = []; // what waits for an answer
+    #isOpen = true;
 
     constructor(context, module, seed) {
         super();
@@ -127,14 +128,18 @@ export class Organ extends EventTarget {
 
     close() {
         this.#ask("close");
+        this.#isOpen = false;
         this.node.disconnect();
         this.node.port.close();
+        this.#arrivals.forEach((arrive) => arrive());
     }
 
-    // Returns when all that was told has arrived.
-    arrival() {
+    // Returns when all that was told has arrived, or when nobody is there any more to answer.
+    async arrival() {
+        if (!this.#isOpen)
+            return;
         this.#ask("answer");
-        return new Promise((resolve) => this.#arrivals.push(resolve));
+        await new Promise((resolve) => this.#arrivals.push(resolve));
     }
 
     #index(name) {

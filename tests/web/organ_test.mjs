@@ -30,6 +30,8 @@ async function render(page, song, renderSizeHint) {
         for (const [index, value] of parameters)
             drawn.set(drawn.parameters[index].name, value);
         const organ = await createOrgan(context, {state: await drawn.save()});
+        drawn.close();
+        await createOrgan(context, {registration: "none"}).catch(() => {});
         organ.node.connect(context.destination);
         for (const [frame, ...message] of messages)
             organ.message(message, frame / rate);
