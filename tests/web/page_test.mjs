@@ -299,8 +299,12 @@ test("a recording is a WAV file of what was heard", async (t) => {
         };
     }});
     await (await page.$("aria/Split")).press("Home");
-    await page.click("aria/Record");
-    await waitForWords(page, "being recorded");
+    await page.evaluate(() => { // as fast as anybody clicks
+        for (let click = 0; click < 3; ++click)
+            document.querySelector("#record").click();
+    });
+    await waitForWords(page, "tindelwax.wav");
+    await page.evaluate(() => document.querySelector("#status").textContent = "");
     await page.keyboard.down("KeyZ");
     await waitForSound(page);
     await page.click("aria/Save the recording");

@@ -91,7 +91,7 @@ async function start() {
     for (const source of [panel, registrations])
         source.addEventListener("say", ({detail}) => say(detail));
     panel.addEventListener("edit", () => registrations.unmark());
-    offerRecording(organ, find("#record"), attempt, say);
+    await offerRecording(organ, find("#record"), attempt, say);
     connectMidi({organ, held, panel, registrations, button: find("#midi"), attempt, say});
 
     const link = offerLink(organ, panel);

@@ -1,7 +1,7 @@
 // The button that records what is heard and saves it when it is pressed again.
 
 import {element} from "./element.mjs";
-import {Recorder} from "./recorder.mjs";
+import {loadTape, Recorder} from "./recorder.mjs";
 
 function save(file, name) {
     const link = element("a", {href: URL.createObjectURL(file), download: name});
@@ -9,7 +9,8 @@ function save(file, name) {
     setTimeout(() => URL.revokeObjectURL(link.href), 60_000); // the browser may ask where to
 }
 
-export function offerRecording(organ, button, attempt, say) {
+export async function offerRecording(organ, button, attempt, say) {
+    await loadTape(organ.node.context);
     const recorder = new Recorder(organ.node);
     const show = () => {
         button.classList.toggle("on", recorder.isRunning);
@@ -17,13 +18,15 @@ export function offerRecording(organ, button, attempt, say) {
     };
     button.addEventListener("click", () => attempt(async () => {
         if (recorder.isRunning) {
-            const file = await recorder.stop();
+            const stopped = recorder.stop();
+            show();
+            const file = await stopped;
             save(file, "tindelwax.wav");
             say(`The recording is tindelwax.wav, ${(file.size / 1e6).toFixed(1)} MB.`);
         } else {
-            await recorder.start();
+            recorder.start();
+            show();
             say("What is heard is being recorded.");
         }
-        show();
     }));
 }

@@ -5,11 +5,15 @@ import tape from "./tape.mjs" with {type: "text"};
 
 const nbChannels = 2;
 
+// Before the first recorder of a context is made.
+export function loadTape(context) {
+    return context.audioWorklet.addModule(`data:text/javascript,${encodeURIComponent(tape)}`);
+}
+
 export class Recorder {
     #source;
     #node; // a tape; undefined while none runs
-    #pieces;
-    #ended; // a promise
+    #ended; // a promise of the pieces that it has handed over
 
     constructor(source) {
         this.#source = source;
@@ -19,25 +23,23 @@ export class Recorder {
         return this.#node !== undefined;
     }
 
-    async start() {
-        const {context} = this.#source;
-        await context.audioWorklet.addModule(`data:text/javascript,${encodeURIComponent(tape)}`);
-        this.#node = new AudioWorkletNode(context, "tape", {numberOfOutputs: 0, channelCount: nbChannels,
-            channelCountMode: "explicit"});
-        this.#pieces = [];
+    start() {
+        const pieces = [], node = new AudioWorkletNode(this.#source.context, "tape", {
+            numberOfOutputs: 0, channelCount: nbChannels, channelCountMode: "explicit"});
         this.#ended = new Promise((resolve) => {
-            this.#node.port.onmessage = ({data: piece}) => piece ? this.#pieces.push(piece) : resolve();
+            node.port.onmessage = ({data: piece}) => piece ? pieces.push(piece) : resolve(pieces);
         });
-        this.#source.connect(this.#node);
+        this.#source.connect(node);
+        this.#node = node;
     }
 
-    // Returns the recording as a WAV file.
+    // Returns the recording as a WAV file. The next may start meanwhile.
     async stop() {
         const node = this.#node;
         this.#node = undefined;
         node.port.postMessage("stop");
-        await this.#ended;
+        const pieces = await this.#ended;
         this.#source.disconnect(node);
-        return wavFile(this.#pieces, this.#source.context.sampleRate, nbChannels);
+        return wavFile(pieces, this.#source.context.sampleRate, nbChannels);
     }
 }
