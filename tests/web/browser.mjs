@@ -43,7 +43,7 @@ export async function waitForSound(page, sounds = true) {
 export async function open(t, address, {prepare = () => {}} = {}) {
     const browser = await puppeteer.launch({
         executablePath: "/usr/bin/chromium-headless-shell",
-        args: ["--no-sandbox", "--autoplay-policy=user-gesture-required"],
+        args: ["--no-sandbox", "--autoplay-policy=document-user-activation-required"],
     });
     const [page] = await browser.pages();
     const complaints = [];

@@ -136,7 +136,8 @@ const moves = [
 
 test("controls move the organ, and tell it in words", async (t) => {
     const page = await openPage(t);
-    await page.evaluate(() => overheard.context.suspend());
+    const state = () => page.evaluate(() => overheard.context.state);
+    assert.equal(await state(), "suspended"); // before a gesture
     for (const [by, name, before, after, move] of moves)
         await t.test(`${name} by ${by}`, async () => {
             const control = await page.$(`aria/${name}`);
@@ -146,7 +147,7 @@ test("controls move the organ, and tell it in words", async (t) => {
             await move(page, control);
             assert.equal(await told(), after);
         });
-    assert.equal(await page.evaluate(() => overheard.context.state), "running"); // as a gesture came
+    assert.equal(await state(), "running");
 });
 
 // What switches, sliders and radio buttons tell of their values.
