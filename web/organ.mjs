@@ -37,7 +37,10 @@ export async function createOrgan(context, {seed, registration, state} = {}) {
     if (!await module)
         throw new Error("The organ needs WebAssembly with SIMD, which newer browsers have where the page's "
             + "content security policy lets them.");
-    await context.audioWorklet.addModule(`data:text/javascript,${encodeURIComponent(processor)}`);
+    await context.audioWorklet.addModule(`data:text/javascript,${encodeURIComponent(processor)}`).catch(() => {
+        throw new Error("The organ's AudioWorklet comes from a data: address, which the page's content security "
+            + "policy has to let it.");
+    });
     seed ??= crypto.getRandomValues(new Uint32Array(1))[0];
     const organ = new Organ(context, await module, seed);
     if (context instanceof OfflineAudioContext && context.suspend)

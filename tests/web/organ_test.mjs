@@ -109,6 +109,7 @@ test("the manual's example plays", async (t) => {
 
 for (const [lack, prepare] of [
     ["AudioWorklet", () => delete BaseAudioContext.prototype.audioWorklet],
+    ["data: address", () => AudioWorklet.prototype.addModule = () => Promise.reject(new DOMException())],
     ["WebAssembly with SIMD", () => WebAssembly.compile = () => Promise.reject(new WebAssembly.CompileError())],
 ])
     test(`a browser without ${lack} is told so`, async (t) => {
