@@ -276,12 +276,12 @@ test("songs play on the keys, and what is none says so", async (t) => {
     await drop("letter.txt", [..."Dear organist, please play softly."]);
     await waitForWords(page, "letter.txt is no MIDI file");
     await (await page.$("#file")).uploadFile(new URL("../../demo/song.mid", import.meta.url).pathname);
-    await waitForWords(page, "song.mid plays");
+    await waitForWords(page, "song.mid plays as soon as you click");
     await page.waitForSelector(".key.lit");
     await page.click("aria/Stop the song");
     await waitForLit(page);
     await drop("note.mid", song);
-    await waitForWords(page, "note.mid plays");
+    await waitForWords(page, "note.mid plays.");
     assert.deepEqual(await page.evaluate(watchSong), ["", "64"]); // and nothing of the other
 
     await page.click("aria/Play the demo");

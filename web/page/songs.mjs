@@ -16,8 +16,9 @@ export function offerSongs(organ, {demo, song, file: chooser}, attempt, say) {
         } catch (error) {
             throw new Error(`${file.name} ${error.message}.`);
         }
+        const isAwake = organ.node.context.state === "running"; // a drop alone wakes no browser
         player.play(read);
-        say(`${file.name} plays.`);
+        say(`${file.name} plays${isAwake ? "" : " as soon as you click or press a key"}.`);
     });
 
     demo.addEventListener("click", () => {
