@@ -56,6 +56,14 @@ const hands = {
         await page.keyboard.press("ArrowRight");
         await page.keyboard.down("Space");
     }, (page) => page.keyboard.up("Space")],
+    "a screen reader's click, and the enter key": [[49, 50], async (page) => {
+        await page.$eval("[data-note='49']", (key) => key.click());
+        await page.keyboard.press("ArrowRight");
+        await page.keyboard.press("Enter");
+    }, async (page) => {
+        await page.keyboard.press("Enter");
+        await page.$eval("[data-note='49']", (key) => key.click());
+    }],
     "the mouse, which glides": [[26], async (page) => {
         await page.mouse.move(...await placeOf(page, 24));
         await page.mouse.down();

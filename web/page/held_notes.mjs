@@ -25,6 +25,14 @@ export class HeldNotes {
         this.#organ.noteOff(note);
     }
 
+    // Lets go of what the hand holds, else presses it.
+    toggle(note, hand) {
+        if (this.#hands.get(note)?.has(hand))
+            this.release(note, hand);
+        else
+            this.press(note, hand);
+    }
+
     releaseAll(hand) {
         for (const note of [...this.#hands.keys()])
             this.release(note, hand);

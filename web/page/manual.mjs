@@ -1,12 +1,13 @@
 // The 49 keys in two halves, which stand side by side or, where the page is narrow, one above the
 // other. Pointers play them, each finger for itself and gliding from key to key, and so do the arrow
-// keys with the space bar.
+// keys with the space bar. Enter, and the click of a screen reader, presses a key or lets go of it.
 
 import {element} from "./element.mjs";
 
 const lowestNote = 24, highestNote = 72;
 const firstOfUpperHalf = 48;
 const highestBassNote = 35;
+const latch = "latch"; // the hand that holds what was toggled
 const letters = ["C", "C sharp", "D", "D sharp", "E", "F", "F sharp", "G", "G sharp", "A", "A sharp", "B"];
 
 // Sharps stand off the middle between their neighbours, as on any keyboard, by parts of a natural's width.
@@ -38,6 +39,7 @@ export class Manual {
         for (const end of ["pointerup", "pointercancel"])
             addEventListener(end, (event) => this.#lift(event.pointerId));
         root.addEventListener("contextmenu", (event) => event.preventDefault());
+        root.addEventListener("click", (event) => this.#click(event));
         root.addEventListener("keydown", (event) => this.#onKeyDown(event));
         root.addEventListener("keyup", (event) => event.code === "Space" && this.#releaseSpace());
         root.addEventListener("focusout", () => this.#releaseSpace());
@@ -63,6 +65,7 @@ export class Manual {
         for (const pointer of [...this.#pointers.keys()])
             this.#lift(pointer);
         this.#releaseSpace();
+        this.#held.releaseAll(latch);
     }
 
     #makeHalf(name, notes) {
@@ -118,6 +121,13 @@ export class Manual {
         this.#pointers.delete(pointer);
     }
 
+    // Only what no pointer has done: pointers play by themselves.
+    #click({detail, target}) {
+        const key = target.closest(".key");
+        if (detail === 0 && key)
+            this.#held.toggle(Number(key.dataset.note), latch);
+    }
+
     #onKeyDown(event) {
         if (event.ctrlKey || event.metaKey || event.altKey)
             return;
@@ -127,6 +137,8 @@ export class Manual {
             this.#focus(Math.min(Math.max(to, lowestNote), highestNote));
         else if (event.code === "Space" && !event.repeat)
             this.#held.press(this.#spaced = this.#focused, this);
+        else if (event.key === "Enter" && !event.repeat)
+            this.#held.toggle(this.#focused, latch);
         else if (event.code !== "Space")
             return;
         event.preventDefault();
