@@ -443,7 +443,10 @@ SectionEnd
 
 Function un.onInit
     ReadRegStr $0 HKLM "${ENTRY}" "InstallLocation"
-    ${If} $0 != $INSTDIR
+    ReadRegStr $1 HKCU "${ENTRY}" "InstallLocation"
+    ${If} $0 == ""
+    ${OrIf} $1 != "" ; of one user, and another installed for everyone
+    ${AndIf} $0 != $INSTDIR
         Return
     ${EndIf}
     SetShellVarContext all
