@@ -31,7 +31,7 @@ need() {
 
 build_packages=(
     g++ cmake ninja-build pkg-config libcli11-dev libsndfile1-dev libxcb1-dev
-    libxcb-xtest0-dev libpng-dev libjack-jackd2-dev libasound2-dev librtaudio-dev librtmidi-dev
+    libxcb-xtest0-dev libpng-dev zlib1g-dev libjack-jackd2-dev libasound2-dev librtaudio-dev librtmidi-dev
     liblilv-dev lv2-dev)
 test_packages=(
     libgtest-dev libbenchmark-dev clang-format clang-tidy-22 xvfb
@@ -42,11 +42,11 @@ wasm_packages=(
     clang-22 llvm-22 lld-22 libc++-22-dev-wasm32 libc++abi-22-dev-wasm32 libclang-rt-22-dev-wasm32
     wasi-libc nodejs)
 browser_packages=(chromium-headless-shell)
-windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix)
+windows_packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix libz-mingw-w64-dev)
 package_packages=(
     nsis dpkg-dev file fakeroot pandoc help2man man-db appstream desktop-file-utils)
 wine_packages=(wine wine64 wine32:i386)
-emulation_packages=(g++-multilib qemu-user libxcb1-dev:i386 libxcb-xtest0-dev:i386)
+emulation_packages=(g++-multilib lib32z1-dev qemu-user libxcb1-dev:i386 libxcb-xtest0-dev:i386)
 
 # Wine's loader of programs of each width. Its wrapper starts the 32-bit one for both.
 declare -A wine=([win32]=/usr/lib/wine/wine [win64]=/usr/lib/wine/wine64)

@@ -1,5 +1,6 @@
 #include "vstgui/cbitmap.h"
 
+#include "vstgui/packed_pixels.h"
 #include "vstgui/resource.h"
 
 #include <cstddef>
@@ -21,12 +22,16 @@ struct bitmap_header {
 
 static_assert(sizeof(bitmap_header) == 40);
 
+constexpr std::uint32_t uncompressed = 0;
+constexpr std::uint32_t packed = 1000; ///< as art/make_bitmaps does it
+
 constexpr int max_side = 1 << 14;
 
 bool is_known(const bitmap_header& header) {
     return header.byte_size == sizeof header && header.bits_per_pixel == 24
-           && header.compression == 0 && header.width > 0 && header.width <= max_side
-           && header.height > 0 && header.height <= max_side;
+           && (header.compression == uncompressed || header.compression == packed)
+           && header.width > 0 && header.width <= max_side && header.height > 0
+           && header.height <= max_side;
 }
 
 /// Bytes of a row, which ends on a multiple of four.
@@ -42,10 +47,14 @@ CBitmap::CBitmap(int resourceNumber) {
     std::memcpy(&header, resource.data(), sizeof header);
     if (!is_known(header))
         return;
-    const std::size_t nb_bytes = stride_of(header.width) * static_cast<std::size_t>(header.height);
-    if (resource.size() - sizeof header < nb_bytes)
+    const std::size_t stride = stride_of(header.width);
+    const auto nb_columns = static_cast<std::size_t>(header.width);
+    const auto nb_rows = static_cast<std::size_t>(header.height);
+    pixels = resource.subspan(sizeof header);
+    if (header.compression == packed)
+        pixels = unpacked = unpack_pixels(pixels, nb_columns, nb_rows, stride);
+    if (pixels.size() < stride * nb_rows)
         return;
-    pixels = resource.subspan(sizeof header, nb_bytes);
     width = header.width;
     height = header.height;
 }

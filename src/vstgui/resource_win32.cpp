@@ -6,8 +6,10 @@
 
 std::span<const unsigned char> find_bitmap_resource(int number) {
     const auto library = static_cast<HMODULE>(hInstance);
-    HRSRC found =
-        FindResourceW(library, MAKEINTRESOURCEW(number), MAKEINTRESOURCEW(2)); // RT_BITMAP
+    HRSRC found = nullptr;
+    for (const int kind : {2, 10}) // RT_BITMAP, or RT_RCDATA for those that are packed
+        if (!found)
+            found = FindResourceW(library, MAKEINTRESOURCEW(number), MAKEINTRESOURCEW(kind));
     HGLOBAL loaded = found ? LoadResource(library, found) : nullptr;
     if (!loaded)
         return {};
