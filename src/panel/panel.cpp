@@ -11,14 +11,24 @@
 Panel::Panel(PanelOwner& its_owner, control& its_registry)
     : owner(its_owner),
       registry(&its_registry),
-      hBackground(load_background()),
-      changes(its_registry.nb_parameters) {}
+      hBackground(load_background(1)),
+      changes(its_registry.nb_parameters) {
+    scale = default_scale();
+}
 
 Panel::~Panel() { close(); }
 
-int Panel::getWidth() const { return hBackground->getWidth(); }
+bool Panel::setScale(double wanted) {
+    const auto nearest = nearest_scale(wanted);
+    if (!nearest || (frame && *nearest != scale))
+        return false;
+    scale = *nearest;
+    return true;
+}
 
-int Panel::getHeight() const { return hBackground->getHeight(); }
+int Panel::getWidth() const { return scale * hBackground->getWidth(); }
+
+int Panel::getHeight() const { return scale * hBackground->getHeight(); }
 
 bool Panel::open(void* parent) {
     close();
@@ -27,11 +37,12 @@ bool Panel::open(void* parent) {
     auto opened = CReference<CFrame>::make(size, parent, this);
     if (!opened->isOpen())
         return false;
-    opened->setBackground(hBackground.get());
-    controls = add_parameter_controls(*opened, this, *registry);
-    cMidiLearnButton = add_learn_switch(*opened, this);
-    cMidiInLED = add_midi_lamp(*opened, this);
-    add_panic_button(*opened, this);
+    opened->setBackground((scale == 1 ? hBackground : load_background(scale)).get());
+    const panel_ground ground{*opened, this, scale};
+    controls = add_parameter_controls(ground, *registry);
+    cMidiLearnButton = add_learn_switch(ground);
+    cMidiInLED = add_midi_lamp(ground);
+    add_panic_button(ground);
     frame = std::move(opened);
     showParameters();
     return true;

@@ -45,6 +45,10 @@ public:
     Panel(const Panel&) = delete;
     Panel& operator=(const Panel&) = delete;
 
+    /// The environment says how large the panel is until a host does; it takes the size nearest to
+    /// that and keeps it while it is open. Returns whether it has it.
+    bool setScale(double wanted);
+
     [[nodiscard]] int getWidth() const;
     [[nodiscard]] int getHeight() const;
 

@@ -8,7 +8,12 @@
 #include "vstgui/cmoviebitmap.h"
 #include "vstgui/conoffbutton.h"
 
+#include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <utility>
 
@@ -34,46 +39,76 @@ constexpr panel_place learn{MIDI_LEARN_TAG, 129, {306, 11}};
 constexpr panel_place lamp{MIDI_IN_TAG, 130, {351, 11}};
 constexpr panel_place panic{PANIC_TAG, 132, {398, 11}};
 
-CReference<CBitmap> load(int number) { return CReference<CBitmap>::make(number); }
+constexpr int nb_scales = 3;
 
-/// The place of a control whose bitmap stacks that many pictures.
-CRect picture_area(const CBitmap& bitmap, int nb_pictures, CPoint corner) {
-    return {corner.x, corner.y, corner.x + bitmap.getWidth(),
-            corner.y + bitmap.getHeight() / nb_pictures};
+/// What is larger has the number of the plain picture after a digit, its scale.
+CReference<CBitmap> load(int number, int scale) {
+    return CReference<CBitmap>::make(scale == 1 ? number : 1000 * scale + number);
 }
 
-template <typename Control>
-Control* give(CFrame& frame, std::unique_ptr<Control> created) {
+/// What a control whose bitmap stacks that many pictures is made of.
+struct placed_bitmap {
+    placed_bitmap(const panel_place& place, int nb_pictures, int scale)
+        : bitmap(load(place.bitmap, scale)),
+          area{scale * place.corner.x, scale * place.corner.y,
+               scale * place.corner.x + bitmap->getWidth(),
+               scale * place.corner.y + bitmap->getHeight() / nb_pictures} {}
+
+    CReference<CBitmap> bitmap;
+    CRect area;
+};
+
+template <typename Control, typename... Arguments>
+Control* give(CFrame& frame, Arguments&&... arguments) {
+    auto created = std::make_unique<Control>(std::forward<Arguments>(arguments)...);
     Control* const given = created.get();
     frame.addView(std::move(created));
     return given;
 }
 
-CAnimKnob* add_knob(CFrame& frame, CControlListener* listener, const panel_place& place) {
-    const auto bitmap = load(place.bitmap);
-    const CRect area = picture_area(*bitmap, nb_knob_pictures, place.corner);
-    return give(frame, std::make_unique<CAnimKnob>(area, listener, place.tag, nb_knob_pictures,
-                                                   area.height(), bitmap.get()));
+/// A control that is told how many pictures it has.
+template <typename Control>
+Control* add_pictured(const panel_ground& ground, const panel_place& place, int nb_pictures) {
+    const placed_bitmap placed(place, nb_pictures, ground.scale);
+    return give<Control>(ground.frame, placed.area, ground.listener, place.tag, nb_pictures,
+                         placed.area.height(), placed.bitmap.get());
 }
 
-COnOffButton* add_switch(CFrame& frame, CControlListener* listener, const panel_place& place) {
-    const auto bitmap = load(place.bitmap);
-    const CRect area = picture_area(*bitmap, 2, place.corner);
-    return give(frame, std::make_unique<COnOffButton>(area, listener, place.tag, bitmap.get()));
+CAnimKnob* add_knob(const panel_ground& ground, const panel_place& place) {
+    return add_pictured<CAnimKnob>(ground, place, nb_knob_pictures);
+}
+
+COnOffButton* add_switch(const panel_ground& ground, const panel_place& place) {
+    const placed_bitmap placed(place, 2, ground.scale);
+    return give<COnOffButton>(ground.frame, placed.area, ground.listener, place.tag,
+                              placed.bitmap.get());
 }
 
 } // namespace
 
-CReference<CBitmap> load_background() { return load(background_bitmap); }
+std::optional<int> nearest_scale(double wanted) {
+    if (!(wanted > 0))
+        return std::nullopt;
+    return static_cast<int>(std::lround(std::clamp<double>(wanted, 1, nb_scales)));
+}
 
-std::vector<CControl*> add_parameter_controls(CFrame& frame, CControlListener* listener,
-                                              const control& registry) {
+int default_scale() {
+    const char* text = std::getenv("TINDELWAX_SCALE");
+    int wanted = 1;
+    if (text)
+        std::from_chars(text, text + std::strlen(text), wanted);
+    return nearest_scale(wanted).value_or(1);
+}
+
+CReference<CBitmap> load_background(int scale) { return load(background_bitmap, scale); }
+
+std::vector<CControl*> add_parameter_controls(const panel_ground& ground, const control& registry) {
     std::vector<CControl*> controls(registry.parameters.size());
     const auto add = [&](const panel_place& place, auto add_control) {
         const auto index = static_cast<std::size_t>(place.tag);
         if (index >= controls.size())
             return;
-        controls[index] = add_control(frame, listener, place);
+        controls[index] = add_control(ground, place);
         controls[index]->setDefaultValue(registry.parameters[index]->default_value);
     };
     for (const panel_place& place : knobs)
@@ -83,20 +118,14 @@ std::vector<CControl*> add_parameter_controls(CFrame& frame, CControlListener* l
     return controls;
 }
 
-COnOffButton* add_learn_switch(CFrame& frame, CControlListener* listener) {
-    return add_switch(frame, listener, learn);
+COnOffButton* add_learn_switch(const panel_ground& ground) { return add_switch(ground, learn); }
+
+CMovieBitmap* add_midi_lamp(const panel_ground& ground) {
+    return add_pictured<CMovieBitmap>(ground, lamp, 2);
 }
 
-CMovieBitmap* add_midi_lamp(CFrame& frame, CControlListener* listener) {
-    const auto bitmap = load(lamp.bitmap);
-    const CRect area = picture_area(*bitmap, 2, lamp.corner);
-    return give(frame, std::make_unique<CMovieBitmap>(area, listener, lamp.tag, 2, area.height(),
-                                                      bitmap.get()));
-}
-
-void add_panic_button(CFrame& frame, CControlListener* listener) {
-    const auto bitmap = load(panic.bitmap);
-    const CRect area = picture_area(*bitmap, 2, panic.corner);
-    give(frame,
-         std::make_unique<CKickButton>(area, listener, panic.tag, area.height(), bitmap.get()));
+void add_panic_button(const panel_ground& ground) {
+    const placed_bitmap placed(panic, 2, ground.scale);
+    give<CKickButton>(ground.frame, placed.area, ground.listener, panic.tag, placed.area.height(),
+                      placed.bitmap.get());
 }

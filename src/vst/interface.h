@@ -145,6 +145,11 @@ enum AEffectOpcodes : VstInt32 {
 
 constexpr VstIntPtr kEffectIdentify = 0x4E764566; ///< "NvEf", the answer to opcode 22
 
+/// Index and value of the vendor-specific call by which hosts tell an editor's scale, in `opt`: 2
+/// is twice the size. An editor that follows it answers 1.
+constexpr VstInt32 kEditorScaleIndex = 0x50726553;  ///< "PreS"
+constexpr VstIntPtr kEditorScaleValue = 0x41654373; ///< "AeCs"
+
 /// What the plug-in asks of its host.
 enum AudioMasterOpcodes : VstInt32 {
     audioMasterAutomate = 0,

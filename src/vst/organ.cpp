@@ -183,6 +183,11 @@ bool Organ::getProductString(char* text) {
 
 VstInt32 Organ::getVendorVersion() { return vendor_version; }
 
+VstIntPtr Organ::vendorSpecific(VstInt32 index, VstIntPtr value, void*, float opt) {
+    const bool tells_scale = index == kEditorScaleIndex && value == kEditorScaleValue;
+    return tells_scale && p_editor->setScale(opt);
+}
+
 VstInt32 Organ::canDo(char* text) {
     if (!text)
         return 0;

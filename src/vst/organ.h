@@ -42,6 +42,7 @@ public:
     bool getVendorString(char* text) override;
     bool getProductString(char* text) override;
     VstInt32 getVendorVersion() override;
+    VstIntPtr vendorSpecific(VstInt32 index, VstIntPtr value, void* ptr, float opt) override;
     VstInt32 canDo(char* text) override;
     VstInt32 getPlugCategory() override;
     VstInt32 getNumMidiInputChannels() override;

@@ -10,8 +10,8 @@
 namespace {
 
 constexpr double sweep = 300.0 / 180 * std::numbers::pi; ///< radians, from 7 to 5 o'clock
-constexpr double linear_travel = 200;                    ///< pixels upwards from 0 to 1
-constexpr double blind_radius = 2; ///< pixels; nearer to the axis a pixel is too large an angle
+constexpr double linear_travel = 200;                    ///< pixels upwards from 0 to 1, at scale 1
+constexpr double blind_radius = 2; ///< and to the axis: nearer by, a pixel is too large an angle
 constexpr float wheel_step = 0.01f;
 
 bool is_fine(int buttons) { return (buttons & kShift) != 0; }
@@ -51,7 +51,7 @@ double CAnimKnob::follow(CPoint where, double angle, int buttons) const {
     const double now = getValue();
     const CKnobMode mode = owner()->getKnobMode();
     if (mode == kLinearMode)
-        return now + (last.y - where.y) / linear_travel * fineness(buttons);
+        return now + (last.y - where.y) / (linear_travel * owner()->getScale()) * fineness(buttons);
     if (mode == kCircularMode && !is_fine(buttons)) {
         const double under = std::clamp(0.5 + angle / sweep, 0.0, 1.0);
         // Across the gap at 6 o'clock the knob stays at the end where it is.
@@ -87,5 +87,6 @@ double CAnimKnob::angleOf(CPoint where) const {
     const CRect& area = getViewSize();
     const double right = where.x + 0.5 - (area.left + area.right) / 2.0;
     const double up = (area.top + area.bottom) / 2.0 - (where.y + 0.5);
-    return std::hypot(right, up) < blind_radius ? lastAngle : std::atan2(right, up);
+    return std::hypot(right, up) < blind_radius * owner()->getScale() ? lastAngle
+                                                                      : std::atan2(right, up);
 }

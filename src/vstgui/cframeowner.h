@@ -24,10 +24,14 @@ public:
 
     [[nodiscard]] CKnobMode getKnobMode() const { return knobMode; }
 
+    /// How many times as large as drawn for the smallest the panel is shown.
+    [[nodiscard]] int getScale() const { return scale; }
+
 protected:
     ~CFrameOwner() = default;
 
     CKnobMode knobMode = kRelativeCircularMode;
+    int scale = 1;
 
 private:
     std::shared_ptr<void> ownLife = std::make_shared<char>();

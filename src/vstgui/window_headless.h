@@ -10,7 +10,7 @@
 /// Its address is the parent window; without one no window is shown.
 struct headless_parent {
     bool refuses = false; ///< to show windows
-    CDrawContext screen{640, 480};
+    CDrawContext screen{1440, 1200};
     std::vector<CRect> puts{};                  ///< areas shown, in order
     PlatformWindowListener* listener = nullptr; ///< of the window in it; null without one
     std::function<void()> at_events{};          ///< what happens when the window handles events

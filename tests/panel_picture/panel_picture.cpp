@@ -86,6 +86,22 @@ CDrawContext panel_picture(const panel_state& state) {
     return panel;
 }
 
+CDrawContext reduced(const CDrawContext& shown, int scale) {
+    CDrawContext small(480, 400);
+    const auto step = static_cast<std::size_t>(scale);
+    const auto area = static_cast<std::uint32_t>(scale * scale);
+    for (int y = 0; y < 400; ++y)
+        for (std::size_t x = 0; x < 480; ++x)
+            for (const int shift : {0, 8, 16}) {
+                std::uint32_t sum = area / 2;
+                for (int row = scale * y; row < scale * (y + 1); ++row)
+                    for (const std::uint32_t pixel : shown.row(row).subspan(step * x, step))
+                        sum += pixel >> shift & 0xFF;
+                small.row(y)[x] |= sum / area << shift;
+            }
+    return small;
+}
+
 std::string first_difference(const CDrawContext& shown, const CDrawContext& expected,
                              int tolerance) {
     for (int y = 0; y < 400; ++y) {

@@ -19,6 +19,9 @@ struct panel_state {
 
 [[nodiscard]] CDrawContext panel_picture(const panel_state& state);
 
+/// Returns the panel in the size of its plain pictures, each pixel the mean of those that it had.
+[[nodiscard]] CDrawContext reduced(const CDrawContext& shown, int scale);
+
 /// Returns "" for pictures whose channels differ by no more than `tolerance`, else where they do.
 [[nodiscard]] std::string first_difference(const CDrawContext& shown, const CDrawContext& expected,
                                            int tolerance = 0);

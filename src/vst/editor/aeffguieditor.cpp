@@ -8,9 +8,19 @@ AudioEffectX& effect_of(AudioEffect* effect) { return static_cast<AudioEffectX&>
 
 AEffGUIEditor::AEffGUIEditor(AudioEffectX* owner, control& registry)
     : AEffEditor(owner), panel(*this, registry) {
+    measure();
+    owner->setEditor(this);
+}
+
+void AEffGUIEditor::measure() {
     rect.bottom = static_cast<VstInt16>(panel.getHeight());
     rect.right = static_cast<VstInt16>(panel.getWidth());
-    owner->setEditor(this);
+}
+
+bool AEffGUIEditor::setScale(float wanted) {
+    const bool isTaken = panel.setScale(wanted);
+    measure();
+    return isTaken;
 }
 
 bool AEffGUIEditor::getRect(ERect** size) {

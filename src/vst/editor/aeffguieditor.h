@@ -14,6 +14,10 @@ public:
 
     bool getRect(ERect** size) override;
 
+    /// How large the host wants the panel, which keeps its size while it is open. Returns whether
+    /// it has that one, or the nearest to it.
+    bool setScale(float wanted);
+
     /// Returns whether the panel can be shown in the host's window `parent`.
     bool open(void* parent) override;
     void close() override;
@@ -37,6 +41,8 @@ protected:
     Panel panel;
 
 private:
+    void measure();
+
     ERect rect{};
     component_services services = component_services_prepare();
 };

@@ -5,6 +5,8 @@
 #include "vstgui/cframeowner.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 
 namespace {
 
@@ -36,6 +38,59 @@ TEST_F(EditorTest, OpensWithWhatTheParametersAre) {
     EXPECT_TRUE(host.open(&window));
     host.idle();
     EXPECT_EQ(differs(), "");
+}
+
+TEST(EditorScale, IsTheHostsOrTheEnvironmentsOrOne) {
+    struct row {
+        const char* environment;
+        float told; ///< by the host, if not 0
+        int scale;
+        bool is_taken = true;
+    };
+    for (const row& r : {row{"", 0, 1},
+                         {"2", 0, 2},
+                         {"9", 0, 3},
+                         {"large", 0, 1},
+                         {"2", 1, 1},
+                         {"", 1.5f, 2},
+                         {"", INFINITY, 3},
+                         {"3", NAN, 3, false},
+                         {"2", -1, 2, false}}) {
+        SCOPED_TRACE(std::string(r.environment) + ", told " + std::to_string(r.told));
+        setenv("TINDELWAX_SCALE", r.environment, 1);
+        headless_parent window;
+        const panel_host host;
+        const auto tell = [&host](float scale) {
+            return host.record->dispatcher(host.record, effVendorSpecific, kEditorScaleIndex,
+                                           kEditorScaleValue, nullptr, scale);
+        };
+        EXPECT_TRUE(r.told == 0 || tell(r.told) == r.is_taken);
+        ERect* size = nullptr;
+        host.ask(effEditGetRect, 0, &size);
+        EXPECT_EQ(size->right, 480 * r.scale);
+        EXPECT_EQ(size->bottom, 400 * r.scale);
+        EXPECT_TRUE(host.open(&window));
+        EXPECT_EQ(tell(static_cast<float>(r.scale % 3 + 1)), 0) << "while it is open";
+        host.ask(effSetEditKnobMode, kLinearMode);
+        host.set(volume, 0.2f);
+        host.idle();
+        EXPECT_EQ(window.puts.front().right, 480 * r.scale);
+
+        const auto at = [&r](CPoint place, int higher = 0) {
+            return CPoint{r.scale * place.x, r.scale * (place.y - higher)};
+        };
+        window.listener->onMouseDown(at(control_places[volume]), kLButton);
+        window.listener->onMouseMoved(at(control_places[volume], 60), 0);
+        window.listener->onMouseUp(at(control_places[volume], 60), kLButton);
+        EXPECT_NEAR(host.get(volume), 0.5f, 1e-6f);
+        window.listener->onMouseDown(at(control_places[flute]), kLButton);
+        EXPECT_EQ(host.get(flute), 0);
+        EXPECT_EQ(window.puts.back().left, 184 * r.scale);
+        EXPECT_EQ(window.puts.back().height(), 128 * r.scale);
+        EXPECT_EQ(first_difference(reduced(window.screen, r.scale), host.picture(), r.scale > 1),
+                  "");
+    }
+    unsetenv("TINDELWAX_SCALE");
 }
 
 TEST_F(EditorTest, LearnStillArmedAtReopeningIsDisarmedByTheFirstClick) {
