@@ -85,6 +85,10 @@ bool create(const clap_plugin* plugin, const char* api, bool is_floating) {
 
 void destroy(const clap_plugin* plugin) { clap_instrument_of(plugin).window.reset(); }
 
+bool set_scale(const clap_plugin* plugin, double scale) {
+    return window_of(plugin) && window_of(plugin)->set_scale(scale);
+}
+
 bool get_size(const clap_plugin* plugin, std::uint32_t* width, std::uint32_t* height) {
     if (!window_of(plugin))
         return false;
@@ -120,7 +124,7 @@ const clap_plugin_gui clap_gui{
     .get_preferred_api = get_preferred_api,
     .create = create,
     .destroy = destroy,
-    .set_scale = [](const clap_plugin*, double) { return false; },
+    .set_scale = set_scale,
     .get_size = get_size,
     .can_resize = [](const clap_plugin*) { return false; },
     .get_resize_hints = [](const clap_plugin*, clap_gui_resize_hints*) { return false; },

@@ -11,6 +11,9 @@ class instrument_panel : public PanelOwner {
 public:
     explicit instrument_panel(instrument& shown); ///< which outlives it
 
+    /// What the host says of its screen; returns whether the panel has that size or the nearest.
+    bool set_scale(double wanted) { return panel.setScale(wanted); }
+
     [[nodiscard]] int width() const { return panel.getWidth(); }
     [[nodiscard]] int height() const { return panel.getHeight(); }
     [[nodiscard]] bool is_open() const { return panel.isOpen(); }

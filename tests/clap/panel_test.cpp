@@ -64,10 +64,15 @@ TEST_F(ClapPanel, ShowsTheInstrumentAndTellsTheHostOfItsUser) {
     clap.has_timers = false;
     EXPECT_FALSE(create(clap_system_window_api, false));
     clap.has_timers = true;
-    EXPECT_FALSE(gui.show(clap.plugin));
+    EXPECT_FALSE(gui.show(clap.plugin) || gui.set_scale(clap.plugin, 2));
     ASSERT_TRUE(create(clap_system_window_api, false));
     EXPECT_FALSE(create(clap_system_window_api, false));
     std::uint32_t width = 1, height = 1;
+    EXPECT_TRUE(gui.set_scale(clap.plugin, 1.75));
+    EXPECT_TRUE(gui.get_size(clap.plugin, &width, &height));
+    EXPECT_TRUE(width == 960 && height == 800);
+    EXPECT_FALSE(gui.set_scale(clap.plugin, 0));
+    EXPECT_TRUE(gui.set_scale(clap.plugin, 1));
     EXPECT_TRUE(gui.adjust_size(clap.plugin, &width, &height));
     EXPECT_TRUE(width == 480 && height == 400 && gui.set_size(clap.plugin, 480, 400));
     EXPECT_FALSE(gui.set_size(clap.plugin, 480, 401));
