@@ -5,11 +5,28 @@
 #include "lv2/panel_window.h"
 #include "lv2/ports.h"
 
+#include <lv2/atom/atom.h>
 #include <lv2/instance-access/instance-access.h>
+#include <lv2/options/options.h>
+#include <lv2/urid/urid.h>
 
 namespace {
 
 lv2_panel& panel_of(LV2UI_Handle panel) { return *static_cast<lv2_panel*>(panel); }
+
+/// What the host says of its screen, or 0.
+float told_scale(const LV2_Feature* const* features) {
+    const auto* const map = lv2_feature<const LV2_URID_Map>(features, LV2_URID__map);
+    const auto* option = lv2_feature<const LV2_Options_Option>(features, LV2_OPTIONS__options);
+    if (!map || !option)
+        return 0;
+    const auto number = [map](const char* uri) { return map->map(map->handle, uri); };
+    for (; option->key != 0; ++option)
+        if (option->context == LV2_OPTIONS_INSTANCE && option->key == number(LV2_UI__scaleFactor)
+            && option->type == number(LV2_ATOM__Float) && option->value)
+            return *static_cast<const float*>(option->value);
+    return 0;
+}
 
 LV2UI_Handle instantiate(const LV2UI_Descriptor*, const char* plugin_uri, const char*,
                          LV2UI_Write_Function write, LV2UI_Controller controller,
@@ -21,6 +38,7 @@ LV2UI_Handle instantiate(const LV2UI_Descriptor*, const char* plugin_uri, const 
     auto opened = std::make_unique<lv2_panel>(organ ? &organ->played : nullptr,
                                               lv2_told_host{write, controller, touch});
     lv2_panel_window& window = opened->get_window();
+    window.set_scale(told_scale(features));
     if (!window.open(lv2_feature<void>(features, LV2_UI__parent)))
         return nullptr;
     if (const auto* const resize = lv2_feature<const LV2UI_Resize>(features, LV2_UI__resize))

@@ -19,6 +19,7 @@
 #include <iomanip>
 #include <iterator>
 #include <lv2/instance-access/instance-access.h>
+#include <lv2/options/options.h>
 #include <string>
 #include <vector>
 
@@ -179,7 +180,9 @@ void write_panel(std::ostream& out) {
     out << panel << "\n    a ui:X11UI";
     say(out, "lv2:requiredFeature", "ui:parent , ui:idleInterface");
     say(out, "lv2:optionalFeature",
-        "<" LV2_INSTANCE_ACCESS_URI "> , ui:resize , ui:touch , ui:fixedSize , ui:noUserResize");
+        "<" LV2_INSTANCE_ACCESS_URI "> , <" LV2_OPTIONS__options
+        "> , urid:map , ui:resize , ui:touch , ui:fixedSize , ui:noUserResize");
+    say(out, "<" LV2_OPTIONS__supportedOption ">", "ui:scaleFactor");
     say(out, "lv2:extensionData", "ui:idleInterface .\n\n");
 }
 

@@ -4,6 +4,7 @@
 #include "tests/panel_picture/panel_picture.h"
 
 #include <lv2/instance-access/instance-access.h>
+#include <lv2/options/options.h>
 #include <lv2/ui/ui.h>
 
 namespace {
@@ -25,7 +26,8 @@ struct Lv2Panel : testing::Test {
             entry->cleanup(panel);
     }
 
-    LV2UI_Handle open(void* parent, bool hands_over, const char* plugin = TINDELWAX_URI) {
+    LV2UI_Handle open(void* parent, bool hands_over, const char* plugin = TINDELWAX_URI,
+                      float scale = 1) {
         LV2UI_Resize resize{this, [](void* test, int width, int height) {
                                 static_cast<Lv2Panel*>(test)->size = {width, height};
                                 return 0;
@@ -33,12 +35,20 @@ struct Lv2Panel : testing::Test {
         touch = {this, [](void* test, std::uint32_t port, bool grabbed) {
                      static_cast<Lv2Panel*>(test)->heard.push_back({port, 0, grabbed ? 'b' : 'e'});
                  }};
+        LV2_URID_Map map{nullptr, [](void*, const char* uri) { return urid(uri); }};
+        const auto number = urid(LV2_ATOM__Float);
+        const LV2_Options_Option options[] = {
+            {LV2_OPTIONS_INSTANCE, 0, urid("urn:other"), sizeof scale, number, &volume},
+            {LV2_OPTIONS_INSTANCE, 0, urid(LV2_UI__scaleFactor), sizeof scale, number, &scale},
+            {}};
         const LV2_Feature all[] = {{LV2_UI__parent, parent},
                                    {LV2_UI__resize, &resize},
                                    {LV2_UI__touch, &touch},
+                                   {LV2_URID__map, &map},
+                                   {LV2_OPTIONS__options, const_cast<LV2_Options_Option*>(options)},
                                    {LV2_INSTANCE_ACCESS_URI, host.instance}};
-        const LV2_Feature* const offered[] = {&all[0], &all[1], &all[2],
-                                              hands_over ? &all[3] : nullptr, nullptr};
+        const LV2_Feature* const offered[] = {
+            &all[0], &all[1], &all[2], &all[3], &all[4], hands_over ? &all[5] : nullptr, nullptr};
         const auto write = [](void* test, std::uint32_t port, std::uint32_t nb_bytes,
                               std::uint32_t protocol, const void* value) {
             ASSERT_EQ(nb_bytes, sizeof(float));
@@ -137,6 +147,16 @@ TEST_F(Lv2Panel, ShowsTheInstrumentThatIsHandedOver) {
     host.run(48000);
     host.run(64);
     EXPECT_LT(std::ranges::max(host.outputs[0]), 1e-5f);
+}
+
+TEST_F(Lv2Panel, IsAsLargeAsTheHostSaysOrTheEnvironment) {
+    setenv("TINDELWAX_SCALE", "2", 1);
+    for (const auto& [told_scale, scale] : {std::pair{0.0f, 2}, {1.0f, 1}, {2.6f, 3}}) {
+        ASSERT_NE(panel = open(window.handle(), true, TINDELWAX_URI, told_scale), nullptr);
+        EXPECT_EQ(size, std::pair(480 * scale, 400 * scale)) << told_scale;
+        entry->cleanup(std::exchange(panel, nullptr));
+    }
+    unsetenv("TINDELWAX_SCALE");
 }
 
 TEST_F(Lv2Panel, ShowsThePortsOfAnInstrumentOutOfReach) {
