@@ -7,7 +7,7 @@
 
 struct panel_request : instrument_request {
     std::string output{}; ///< named .png
-    int scale = 1;        ///< of each pixel's width and height
+    int scale = 1;        ///< of the plain size
 };
 
 /// Throws a failure.

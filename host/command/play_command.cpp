@@ -108,7 +108,7 @@ public:
                 players_.touch(edit.parameter, edit.value);
         });
         if (wants_panel(request, instrument))
-            open_panel(instrument, request.shows_panel.has_value());
+            open_panel(instrument, request);
         if (!panel_ && is_terminal(p_output))
             terminal_.emplace(fileno(p_output));
     }
@@ -134,11 +134,11 @@ public:
 
 private:
     /// Nobody asked for it by name: then a display that is none is no reason to be silent.
-    void open_panel(plugin& instrument, bool is_asked_for) {
+    void open_panel(plugin& instrument, const play_request& request) {
         try {
-            panel_.emplace(instrument, live_);
+            panel_.emplace(instrument, live_, request.scale);
         } catch (const failure& reason) {
-            if (is_asked_for)
+            if (request.shows_panel)
                 throw;
             status_.tell(reason.what());
         }

@@ -4,9 +4,11 @@
 
 namespace {
 
-player_window open_window(plugin& instrument) {
+player_window open_window(plugin& instrument, int scale) {
     if (!instrument.has_editor())
         instrument.fail("has no panel");
+    if (scale > 1)
+        instrument.set_editor_scale(scale);
     const editor_extent size = instrument.editor_size();
     return {std::max(size.width, 1), std::max(size.height, 1), instrument.name()};
 }
@@ -20,9 +22,9 @@ void* require(void* window) {
 
 } // namespace
 
-play_panel::play_panel(plugin& instrument, live_instrument& played)
+play_panel::play_panel(plugin& instrument, live_instrument& played, int scale)
     : keys_{played},
-      window_{open_window(instrument)},
+      window_{open_window(instrument, scale)},
       editor_{instrument, require(window_.handle())} {
     const editor_extent size = instrument.editor_size();
     if (!size.is_empty())

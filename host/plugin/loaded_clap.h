@@ -80,6 +80,7 @@ public:
 
     [[nodiscard]] bool has_editor() const override { return editor_.exists(); }
     editor_extent editor_size() override { return editor_.size(); }
+    bool set_editor_scale(double scale) override { return editor_.set_scale(scale); }
     bool open_editor(void* window) override { return editor_.open(window); }
     void close_editor() override { editor_.close(); }
     void idle_editor() override;

@@ -3,7 +3,9 @@
 #include "platform/window_size.h"
 #include "plugin/lilv_owned.h"
 
+#include <lv2/atom/atom.h>
 #include <lv2/instance-access/instance-access.h>
+#include <lv2/options/options.h>
 
 #include <limits>
 #include <utility>
@@ -17,6 +19,8 @@ constexpr float nothing_shown = std::numeric_limits<float>::quiet_NaN();
 void lv2_editor::attach(LilvWorld* world, const LilvPlugin* plugin) {
     plugin_uri_ = lilv_node_as_uri(lilv_plugin_get_uri(plugin));
     const owned_node x11{lilv_new_uri(world, LV2_UI__X11UI)};
+    const owned_node supports{lilv_new_uri(world, LV2_OPTIONS__supportedOption)};
+    const owned_node scale{lilv_new_uri(world, LV2_UI__scaleFactor)};
     const owned_uis found{lilv_plugin_get_uis(plugin)};
     LILV_FOREACH(uis, i, found.get()) {
         const LilvUI* const ui = lilv_uis_get(found.get(), i);
@@ -25,7 +29,13 @@ void lv2_editor::attach(LilvWorld* world, const LilvPlugin* plugin) {
         uri_ = lilv_node_as_uri(lilv_ui_get_uri(ui));
         folder_ = lilv_path(lilv_ui_get_bundle_uri(ui));
         binary_ = lilv_path(lilv_ui_get_binary_uri(ui));
+        heeds_scale_ = lilv_world_ask(world, lilv_ui_get_uri(ui), supports.get(), scale.get());
     }
+}
+
+bool lv2_editor::set_scale(float scale) {
+    scale_ = scale;
+    return heeds_scale_;
 }
 
 const LV2UI_Descriptor* lv2_editor::load() {
@@ -53,12 +63,18 @@ bool lv2_editor::open(void* window, LV2_Handle instance, LV2_URID_Map& map, cons
         if (protocol == 0 && nb_bytes == sizeof(float))
             of(self).told_(panel_edit::step::sets, port, *static_cast<const float*>(value));
     };
-    const LV2_Feature features[] = {{LV2_URID__map, &map},
-                                    {LV2_UI__parent, window},
-                                    {LV2_UI__resize, &resize_},
-                                    {LV2_UI__touch, &touch_},
-                                    {LV2_UI__idleInterface, nullptr},
-                                    {LV2_INSTANCE_ACCESS_URI, instance}};
+    const auto number = [&map](const char* uri) { return map.map(map.handle, uri); };
+    const LV2_Options_Option options[] = {{LV2_OPTIONS_INSTANCE, 0, number(LV2_UI__scaleFactor),
+                                           sizeof scale_, number(LV2_ATOM__Float), &scale_},
+                                          {}};
+    const LV2_Feature features[] = {
+        {LV2_URID__map, &map},
+        {LV2_OPTIONS__options, const_cast<LV2_Options_Option*>(options)},
+        {LV2_UI__parent, window},
+        {LV2_UI__resize, &resize_},
+        {LV2_UI__touch, &touch_},
+        {LV2_UI__idleInterface, nullptr},
+        {LV2_INSTANCE_ACCESS_URI, instance}};
     std::vector<const LV2_Feature*> offered;
     for (const LV2_Feature& feature : features)
         offered.push_back(&feature);

@@ -23,6 +23,8 @@ public:
     [[nodiscard]] bool exists() const { return !binary_.empty(); }
     [[nodiscard]] editor_extent size() const { return size_; } ///< known once it was open
 
+    bool set_scale(float scale); ///< for when it is opened; whether it heeds that
+
     /// Returns false where it refuses. Map and instance outlive the open editor.
     bool open(void* window, LV2_Handle instance, LV2_URID_Map& map, const listener& told);
     void close();
@@ -35,6 +37,8 @@ private:
     [[nodiscard]] const LV2UI_Descriptor* load();
 
     std::string plugin_uri_{}, uri_{}, folder_{}, binary_{};
+    bool heeds_scale_ = false;
+    float scale_ = 1;
     std::optional<library> library_{};
     const LV2UI_Descriptor* descriptor_ = nullptr;
     const LV2UI_Idle_Interface* idling_ = nullptr; ///< null where it needs no turns

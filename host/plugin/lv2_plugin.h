@@ -51,6 +51,9 @@ public:
 
     [[nodiscard]] bool has_editor() const override { return editor_.exists(); }
     editor_extent editor_size() override { return editor_.size(); }
+    bool set_editor_scale(double scale) override {
+        return editor_.set_scale(static_cast<float>(scale));
+    }
     bool open_editor(void* window) override;
     void close_editor() override;
     void idle_editor() override;

@@ -104,6 +104,11 @@ public:
 
     /// Empty if the plug-in does not tell; some know it only once they are open.
     [[nodiscard]] virtual editor_extent editor_size() { return {}; }
+
+    /// Tells how many times as large as plain the editor is wanted, before it is opened. Returns
+    /// whether the plug-in heeds that; it may come as near to it as it can.
+    virtual bool set_editor_scale(double /*scale*/) { return false; }
+
     virtual bool open_editor(void* /*window*/) { return false; } ///< false where it refuses
     virtual void close_editor() {}
     virtual void idle_editor() {} ///< some 50 times a second

@@ -45,6 +45,11 @@ public:
 
     [[nodiscard]] bool has_editor() const override;
     editor_extent editor_size() override;
+    bool set_editor_scale(double scale) override {
+        return ask(effVendorSpecific, kEditorScaleIndex, kEditorScaleValue, nullptr,
+                   static_cast<float>(scale))
+               != 0;
+    }
     bool open_editor(void* window) override { return ask(effEditOpen, 0, 0, window) != 0; }
     void close_editor() override { ask(effEditClose); }
     void idle_editor() override { ask(effEditIdle); }
