@@ -21,6 +21,8 @@ export class Knob extends Slider {
     }
 
     #grasp(event) {
+        if (event.button !== 0)
+            return;
         this.element.setPointerCapture(event.pointerId);
         this.#last = event;
         if (event.ctrlKey)
