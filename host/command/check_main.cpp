@@ -9,7 +9,8 @@
 
 // What nobody catches ends it, as it should.
 int main(int argc, char** argv) { // NOLINT(bugprone-exception-escape)
-    CLI::App app{"Judges VST 2.4 and CLAP plug-ins through their binary interface.", "tindelwax-check"};
+    CLI::App app{"Judges VST 2.4 and CLAP plug-ins through their binary interface.",
+                 "tindelwax-check"};
     app.allow_windows_style_options(false); // for files' names may start with a slash
     check_request request;
     try {
