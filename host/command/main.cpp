@@ -176,7 +176,7 @@ CLI::App* add_panel(CLI::App& app, panel_request& request) {
         ->option_text("PANEL.png")
         ->required();
     add_number(*panel, "--scale", request.scale, 1, 8,
-               "N times as large, 1 to 8 (1): drawn so, or each pixel a square")
+               "N times as large, 1 to 8 (1): drawn so, or each\npixel a square")
         ->option_text("N");
     add_instrument_options(*panel, request);
     return panel;
