@@ -38,7 +38,9 @@ if(WIN32)
         tindelwax_options
         INTERFACE
         -fstack-protector-strong
-        LINKER:--no-insert-timestamp # one source, one library
+        # One source, one library: neither when nor in which folder it was linked shows.
+        LINKER:--no-insert-timestamp
+        LINKER:--disable-auto-image-base
         LINKER:--dynamicbase
         LINKER:--nxcompat
         $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},8>:LINKER:--high-entropy-va>)
