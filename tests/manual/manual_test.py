@@ -1,9 +1,10 @@
 """Runs every command that the manual and the README show: manual_test.py PROGRAMS
 
 PROGRAMS is the folder of the command and the plug-ins. In a document, commands stand in fences
-marked sh, or marked console, behind $ and above what they print, where ... stands for anything.
-What a test cannot run has the line "<!-- not run: REASON -->" above its fence. A document's
-commands run one after the other in one folder, which holds what they speak of.
+marked sh, or marked console, behind $ and above what they print, where ... stands for anything; and
+in prose, as code, with options of the command alone as well. A document's commands run one after
+the other in one folder, which holds what they speak of. Those that play do so through a JACK server
+without a sound card, until they say it.
 """
 
 import base64
@@ -19,8 +20,32 @@ import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PROGRAMS = pathlib.Path(sys.argv[1]).resolve()
-FENCE = re.compile(r"(<!-- not run: [^\n]+ -->\n)?^```(\w+)\n(.*?)^```$", re.M | re.S)
+CODE = re.compile(r"^```(\w+)\n(.*?)^```$|`((?:tindelwax |pw-jack |\./|--)[^`]*)`", re.M | re.S)
 DATA = {"html", "ini", "text"}
+SCRIPTS = r"\./(?:run|test)(?: (?:bench|package|page|sounds|windows).*)?"
+NOT_RUN = {
+    SCRIPTS: "builds for minutes; that the scripts know the command is seen",
+    r"cmake .*": "builds for minutes",
+    r"sudo .*": "changes the system; tests/packages/check installs and removes in a folder",
+    r"cp -r /usr/.*": "reads what a package installs",
+    r"pw-jack .*": "wants PipeWire, which the tests of play bring",
+}
+# Stands for the command, and ends it once it plays.
+PLAYER = f"""#!/bin/bash
+program='{PROGRAMS}/tindelwax'
+[[ $1 == play ]] || exec "$program" "$@"
+exec {{said}}< <(exec "$program" "$@" 2>&1)
+while read -r line; do
+    echo "$line"
+    [[ $line != "plays through JACK "* ]] || kill $!
+done <&$said
+wait $!
+"""
+
+
+def run(commands, **options):
+    return subprocess.run(["bash", "-ec", commands], text=True, stdin=subprocess.DEVNULL,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, **options)
 
 
 def furnish(folder):
@@ -30,35 +55,70 @@ def furnish(folder):
         shutil.copy(ROOT / "demo/phrase.mid", folder / song)
     for plugin in folder / "plugin.so", home / ".vst/tindelwax.so":
         plugin.symlink_to(PROGRAMS / "tindelwax.so")
-    (folder / "run").symlink_to(PROGRAMS / "tindelwax") # as run hands its arguments on
+    player = folder / "bin/tindelwax"
+    player.parent.mkdir()
+    player.write_text(PLAYER)
+    player.chmod(0o755)
+    (folder / "run").symlink_to(player) # as run hands its arguments on
     wiring = folder / "wiring"
     shutil.copytree(ROOT / "src/harpmatrix", wiring / "harpmatrix")
     shutil.copytree(ROOT / "src/control", wiring / "control")
-    return {"HOME": str(home), "PATH": f"{PROGRAMS}:{os.environ['PATH']}", "LC_ALL": "C.UTF-8"}
+    return os.environ | {"HOME": str(home), "PATH": f"{player.parent}:{os.environ['PATH']}",
+                         "DISPLAY": "", "LC_ALL": "C.UTF-8"}
 
 
 class Documents(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        os.environ |= {"JACK_DEFAULT_SERVER": f"tindelwax-manual-{os.getpid()}",
+                       "JACK_NO_AUDIO_RESERVATION": "1"}
+        cls.jackd = subprocess.Popen(
+            ["jackd", "-n", os.environ["JACK_DEFAULT_SERVER"], "-r", "-S", "-d", "dummy"],
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        tindelwax = PROGRAMS / "tindelwax"
+        while cls.jackd.poll() is None and "JACK: none" in run(f"'{tindelwax}' play --list").stdout:
+            pass
+        helped = re.findall(r"^  ([a-z]+) ", run(f"'{tindelwax}' --help").stdout, re.M)
+        cls.known = "".join([run(f"'{tindelwax}' {command} --help").stdout for command in helped]
+                            + [(ROOT / script).read_text() for script in ("run", "test")])
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.jackd.terminate()
+        cls.jackd.wait()
+
     def run_all(self, name):
         text = (ROOT / name).read_text()
-        self.assertIsNone(re.search(r"^\n    \S", FENCE.sub("", text), re.M), "code without a fence")
+        self.assertIsNone(re.search(r"^\n    \S", CODE.sub("", text), re.M), "code without a fence")
         with tempfile.TemporaryDirectory() as folder:
             surroundings = furnish(pathlib.Path(folder))
-            for mark, kind, block in FENCE.findall(text):
-                if kind not in DATA and not mark:
-                    with self.subTest(block):
-                        self.run_block(kind, block, folder, surroundings)
+            for kind, block, prose in CODE.findall(text):
+                with self.subTest(block or prose):
+                    if prose.startswith("--"):
+                        self.see(prose.split()[0])
+                    elif kind not in DATA:
+                        self.run_block(kind or "sh", block or prose, folder, surroundings)
+
+    def see(self, words):
+        self.assertTrue(re.search(re.escape(words) + r"(?![\w-])", self.known), "nobody knows it")
 
     def run_block(self, kind, block, folder, surroundings):
         self.assertIn(kind, ("sh", "console"))
-        lines = block.splitlines(keepends=True)
-        shown = [line for line in lines if kind == "console" and not line.startswith("$ ")]
-        commands = "".join(line.removeprefix("$ ") for line in lines if line not in shown)
-        result = subprocess.run(["bash", "-ec", commands], cwd=folder, env=surroundings, text=True,
-                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        commands, shown = "", ""
+        for line in re.sub(r"\\\n *", "", block).splitlines(keepends=True):
+            command = line.removeprefix("$ ")
+            bare = re.sub(r" *#.*", "", command).strip()
+            if kind == "console" and command == line:
+                shown += line
+            elif not any(re.fullmatch(pattern, bare) for pattern in NOT_RUN):
+                commands += command
+            elif re.fullmatch(SCRIPTS, bare):
+                self.see(f"#   {bare} ")
+        result = run(commands, cwd=folder, env=surroundings)
         self.assertEqual(result.returncode, 0, result.stdout)
         if shown:
             check = doctest.OutputChecker().check_output
-            self.assertTrue(check("".join(shown), result.stdout, doctest.ELLIPSIS), result.stdout)
+            self.assertTrue(check(shown, result.stdout, doctest.ELLIPSIS), result.stdout)
 
     def test_numbers_are_on_the_panel_as_it_is(self):
         panel = base64.b64encode((ROOT / "docs/panel.png").read_bytes()).decode()
