@@ -19,7 +19,7 @@ sys.path.insert(0, str(DOCS.parent / "demo"))
 from song_file import BASS_KEYS, OCTAVE, QUARTER, note_events, song, tempo_events
 
 KEYS = range(BASS_KEYS[0], 73)
-INK, PALE, WARM, COOL = "#222", "#999", "#b5402e", "#2f6f8f"
+INK, PALE, WARM, COOL = "#222", "#666", "#b5402e", "#2f6f8f"
 
 
 class Picture:
