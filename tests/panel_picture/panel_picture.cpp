@@ -86,15 +86,15 @@ CDrawContext panel_picture(const panel_state& state) {
     return panel;
 }
 
-CDrawContext reduced(const CDrawContext& shown, int scale) {
-    CDrawContext small(480, 400);
-    const auto step = static_cast<std::size_t>(scale);
-    const auto area = static_cast<std::uint32_t>(scale * scale);
-    for (int y = 0; y < 400; ++y)
-        for (std::size_t x = 0; x < 480; ++x)
+CDrawContext reduced(const CDrawContext& shown, int divisor) {
+    CDrawContext small(shown.bounds().width() / divisor, shown.bounds().height() / divisor);
+    const auto step = static_cast<std::size_t>(divisor);
+    const auto area = static_cast<std::uint32_t>(divisor * divisor);
+    for (int y = 0; y < small.bounds().height(); ++y)
+        for (std::size_t x = 0; x < small.row(y).size(); ++x)
             for (const int shift : {0, 8, 16}) {
                 std::uint32_t sum = area / 2;
-                for (int row = scale * y; row < scale * (y + 1); ++row)
+                for (int row = divisor * y; row < divisor * (y + 1); ++row)
                     for (const std::uint32_t pixel : shown.row(row).subspan(step * x, step))
                         sum += pixel >> shift & 0xFF;
                 small.row(y)[x] |= sum / area << shift;
@@ -135,10 +135,14 @@ CDrawContext drawing(const picture& shown) {
 } // namespace
 
 std::string shown_difference(const editor_window& window, const CDrawContext& expected,
-                             int tolerance) {
+                             int tolerance, int scale) {
     constexpr int nb_chances = 100;
-    std::string difference = first_difference(drawing(window.take()), expected, tolerance);
+    const auto differs = [&] {
+        return first_difference(reduced(drawing(window.take()), scale), expected, tolerance);
+    };
+    tolerance += scale > 1; // means are rounded
+    std::string difference = differs();
     for (int i = 0; i < nb_chances && !difference.empty(); ++i)
-        difference = first_difference(drawing(window.take()), expected, tolerance);
+        difference = differs();
     return difference;
 }

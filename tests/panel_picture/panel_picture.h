@@ -19,14 +19,15 @@ struct panel_state {
 
 [[nodiscard]] CDrawContext panel_picture(const panel_state& state);
 
-/// Returns the panel in the size of its plain pictures, each pixel the mean of those that it had.
-[[nodiscard]] CDrawContext reduced(const CDrawContext& shown, int scale);
+/// Returns the picture in a fraction of its size, each pixel the mean of those that it had.
+[[nodiscard]] CDrawContext reduced(const CDrawContext& shown, int divisor);
 
 /// Returns "" for pictures whose channels differ by no more than `tolerance`, else where they do.
 [[nodiscard]] std::string first_difference(const CDrawContext& shown, const CDrawContext& expected,
                                            int tolerance = 0);
 
 /// Takes pictures of the window for as long as clients may still be heard by the display. Returns
-/// "" once one shows what is expected, else where the last one differs.
+/// "" once one shows what is expected, `scale` times as large, else where the last one differs.
 [[nodiscard]] std::string shown_difference(const editor_window& window,
-                                           const CDrawContext& expected, int tolerance = 0);
+                                           const CDrawContext& expected, int tolerance = 0,
+                                           int scale = 1);

@@ -40,6 +40,46 @@ TEST_F(EditorTest, OpensWithWhatTheParametersAre) {
     EXPECT_EQ(differs(), "");
 }
 
+/// How many times as bright the second picture is as the first, where they differ.
+double brightness_gain(const CDrawContext& off, const CDrawContext& on) {
+    double sums[2]{};
+    for (int y = 0; y < off.bounds().height(); ++y)
+        for (std::size_t x = 0; x < off.row(y).size(); ++x)
+            if (off.row(y)[x] != on.row(y)[x])
+                for (const auto* shown : {&off, &on}) {
+                    const std::uint32_t pixel = shown->row(y)[x];
+                    sums[shown == &on] += 0.299 * (pixel >> 16) + 0.587 * (pixel >> 8 & 0xFF)
+                                          + 0.114 * (pixel & 0xFF);
+                }
+    return sums[1] / sums[0];
+}
+
+/// From two metres, in a picture of half the size, and by eyes that tell no colours.
+TEST(EditorScale, WhatIsOnIsBrighterInEverySize) {
+    for (const auto& [scale, divisor] : {std::pair{1, 2}, {1, 1}, {2, 1}, {3, 1}}) {
+        headless_parent window;
+        const panel_host host;
+        host.tell_scale(static_cast<float>(scale));
+        ASSERT_TRUE(host.open(&window));
+        for (int index = 0; index < volume; ++index) // the tabs
+            host.set(index, 0);
+        const auto shown = [&] {
+            host.idle();
+            return reduced(window.screen, divisor);
+        };
+        CDrawContext before = shown();
+        for (int index = 0; index <= volume; ++index) {
+            const CPoint place = index < volume ? control_places[index] : learn_place;
+            window.listener->onMouseDown({scale * place.x, scale * place.y}, kLButton);
+            window.listener->onMouseUp({}, kLButton);
+            CDrawContext after = shown();
+            EXPECT_GE(brightness_gain(before, after), 1.5)
+                << "control " << index << ", " << scale << "/" << divisor << " of its size";
+            before = std::move(after);
+        }
+    }
+}
+
 TEST(EditorScale, IsTheHostsOrTheEnvironmentsOrOne) {
     struct row {
         const char* environment;
@@ -60,17 +100,13 @@ TEST(EditorScale, IsTheHostsOrTheEnvironmentsOrOne) {
         setenv("TINDELWAX_SCALE", r.environment, 1);
         headless_parent window;
         const panel_host host;
-        const auto tell = [&host](float scale) {
-            return host.record->dispatcher(host.record, effVendorSpecific, kEditorScaleIndex,
-                                           kEditorScaleValue, nullptr, scale);
-        };
-        EXPECT_TRUE(r.told == 0 || tell(r.told) == r.is_taken);
+        EXPECT_TRUE(r.told == 0 || host.tell_scale(r.told) == r.is_taken);
         ERect* size = nullptr;
         host.ask(effEditGetRect, 0, &size);
         EXPECT_EQ(size->right, 480 * r.scale);
         EXPECT_EQ(size->bottom, 400 * r.scale);
         EXPECT_TRUE(host.open(&window));
-        EXPECT_EQ(tell(static_cast<float>(r.scale % 3 + 1)), 0) << "while it is open";
+        EXPECT_EQ(host.tell_scale(static_cast<float>(r.scale % 3 + 1)), 0) << "while it is open";
         host.ask(effSetEditKnobMode, kLinearMode);
         host.set(volume, 0.2f);
         host.idle();

@@ -27,6 +27,10 @@ struct panel_host {
     VstIntPtr ask(VstInt32 opcode, VstIntPtr value = 0, void* ptr = nullptr) const {
         return record->dispatcher(record, opcode, 0, value, ptr, 0);
     }
+    VstIntPtr tell_scale(float scale) const {
+        return record->dispatcher(record, effVendorSpecific, kEditorScaleIndex, kEditorScaleValue,
+                                  nullptr, scale);
+    }
     bool open(void* parent) const { return ask(effEditOpen, 0, parent) != 0; }
     void close() const { ask(effEditClose); }
     void idle() const { ask(effEditIdle); }
