@@ -22,7 +22,7 @@ struct ClapPanel : testing::Test {
         clap.extension<clap_plugin_timer_support>(clap_timer_support_id).on_timer(clap.plugin, 7);
     }
     void click(CPoint place) {
-        window.move({place.x, place.y});
+        window.move({scale * place.x, scale * place.y});
         for (const auto act : {&editor_window::press, &editor_window::release}) {
             (window.*act)();
             idle();
@@ -46,12 +46,13 @@ struct ClapPanel : testing::Test {
             state.values[i] = static_cast<float>(clap.value(static_cast<clap_id>(i)));
         idle();
         idle(); // draws what the first has found
-        return shown_difference(window, panel_picture(state));
+        return shown_difference(window, panel_picture(state), 0, scale);
     }
 
 #ifndef _WIN32
     display server{display::choice::unseen};
 #endif
+    int scale = 1; ///< of the panel in the window
     editor_window window{480, 400};
     hosted clap{};
     const clap_plugin_gui& gui = clap.extension<clap_plugin_gui>(clap_gui_id);
@@ -103,9 +104,18 @@ TEST_F(ClapPanel, ShowsTheInstrumentAndTellsTheHostOfItsUser) {
 
     learn(20);
 
-    EXPECT_TRUE(gui.hide(clap.plugin));
-    EXPECT_EQ(clap.nb_timers, 0);
-    EXPECT_TRUE(gui.show(clap.plugin));
+    for (const int larger : {2, 3, 1}) {
+        EXPECT_TRUE(gui.hide(clap.plugin));
+        EXPECT_EQ(clap.nb_timers, 0);
+        EXPECT_TRUE(gui.set_scale(clap.plugin, scale = larger));
+        window.resize(480 * scale, 400 * scale);
+        EXPECT_TRUE(gui.show(clap.plugin));
+        EXPECT_FALSE(gui.set_scale(clap.plugin, scale % 3 + 1)) << "while it is shown";
+        const double before = clap.value(flute);
+        click(control_places[flute]);
+        EXPECT_EQ(clap.value(flute), 1 - before);
+        EXPECT_EQ(differs(), "") << scale;
+    }
 }
 
 /// Another seed is another player, in whose place the panel's gestures act then.

@@ -2,9 +2,14 @@
 
 #include <cmath>
 
-panel_player::panel_player(trial& its_trial, CPoint corner_on_screen, host_answers answers)
-    : running(its_trial), playing(its_trial, std::move(answers)), window(corner_on_screen) {
+panel_player::panel_player(trial& its_trial, int scale, host_answers answers)
+    : running(its_trial), playing(its_trial, std::move(answers)), window(scale) {
     playing.prepare({});
+    running.expect(scale == 1
+                       || playing.ask(effVendorSpecific, kEditorScaleIndex, kEditorScaleValue,
+                                      nullptr, static_cast<float>(scale))
+                              == 1,
+                   "the panel does not take the scale");
     running.expect(open() == 1, "the panel does not open");
     idle();
 }

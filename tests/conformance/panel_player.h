@@ -10,9 +10,8 @@ constexpr VstInt32 nb_panel_parameters = std::size(control_places);
 
 class panel_player {
 public:
-    /// With an open panel.
-    explicit panel_player(trial& its_trial, CPoint corner_on_screen = {40, 30},
-                          host_answers answers = answer_version);
+    /// With an open panel, so many times as large as plain.
+    explicit panel_player(trial& its_trial, int scale = 1, host_answers answers = answer_version);
 
     VstIntPtr open() { return playing.ask(effEditOpen, 0, 0, window.handle()); }
     void close() { playing.ask(effEditClose); }

@@ -10,24 +10,24 @@
 namespace {
 
 /// One for all rows. Windows has its own.
-window_place on_display(CPoint corner) {
+window_place corner_on_display() {
 #ifndef _WIN32
     static const display unseen{display::choice::unseen};
     if (!unseen.error.empty())
         throw std::runtime_error(unseen.error);
 #endif
-    return {corner.x, corner.y};
+    return {40, 30};
 }
 
 } // namespace
 
-panel_window::panel_window(CPoint corner_on_screen)
-    : editor_window(480, 400, on_display(corner_on_screen)) {
+panel_window::panel_window(int scale)
+    : editor_window(480 * scale, 400 * scale, corner_on_display()), scale_(scale) {
     if (!handle())
         throw std::runtime_error("no window can be shown; run it where there is a display");
     take_keys();
 }
 
 std::string panel_window::difference(const CDrawContext& expected) const {
-    return shown_difference(*this, expected);
+    return shown_difference(*this, expected, 0, scale_);
 }

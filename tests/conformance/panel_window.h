@@ -8,11 +8,16 @@
 
 class panel_window : public editor_window {
 public:
-    /// Throws a std::runtime_error where no window can be shown.
-    explicit panel_window(CPoint corner_on_screen = {40, 30});
+    /// For a panel that is so many times as large as plain. Throws a std::runtime_error where no
+    /// window can be shown.
+    explicit panel_window(int scale);
 
-    /// Returns "" when the screen shows that in it, else where it differs.
+    /// Returns "" when the screen shows that in it, as large, else where it differs.
     [[nodiscard]] std::string difference(const CDrawContext& expected) const;
 
-    void move(CPoint on_panel) { editor_window::move({on_panel.x, on_panel.y}); }
+    /// To a place on the plain panel.
+    void move(CPoint on_panel) { editor_window::move({scale_ * on_panel.x, scale_ * on_panel.y}); }
+
+private:
+    int scale_;
 };

@@ -48,16 +48,22 @@ TEST_F(Panel, LampLightsForEvents) {
 }
 
 TEST_F(Panel, Drags) {
-    panel_player user(running);
-    for (VstInt32 index = first_knob; index < nb_panel_parameters; ++index) {
-        const CPoint knob = control_places[index];
-        user.playing.set(index, 0.5f);
-        user.press({knob.x, knob.y - 15});
-        user.move({750, knob.y});  // beyond the window, a quarter turn on
-        user.window.turn_wheel(1); // for nobody
-        user.release();
-        user.expect_gestures(index, "bse");
-        user.expect_value(index, 0.8f, 0.02f);
+    for (const int scale : {1, 2, 3}) {
+        running.doing = "at scale " + std::to_string(scale);
+        panel_player user(running, scale);
+        for (VstInt32 index = first_knob; index < nb_panel_parameters; ++index) {
+            const CPoint knob = control_places[index];
+            user.playing.set(index, 0.5f);
+            user.press({knob.x, knob.y - 15});
+            user.move({750, knob.y});  // beyond the window, a quarter turn on
+            user.window.turn_wheel(1); // for nobody
+            user.release();
+            user.expect_gestures(index, "bse");
+            user.expect_value(index, 0.8f, 0.02f);
+            user.expect_shown();
+        }
+        user.click(control_places[flute]);
+        user.expect_gestures(flute, "bse");
         user.expect_shown();
     }
 }

@@ -105,7 +105,7 @@ std::string request_text(const VstFileSelect& request) {
 /// comes of it.
 TEST_F(PanelActions, MenuAsksForFiles) {
     std::vector<std::string> requests;
-    panel_player user(running, {40, 30}, [&](const host_call& call) -> VstIntPtr {
+    panel_player user(running, 1, [&](const host_call& call) -> VstIntPtr {
         if (call.opcode == audioMasterCanDo)
             return 1;
         if (call.opcode != audioMasterOpenFileSelector)

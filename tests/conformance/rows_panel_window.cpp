@@ -31,7 +31,7 @@ TEST_F(PanelWindow, MayBeClosedInAClick) {
             running.doing = "closed with opcode " + std::to_string(closing) + " in a callback with "
                             + std::to_string(turn);
             instrument* clicked = nullptr;
-            panel_player user(running, {40, 30}, [&](const host_call& call) {
+            panel_player user(running, 1, [&](const host_call& call) {
                 if (clicked && call.opcode == turn) {
                     instrument& closed = *std::exchange(clicked, nullptr);
                     closing == effClose ? closed.close() : closed.ask(effEditClose);
