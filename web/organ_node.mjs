@@ -121,6 +121,15 @@ export class Organ extends EventTarget {
         this.#tell("bind", index, {number, channel});
     }
 
+    // Takes up what the browser, the system or a device that went has suspended, as every key does. Before
+    // somebody touches the page browsers refuse it, and complain on the console.
+    wake() {
+        const {context} = this.node;
+        const isTouched = navigator.userActivation?.hasBeenActive ?? true;
+        if (isTouched && context instanceof AudioContext && context.state !== "running")
+            context.resume();
+    }
+
     // Silences what sounds and forgets what was to come.
     panic() {
         this.#ask("panic");
@@ -164,11 +173,9 @@ export class Organ extends EventTarget {
     }
 
     #play(message, when = 0) {
-        const {context} = this.node;
-        // What the browser, the system or a device that went has suspended is taken up by a key.
-        if ((message[0] & 0xF0) === noteOn && context instanceof AudioContext && context.state !== "running")
-            context.resume();
-        this.#ask("tell", Math.round(when * context.sampleRate), "receive", ...message);
+        if ((message[0] & 0xF0) === noteOn)
+            this.wake();
+        this.#ask("tell", Math.round(when * this.node.context.sampleRate), "receive", ...message);
     }
 
     #set(index, value) {

@@ -37,12 +37,9 @@ async function labelKeys(manual, computerKeys) {
 }
 
 // Where the first gesture is a touch, a key begins too early for browsers that wait for its end.
-function wakeWithGestures(context) {
+function wakeWithGestures(organ) {
     for (const gesture of ["pointerup", "keydown"])
-        addEventListener(gesture, () => {
-            if (context.state !== "running")
-                context.resume();
-        });
+        addEventListener(gesture, () => organ.wake());
 }
 
 function releaseWhereNobodyLooks(...hands) {
@@ -69,7 +66,7 @@ async function start() {
     const context = new AudioContext({latencyHint: "interactive"});
     const organ = await createOrgan(context);
     organ.node.connect(context.destination);
-    wakeWithGestures(context);
+    wakeWithGestures(organ);
 
     const held = new HeldNotes(organ);
     const panel = new Panel(organ, {panel: find(".panel"), split: find(".split")});

@@ -22,7 +22,7 @@ export class SongPlayer extends EventTarget {
     play({events, seconds}) {
         this.stop();
         const {context} = this.#organ.node;
-        context.resume();
+        this.#organ.wake();
         const start = context.currentTime + leadTime;
         const sounding = new Set();
         for (const {seconds: at, bytes} of events) {
