@@ -157,7 +157,9 @@ CLI::App* add_play(CLI::App& app, play_request& request) {
         "show the panel (where a display is)");
     play->add_flag_callback(
         "--no-panel", [&request] { request.shows_panel = false; }, "do without");
-    add_number(*play, "--scale", request.scale, 1, 8, "N times as large a panel, 1 to 8 (1)")
+    add_number(*play, "--scale", request.scale, 1, 8,
+               "1 to 8 times as large a panel as plain, or as near to\n"
+               "that as it can be (its own size)")
         ->option_text("N");
     add_console_options(*play, request);
     play->add_flag("--learn", request.learns, "the next controller moves what was touched last");
@@ -176,7 +178,8 @@ CLI::App* add_panel(CLI::App& app, panel_request& request) {
         ->option_text("PANEL.png")
         ->required();
     add_number(*panel, "--scale", request.scale, 1, 8,
-               "N times as large, 1 to 8 (1): drawn so, or each\npixel a square")
+               "1 to 8 times as large as plain (its own size): drawn so,\n"
+               "or each pixel a square")
         ->option_text("N");
     add_instrument_options(*panel, request);
     return panel;

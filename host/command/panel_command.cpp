@@ -9,8 +9,9 @@ namespace {
 
 /// Has the editor as large as is wanted, where the plug-in can. Returns how many times as large its
 /// picture is still to be made.
-int enlarge(plugin& instrument, int scale) {
-    if (scale == 1 || !instrument.set_editor_scale(1))
+int enlarge(plugin& instrument, std::optional<int> wanted) {
+    const int scale = wanted.value_or(1);
+    if (!wanted || !instrument.set_editor_scale(1))
         return scale;
     const editor_extent plain = instrument.editor_size();
     instrument.set_editor_scale(scale);

@@ -3,11 +3,12 @@
 
 #include "command/instrument.h"
 
+#include <optional>
 #include <string>
 
 struct panel_request : instrument_request {
-    std::string output{}; ///< named .png
-    int scale = 1;        ///< of the plain size
+    std::string output{};       ///< named .png
+    std::optional<int> scale{}; ///< times as large as plain; else it has its own size
 };
 
 /// Throws a failure.

@@ -14,7 +14,7 @@ struct play_request : instrument_request {
     sound_wishes sound{};
     bool lists = false;                ///< devices and ports, and nothing else
     std::optional<bool> shows_panel{}; ///< none: where a display is
-    int scale = 1;                     ///< of the panel
+    std::optional<int> scale{};        ///< of the panel; else it has its own size
     bool learns = false;
     bool forgets = false;
     std::string saved_file{}; ///< that gets the registration at the end

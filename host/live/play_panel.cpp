@@ -4,11 +4,11 @@
 
 namespace {
 
-player_window open_window(plugin& instrument, int scale) {
+player_window open_window(plugin& instrument, std::optional<int> scale) {
     if (!instrument.has_editor())
         instrument.fail("has no panel");
-    if (scale > 1)
-        instrument.set_editor_scale(scale);
+    if (scale)
+        instrument.set_editor_scale(*scale);
     const editor_extent size = instrument.editor_size();
     return {std::max(size.width, 1), std::max(size.height, 1), instrument.name()};
 }
@@ -22,7 +22,7 @@ void* require(void* window) {
 
 } // namespace
 
-play_panel::play_panel(plugin& instrument, live_instrument& played, int scale)
+play_panel::play_panel(plugin& instrument, live_instrument& played, std::optional<int> scale)
     : keys_{played},
       window_{open_window(instrument, scale)},
       editor_{instrument, require(window_.handle())} {

@@ -7,9 +7,9 @@
 
 class play_panel {
 public:
-    /// So many times as large as plain, where the plug-in heeds that. Throws a failure where it has
-    /// no editor or the display shows no window.
-    play_panel(plugin& instrument, live_instrument& played, int scale);
+    /// So many times as large as plain, where that is told and the plug-in heeds it. Throws a
+    /// failure where it has no editor or the display shows no window.
+    play_panel(plugin& instrument, live_instrument& played, std::optional<int> scale);
 
     /// To be called some 50 times a second; returns false once the user has closed the window.
     bool idle();

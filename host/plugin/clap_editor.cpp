@@ -13,18 +13,12 @@ void clap_editor::attach(const clap_plugin* plugin) {
 
 /// Shows nothing yet, but from here on the plug-in tells its size.
 bool clap_editor::create() {
-    if (!is_created_ && gui_ && gui_->create(plugin_, clap_system_window_api, false)) {
-        is_created_ = true;
-        if (scale_ > 0)
-            gui_->set_scale(plugin_, scale_);
-    }
+    if (!is_created_ && gui_)
+        is_created_ = gui_->create(plugin_, clap_system_window_api, false);
     return is_created_;
 }
 
-bool clap_editor::set_scale(double scale) {
-    scale_ = scale;
-    return create() && gui_->set_scale(plugin_, scale);
-}
+bool clap_editor::set_scale(double scale) { return create() && gui_->set_scale(plugin_, scale); }
 
 editor_extent clap_editor::size() {
     std::uint32_t width = 0, height = 0;

@@ -17,7 +17,7 @@ public:
 
     [[nodiscard]] bool exists() const { return gui_; }
     [[nodiscard]] editor_extent size();
-    bool set_scale(double scale); ///< whether it heeds that
+    bool set_scale(double scale); ///< until it is closed; whether it heeds that
     bool open(void* window);      ///< false where it refuses
     void close();                 ///< does nothing where it was neither opened nor measured
 
@@ -45,7 +45,6 @@ private:
     const clap_plugin* plugin_ = nullptr;
     const clap_plugin_gui* gui_ = nullptr; ///< null where it has none for this system's windows
     bool is_created_ = false;
-    double scale_ = 0; ///< 0 where the plug-in is not told
     std::vector<timer> timers_{};
     clap_id nb_timers_so_far_ = 0;
     std::atomic<bool> wants_turn_ = false;

@@ -64,9 +64,10 @@ bool lv2_editor::open(void* window, LV2_Handle instance, LV2_URID_Map& map, cons
             of(self).told_(panel_edit::step::sets, port, *static_cast<const float*>(value));
     };
     const auto number = [&map](const char* uri) { return map.map(map.handle, uri); };
-    const LV2_Options_Option options[] = {{LV2_OPTIONS_INSTANCE, 0, number(LV2_UI__scaleFactor),
-                                           sizeof scale_, number(LV2_ATOM__Float), &scale_},
-                                          {}};
+    // Without a key an option is the end of them.
+    const LV2_URID scale_key = scale_ > 0 ? number(LV2_UI__scaleFactor) : 0;
+    const LV2_Options_Option options[] = {
+        {LV2_OPTIONS_INSTANCE, 0, scale_key, sizeof scale_, number(LV2_ATOM__Float), &scale_}, {}};
     const LV2_Feature features[] = {
         {LV2_URID__map, &map},
         {LV2_OPTIONS__options, const_cast<LV2_Options_Option*>(options)},

@@ -38,7 +38,7 @@ private:
 
     std::string plugin_uri_{}, uri_{}, folder_{}, binary_{};
     bool heeds_scale_ = false;
-    float scale_ = 1;
+    float scale_ = 0; ///< 0 where the plug-in is not told
     std::optional<library> library_{};
     const LV2UI_Descriptor* descriptor_ = nullptr;
     const LV2UI_Idle_Interface* idling_ = nullptr; ///< null where it needs no turns

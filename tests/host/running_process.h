@@ -2,6 +2,7 @@
 /// A program that runs beside a test, and what it prints: on standard output alone, or in a
 /// terminal.
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -52,12 +53,16 @@ public:
     running_process(const running_process&) = delete;
     running_process& operator=(const running_process&) = delete;
 
-    /// Whether it prints these words within some seconds, past those that were found before.
+    /// Whether it prints these words within a minute, past those that were found before.
     [[nodiscard]] bool says(const std::string& words) {
+        using clock = std::chrono::steady_clock;
+        const auto deadline = clock::now() + std::chrono::minutes{1};
         pollfd stream{output_, POLLIN, 0};
-        for (std::size_t found = 0; (found = text_.find(words)) == text_.npos;) {
+        while (text_.find(words) == text_.npos) {
             char piece[4096];
-            if (poll(&stream, 1, 60000) <= 0)
+            const auto rest = deadline - clock::now();
+            const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(rest).count();
+            if (ms <= 0 || poll(&stream, 1, static_cast<int>(ms)) <= 0)
                 return false;
             const auto nb = read(output_, piece, sizeof piece);
             if (nb <= 0)

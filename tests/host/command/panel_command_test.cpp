@@ -41,17 +41,23 @@ TEST_F(PanelCommand, ShowsOurOwnPanelAndItsSwitches) {
     const picture plain = pictured({}, TEST_INSTRUMENT);
     EXPECT_EQ(plain.width, 480);
     EXPECT_EQ(plain.height, 400);
-    for (const auto& [scale, factor] : {std::pair{3, 1}, {4, 4}, {6, 2}}) {
-        const picture large = pictured({"--scale", std::to_string(scale)}, TEST_INSTRUMENT);
-        ASSERT_EQ(large.width, 480 * scale);
-        ASSERT_EQ(large.height, 400 * scale);
-        EXPECT_EQ(square_size(large), factor) << "drawn as large as can be";
-    }
-    const picture turned = pictured({"--set", "Vibrato=on"}, TEST_INSTRUMENT);
-    const picture larger = pictured({"--set", "Vibrato=on", "--scale", "2"}, TEST_INSTRUMENT);
-    for (const char* file : {TEST_CLAP, TEST_LV2}) {
-        EXPECT_EQ(pictured({"--set", "Vibrato=on"}, file), turned) << file;
-        EXPECT_EQ(pictured({"--set", "Vibrato=on", "--scale", "2"}, file), larger) << file;
+    const auto turned_at = [this](const char* scale, const std::string& plugin) {
+        words options{"--set", "Vibrato=on"};
+        if (*scale)
+            options.insert(options.end(), {"--scale", scale});
+        return pictured(options, plugin);
+    };
+    const picture turned = turned_at("", TEST_INSTRUMENT);
+    surroundings.environment["TINDELWAX_SCALE"] = "2"; // where a host tells nothing
+    EXPECT_EQ(turned_at("1", TEST_INSTRUMENT), turned);
+    for (const auto& [scale, width, square] :
+         {std::tuple{"", 960, 1}, {"3", 1440, 1}, {"4", 1920, 4}, {"6", 2880, 2}}) {
+        const picture large = turned_at(scale, TEST_INSTRUMENT);
+        ASSERT_EQ(large.width, width);
+        ASSERT_EQ(large.height, width / 6 * 5);
+        EXPECT_EQ(square_size(large), square) << "drawn as large as can be";
+        for (const char* file : {TEST_CLAP, TEST_LV2})
+            EXPECT_TRUE(square > 1 || turned_at(scale, file) == large) << file << " " << scale;
     }
     int nb_different = 0;
     for (int y = 0; y < plain.height; ++y)

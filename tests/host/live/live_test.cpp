@@ -363,10 +363,10 @@ TEST_F(Jack, WhatIsLearnedLastsAndProgramsDrawRegistrations) {
     constexpr std::size_t glass = 6;
     const short_message turn_up = message_make(message_control_change, 0, 20, 127);
     {
-        running_process play{{TEST_COMMAND, "play", "--learn", "--midi", "sender"}};
+        running_process play{{TEST_COMMAND, "play", "--learn", "--scale", "2", "--midi", "sender"}};
         sender keyboard;
         EXPECT_TRUE(play.says("sender:notes plays\n"));
-        user.click(75, 120); // the first tab
+        user.click(150, 240); // the first tab, in twice its size
         EXPECT_TRUE(keyboard.send(std::vector(50, turn_up)));
         EXPECT_TRUE(play.says("learned 20:1=Vibrato\n"));
         EXPECT_EQ(play.end(SIGTERM), 0);
