@@ -69,6 +69,14 @@ Page custom showMode leaveMode
     ${EndIf}
 !macroend
 
+; Sets the error flag if a host has the file loaded.
+!macro need_free folder file
+    ${If} ${FileExists} "${folder}\${file}"
+        FileOpen $4 "${folder}\${file}" a
+        FileClose $4
+    ${EndIf}
+!macroend
+
 ; The macros delete_staged and remove_staged: what would lie in the folder in $0 if the stage lay
 ; there, the inner before the outer.
 !tempfile STAGED
@@ -125,11 +133,21 @@ Function ${un}remove
         WriteRegStr SHCTX "${ENTRY}" "KeptClapFolder" $LOCALAPPDATA
     ${EndIf}
 
+    ; Before anything goes: what hosts have of it stays whole.
     ClearErrors
-    !insertmacro delete $1 "tindelwax.dll"
-    !insertmacro delete $2 "tindelwax.dll"
-    !insertmacro delete $3 "tindelwax.clap"
-    !insertmacro delete_staged ; and with that an older version's plug-ins
+    !insertmacro need_free $1 "tindelwax.dll"
+    !insertmacro need_free $2 "tindelwax.dll"
+    !insertmacro need_free $3 "tindelwax.clap"
+    !insertmacro need_free $0 "win32\tindelwax.dll" ; an older version's
+    !insertmacro need_free $0 "win64\tindelwax.dll"
+    ${IfNot} ${Errors}
+        !insertmacro delete $1 "tindelwax.dll"
+        !insertmacro delete $2 "tindelwax.dll"
+        !insertmacro delete $3 "tindelwax.clap"
+        !insertmacro delete_staged ; and with that an older version's plug-ins
+    ${Else}
+        SetErrors ; which the question took away
+    ${EndIf}
     ${If} ${Errors}
         !insertmacro refuse "Tindelwax is in use. Close your host, then run this again."
     ${EndIf}
