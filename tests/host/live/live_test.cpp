@@ -360,7 +360,7 @@ TEST_F(Jack, WhatIsLearnedLastsAndProgramsDrawRegistrations) {
         setenv(variable, folder.path.c_str(), 1);
     const jack_server server{64};
     const desktop user;
-    constexpr std::size_t glass = 6;
+    constexpr std::size_t glass = 7;
     const short_message turn_up = message_make(message_control_change, 0, 20, 127);
     {
         running_process play{{TEST_COMMAND, "play", "--learn", "--scale", "2", "--midi", "sender"}};
