@@ -50,6 +50,7 @@ constexpr const char* prefixes = R"(@prefix atom: <http://lv2plug.in/ns/ext/atom
 @prefix midi: <http://lv2plug.in/ns/ext/midi#> .
 @prefix pg: <http://lv2plug.in/ns/ext/port-groups#> .
 @prefix pset: <http://lv2plug.in/ns/ext/presets#> .
+@prefix rdf: <http://www.w3.org/1999/02/22-rdf-syntax-ns#> .
 @prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .
 @prefix state: <http://lv2plug.in/ns/ext/state#> .
 @prefix ui: <http://lv2plug.in/ns/extensions/ui#> .
@@ -160,8 +161,14 @@ void write_parameter_port(std::ostream& out, const parameter& param, std::size_t
     say(out, "lv2:default", decimal(param.default_value));
     say(out, "lv2:minimum", "0.0");
     say(out, "lv2:maximum", "1.0");
-    if (parameter_is_switch(param))
+    if (parameter_is_switch(param)) {
         say(out, "lv2:portProperty", "lv2:toggled");
+        for (const float value : {0.0f, 1.0f}) {
+            say(out, "lv2:scalePoint", "[ rdfs:label ");
+            out << std::quoted(parameter_text(param, value)) << " ; rdf:value " << decimal(value)
+                << " ]";
+        }
+    }
     if (param.unit == "db")
         say(out, "units:unit", "units:coef");
     if (param.manual != static_cast<unsigned>(-1))

@@ -147,8 +147,9 @@ TEST_F(Command, OneSeedIsOneFileInEveryFormat) {
         {vst.parent_path() / "tindelwax.lv2", "https://quenmar.example/tindelwax"}};
     for (const auto& [file, id] : formats) {
         const std::string info = run({"info"}, file).out;
-        for (const std::string part : {"Tindelwax\n", "  vendor      Quenmar\n", id,
-                                       "  parameters  10\n", "Contour     0.1000  0.1"})
+        for (const std::string part :
+             {"Tindelwax\n", "  vendor      Quenmar\n", id, "  parameters  10\n",
+              "Contour     0.1000  0.1", "Vibrato     0.0000  OFF\n"})
             EXPECT_TRUE(contains(info, part)) << part << "\n" << info;
         const process_result render =
             run({"render", "song.mid", "-o", "a.wav", "--seed", "2", "--set", "Vibrato=1", "--set",
