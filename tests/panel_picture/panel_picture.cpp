@@ -87,6 +87,8 @@ CDrawContext panel_picture(const panel_state& state) {
 }
 
 CDrawContext reduced(const CDrawContext& shown, int divisor) {
+    if (divisor == 1)
+        return shown;
     CDrawContext small(shown.bounds().width() / divisor, shown.bounds().height() / divisor);
     const auto step = static_cast<std::size_t>(divisor);
     const auto area = static_cast<std::uint32_t>(divisor * divisor);
