@@ -233,7 +233,7 @@ test("MIDI keyboards play, teach and go", async (t) => {
     await waitForLit(page);
     await waitForSound(page, false);
 
-    await send("one", 0xC0, 5); // the sixth registration
+    await send("one", 0xC0, 6); // the seventh registration
     assert.deepEqual(await toldBy(page, ["Full organ", "Contour"]), ["true", "1.0 of 10"]);
     await page.click("aria/MIDI learn");
     await (await page.$("aria/Contour")).press("End");
